@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "base/Color.h"
 #include "platform/Font.h"
@@ -14,11 +15,19 @@ class Label : public View {
   Label() { setUserInteractionEnabled(false); }
 
   const std::string& text() const { return text_; }
-  void setText(std::string text) { text_ = std::move(text); }
+  void setText(std::string text) {
+    if (text == text_) return;
+    text_ = std::move(text);
+    setNeedsDisplay();
+  }
   const Font& font() const { return font_; }
   void setFont(const Font& font) { font_ = font; }
   const Color& textColor() const { return textColor_; }
-  void setTextColor(const Color& color) { textColor_ = color; }
+  void setTextColor(const Color& color) {
+    if (color == textColor_) return;
+    textColor_ = color;
+    setNeedsDisplay();
+  }
   /// The most lines shown; 0 is no limit.
   int numberOfLines() const { return numberOfLines_; }
   void setNumberOfLines(int lines) { numberOfLines_ = lines; }

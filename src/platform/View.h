@@ -27,7 +27,10 @@ class View {
   void setAutoresizingMask(unsigned mask) { autoresizingMask_ = mask; }
 
   bool isHidden() const { return hidden_; }
-  void setHidden(bool hidden) { hidden_ = hidden; }
+  void setHidden(bool hidden) {
+    needsDisplay_ = needsDisplay_ || hidden != hidden_;
+    hidden_ = hidden;
+  }
   int tag() const { return tag_; }
   void setTag(int tag) { tag_ = tag; }
   bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
@@ -41,7 +44,7 @@ class View {
   void layoutIfNeeded();
   virtual void layoutSubviews() {}
   void setNeedsDisplay() { needsDisplay_ = true; }
-  /// Whether something changed that shows, asked and cleared by the host.
+  /// Whether something that shows changed in this view or below it; asked and cleared by the host.
   bool takeNeedsDisplay();
 
   virtual void touchesBegan(const Touch& /*touch*/) {}
