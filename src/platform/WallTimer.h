@@ -1,0 +1,31 @@
+#pragma once
+
+#include "base/Date.h"
+
+namespace vantrel {
+
+/// Fires at an instant of the wall clock, through suspends and changes of the clock, which ordinary
+/// timers sleep through. For a caller with an event loop of its own. One thread.
+class WallTimer {
+ public:
+  enum class Event { kNone, kReached, kClockSet };
+
+  WallTimer();
+  ~WallTimer();
+  WallTimer(const WallTimer&) = delete;
+  WallTimer& operator=(const WallTimer&) = delete;
+
+  /// Becomes readable when there is an event; -1 when the system has none to give.
+  int fileDescriptor() const { return descriptor_; }
+  /// Arms the timer, in place of an earlier instant; one that has passed fires at once. False when
+  /// the system refuses.
+  bool fireAt(Date instant);
+  /// What happened since the last call; never waits. After kClockSet (also told on the return from
+  /// suspend) the timer is to be armed again.
+  Event read();
+
+ private:
+  int descriptor_;
+};
+
+}  // namespace vantrel

@@ -1,0 +1,119 @@
+#include "platform/qt/QtParagraph.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QTextLayout>
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+constexpr double kUnlimited = 1e6;
+
+bool hasLetters(const QString& text) {
+  return std::any_of(text.begin(), text.end(), [](QChar c) {
+    return c.direction() == QChar::DirL || c.direction() == QChar::DirR ||
+           c.direction() == QChar::DirAL;
+  });
+}
+
+}  // namespace
+
+struct QtParagraph::State {
+  QTextLayout layout;
+  double width = kUnlimited;
+
+  void setLines() {
+    double y = 0;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+      line.setLineWidth(width);
+      line.setPosition({0, y});
+      y += line.height();
+    }
+    layout.endLayout();
+  }
+};
+
+QtParagraph::QtParagraph(std::string_view text, const QFont& font, bool interfaceIsRightToLeft)
+    : state_(std::make_unique<State>()) {
+  const QString shown = textToShow(text);
+  QTextOption option;
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  // Lines are aligned when drawn: an alignment of the layout's own would follow each text's
+  // direction.
+  option.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
+  if (hasLetters(shown)) {
+    option.setTextDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+  } else {
+    option.setTextDirection(interfaceIsRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+  }
+  state_->layout.setText(shown);
+  state_->layout.setFont(font);
+  state_->layout.setTextOption(option);
+  state_->setLines();
+}
+
+QtParagraph::~QtParagraph() = default;
+
+void QtParagraph::breakLines(double width, int maximumLines) {
+  QTextLayout& layout = state_->layout;
+  state_->width = width;
+  state_->setLines();
+  if (maximumLines <= 0 || layout.lineCount() <= maximumLines) return;
+  const int kept = layout.lineAt(maximumLines - 1).textStart();
+  QString rest = layout.text().mid(kept);
+  // A line end in the part that is cut would otherwise come back as a line.
+  rest.replace(QChar::LineSeparator, QLatin1Char(' '));
+  const QFontMetricsF metrics(layout.font());
+  // Always marked, also when the rest would have fitted into one line.
+  rest = metrics.elidedText(rest + QChar(0x2026), Qt::ElideRight, width);
+  layout.setText(layout.text().left(kept) + rest);
+  state_->setLines();
+}
+
+int QtParagraph::lineCount() const {
+  return state_->layout.lineCount();
+}
+
+double QtParagraph::width() const {
+  double width = 0;
+  for (int i = 0; i < lineCount(); ++i) {
+    width = std::max(width, state_->layout.lineAt(i).naturalTextWidth());
+  }
+  return width;
+}
+
+double QtParagraph::height() const {
+  const QTextLine last = state_->layout.lineAt(lineCount() - 1);
+  return last.y() + last.height();
+}
+
+double QtParagraph::firstLineHeight() const {
+  return state_->layout.lineAt(0).height();
+}
+
+void QtParagraph::draw(QPainter& painter, const QPointF& topLeft, Alignment alignment) const {
+  for (int i = 0; i < lineCount(); ++i) {
+    const QTextLine line = state_->layout.lineAt(i);
+    const bool right = alignment == Alignment::kRight;
+    line.draw(&painter, topLeft + QPointF(right ? state_->width - line.naturalTextWidth() : 0, 0));
+  }
+}
+
+QString QtParagraph::textToShow(std::string_view text) {
+  QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  shown.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+  for (QChar& c : shown) {
+    if (c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f' || c == u'\u0085' ||
+        c == QChar::ParagraphSeparator) {
+      c = QChar::LineSeparator;
+    } else if (c.category() == QChar::Other_Control) {
+      c = u' ';
+    }
+  }
+  return shown;
+}
+
+}  // namespace vantrel

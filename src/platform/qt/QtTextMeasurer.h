@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/TextMeasurer.h"
+
+class QFont;
+
+namespace vantrel {
+
+/// Measures with the desktop's own font, as QtParagraph draws. Needs an application object. Main
+/// thread.
+class QtTextMeasurer : public TextMeasurer {
+ public:
+  /// `scale` is the user's text size, 1 for the usual one.
+  explicit QtTextMeasurer(double scale = 1) : scale_(scale) {}
+
+  double scale() const { return scale_; }
+  QFont fontFor(const Font& font) const;
+  Size sizeOfText(std::string_view text, const Font& font) const override;
+  Size boundingSizeOfText(std::string_view text, const Font& font, Size bounds) const override;
+
+ private:
+  double scale_;
+};
+
+}  // namespace vantrel
