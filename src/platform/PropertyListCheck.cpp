@@ -1,0 +1,192 @@
+#include "platform/PropertyListCheck.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "platform/PropertyList.h"
+
+namespace vantrel {
+
+namespace {
+
+constexpr std::size_t kHeaderSize = 8;
+constexpr std::size_t kTrailerSize = 32;
+/// What a value takes in memory besides its own bytes; an estimate on the high side.
+constexpr std::size_t kNodeCost = 160;
+
+/// Walks the object table of a binary property list without recursion.
+class BinaryCheck {
+ public:
+  explicit BinaryCheck(std::span<const std::byte> data) : data_(data) {}
+  bool isBounded();
+
+ private:
+  struct Object {
+    std::size_t payload = 0;         ///< Bytes of a scalar.
+    std::size_t firstReference = 0;  ///< Where a container's references stand.
+    std::size_t references = 0;
+  };
+  struct Visit {
+    std::size_t index = 0;
+    Object object;
+    std::size_t next = 0;  ///< The reference to look at next.
+    std::size_t cost = 0;
+    std::size_t depth = 1;
+  };
+  enum class State : std::uint8_t { kUnseen, kOpen, kDone };
+  struct Known {
+    State state = State::kUnseen;
+    std::uint16_t depth = 0;
+    std::size_t cost = 0;
+  };
+
+  bool readTrailer();
+  std::optional<Object> objectAt(std::size_t index) const;
+  bool open(std::size_t index);
+  void close();
+  /// A big-endian number; the caller has checked the bounds.
+  std::uint64_t number(std::size_t at, std::size_t size) const;
+
+  std::span<const std::byte> data_;
+  std::size_t offsetSize_ = 0;
+  std::size_t referenceSize_ = 0;
+  std::size_t objectCount_ = 0;
+  std::size_t root_ = 0;
+  std::size_t table_ = 0;
+  std::vector<Known> known_;
+  std::vector<Visit> path_;
+};
+
+std::uint64_t BinaryCheck::number(std::size_t at, std::size_t size) const {
+  std::uint64_t value = 0;
+  for (std::size_t i = 0; i < size; ++i) {
+    value = value << 8 | std::to_integer<std::uint64_t>(data_[at + i]);
+  }
+  return value;
+}
+
+bool BinaryCheck::readTrailer() {
+  if (data_.size() < kHeaderSize + kTrailerSize + 2) return false;
+  const std::size_t trailer = data_.size() - kTrailerSize;
+  offsetSize_ = number(trailer + 6, 1);
+  referenceSize_ = number(trailer + 7, 1);
+  objectCount_ = number(trailer + 8, 8);
+  root_ = number(trailer + 16, 8);
+  table_ = number(trailer + 24, 8);
+  if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) return false;
+  if (table_ < kHeaderSize || table_ > trailer) return false;
+  return objectCount_ > 0 && objectCount_ <= (trailer - table_) / offsetSize_ &&
+         root_ < objectCount_;
+}
+
+std::optional<BinaryCheck::Object> BinaryCheck::objectAt(std::size_t index) const {
+  std::size_t at = number(table_ + index * offsetSize_, offsetSize_);
+  if (at < kHeaderSize || at >= table_) return std::nullopt;
+  const auto type = number(at, 1) >> 4;
+  std::size_t count = number(at, 1) & 0xf;
+  ++at;
+  if (type >= 0x4 && type != 0x8 && count == 0xf) {
+    if (at >= table_ || number(at, 1) >> 4 != 0x1) return std::nullopt;
+    const std::size_t size = std::size_t{1} << (number(at, 1) & 0xf);
+    ++at;
+    if (size > 8 || size > table_ - at) return std::nullopt;
+    count = number(at, size);
+    at += size;
+  }
+  const std::size_t room = table_ - at;
+  std::size_t unit = 1;
+  if (type == 0x6) unit = 2;
+  if (type == 0xa || type == 0xc) unit = referenceSize_;
+  if (type == 0xd) unit = 2 * referenceSize_;
+  if (type < 0x4 || type == 0x8) return Object{};  // at most 16 bytes, which the library checks
+  if (count > room / unit) return std::nullopt;
+  if (type < 0xa) return Object{count * unit, 0, 0};
+  return Object{0, at, count * unit / referenceSize_};
+}
+
+bool BinaryCheck::open(std::size_t index) {
+  const auto object = objectAt(index);
+  if (!object || path_.size() >= PropertyList::kMaxDepth) return false;
+  known_[index].state = State::kOpen;
+  path_.push_back({index, *object, 0, kNodeCost + object->payload, 1});
+  return true;
+}
+
+void BinaryCheck::close() {
+  const Visit visit = path_.back();
+  path_.pop_back();
+  known_[visit.index] = {State::kDone, static_cast<std::uint16_t>(visit.depth), visit.cost};
+}
+
+bool BinaryCheck::isBounded() {
+  if (!readTrailer()) return false;
+  known_.resize(objectCount_);
+  if (!open(root_)) return false;
+  while (!path_.empty()) {
+    Visit& visit = path_.back();
+    if (visit.next == visit.object.references) {
+      close();
+      continue;
+    }
+    const std::size_t child =
+        number(visit.object.firstReference + visit.next * referenceSize_, referenceSize_);
+    if (child >= objectCount_ || known_[child].state == State::kOpen) return false;
+    if (known_[child].state == State::kUnseen) {
+      if (!open(child)) return false;
+      continue;
+    }
+    ++visit.next;
+    visit.cost += known_[child].cost;
+    visit.depth = std::max<std::size_t>(visit.depth, known_[child].depth + std::size_t{1});
+    if (visit.cost > PropertyList::kMaxMemory) return false;
+    if (path_.size() - 1 + visit.depth > PropertyList::kMaxDepth) return false;
+  }
+  return true;
+}
+
+bool startsWith(std::string_view text, std::size_t at, std::string_view prefix) {
+  return text.compare(at, prefix.size(), prefix) == 0;
+}
+
+}  // namespace
+
+bool binaryPropertyListIsBounded(std::span<const std::byte> data) {
+  return BinaryCheck(data).isBounded();
+}
+
+bool xmlPropertyListIsBounded(std::span<const std::byte> data) {
+  const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+  constexpr auto kEnd = std::string_view::npos;
+  std::size_t elements = 0;
+  int depth = 0;
+  for (auto at = text.find('<'); at != kEnd; at = text.find('<', at)) {
+    std::string_view opener = "<";
+    std::string_view terminator = ">";
+    if (startsWith(text, at, "<!--")) std::tie(opener, terminator) = std::pair("<!--", "-->");
+    if (startsWith(text, at, "<![CDATA["))
+      std::tie(opener, terminator) = std::pair("<![CDATA[", "]]>");
+    if (startsWith(text, at, "<?")) terminator = "?>";
+    const auto end = text.find(terminator, at + opener.size());
+    if (end == kEnd) return false;
+    const auto tag = text.substr(at + 1, end - at - 1);
+    at = end + terminator.size();
+    if (opener.size() > 1) continue;
+    // A property list needs neither a document type of its own nor attributes beyond the version;
+    // both could hide tags from this count, and so may stand outside of all values only.
+    const bool mayQuote = tag.starts_with('!') || tag.starts_with('?') || tag.starts_with("plist");
+    if (mayQuote ? depth > 0 : tag.find_first_of("\"'") != kEnd) return false;
+    if (tag.find('<') != kEnd || (tag.starts_with('!') && tag.find('[') != kEnd)) return false;
+    if (++elements > PropertyList::kMaxMemory / kNodeCost) return false;
+    if ((tag.starts_with("/array") || tag.starts_with("/dict")) && --depth < 0) return false;
+    const bool opens = tag.starts_with("array") || tag.starts_with("dict");
+    if (opens && !tag.ends_with('/') && ++depth > PropertyList::kMaxDepth) return false;
+  }
+  return true;
+}
+
+}  // namespace vantrel
