@@ -5,6 +5,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/StringTable.h"
 
 namespace vantrel {
 
@@ -20,20 +23,24 @@ class Bundle {
   /// The path of "name.extension" in the bundle's root; nothing when it is not there.
   std::optional<std::filesystem::path> urlForResource(std::string_view name,
                                                       std::string_view extension) const;
-  /// The text under `key` in the first table `name` (xx.lproj/name.strings) found by the system's
-  /// languages, then English. A missing key reads as `value`, or as the key itself when `value` is
-  /// empty; an absent key reads as `value`.
+  /// The text under `key` in the first table of that name (xx.lproj/table.strings) found by the
+  /// system's languages as they are on the first call, then in English, then in Base.lproj. "de-AT"
+  /// finds de.lproj, "zh-CN" zh-Hans.lproj. A missing key reads as `value`, or as the key itself
+  /// when `value` is empty; an absent key reads as `value`. A damaged table is empty, and told once
+  /// on standard error.
   std::string localizedString(std::optional<std::string_view> key, std::string_view value,
                               std::string_view table) const;
-  /// The language of the string tables in use ("de").
+  /// The language of the string tables in use ("de"); "en" when there are none.
   std::string preferredLocalization() const;
 
  private:
-  using Table = std::map<std::string, std::string, std::less<>>;
-  const Table& table(std::string_view name) const;
+  const StringTable& table(std::string_view name) const;
+  const std::vector<std::string>& localizations() const;
 
   std::filesystem::path root_;
-  mutable std::map<std::string, Table, std::less<>> tables_;
+  /// The folders to look for a table in, best first; found on the first look-up.
+  mutable std::optional<std::vector<std::string>> localizations_;
+  mutable std::map<std::string, StringTable, std::less<>> tables_;
 };
 
 }  // namespace vantrel
