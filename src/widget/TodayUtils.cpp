@@ -1,0 +1,61 @@
+#include "widget/TodayUtils.h"
+
+#include <algorithm>
+
+#include "platform/Device.h"
+#include "time/DeviceSystemMajorVersion.h"
+
+namespace vantrel {
+
+namespace {
+
+constexpr double kFontSize = 15;
+constexpr double kTwoColumnsMinimumWidth = 600;
+
+/// The system's colour for labels follows the interface style from version 13; before 10 the host
+/// was dark.
+Color textColor() {
+  const int version = DeviceSystemMajorVersion();
+  if (version >= 13) return Color::dynamicColor(Color::blackColor(), Color::whiteColor());
+  return version > 9 ? Color::blackColor() : Color::whiteColor();
+}
+
+}  // namespace
+
+bool TodayUtils::shouldLayoutWithTwoColumns(const Rect& rect) {
+  return rect.size.width > kTwoColumnsMinimumWidth && DeviceSystemMajorVersion() < 10;
+}
+
+std::unique_ptr<Label> TodayUtils::textLabel() {
+  auto label = std::make_unique<Label>();
+  applyTextStyle(*label);
+  return label;
+}
+
+std::unique_ptr<Label> TodayUtils::titleLabel() {
+  auto label = textLabel();
+  label->setFont(Font::boldSystemFontOfSize(kFontSize));
+  return label;
+}
+
+double TodayUtils::iconLeftMargin() {
+  constexpr double kLargePhoneScreen = 736;
+  const int version = DeviceSystemMajorVersion();
+  if (version > 9) return 8;
+  const Device& device = Device::currentDevice();
+  if (device.userInterfaceIdiom() != Device::UserInterfaceIdiom::kPhone) {
+    return version < 9 ? 16 : 12;
+  }
+  const Size screen = device.screenSize();
+  if (std::max(screen.width, screen.height) != kLargePhoneScreen) return 16;
+  return device.orientation() == Device::Orientation::kPortrait ? 20 : 49;
+}
+
+void TodayUtils::applyTextStyle(Label& label) {
+  label.setTextColor(textColor());
+  label.setFont(Font::systemFontOfSize(kFontSize));
+  label.setAdjustsFontSizeToFitWidth(true);
+  label.setMinimumScaleFactor(2.0 / 3);
+}
+
+}  // namespace vantrel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "base/Geometry.h"
+#include "platform/Label.h"
+
+namespace vantrel {
+
+/// What the widget's views share. Main thread.
+class TodayUtils {
+ public:
+  TodayUtils() = delete;
+
+  /// Whether rows stand in two columns: on widths above 600 before system version 10.
+  static bool shouldLayoutWithTwoColumns(const Rect& rect);
+  /// A label of regular weight, size 15, that shrinks to 2/3 to fit.
+  static std::unique_ptr<Label> textLabel();
+  /// The same, bold.
+  static std::unique_ptr<Label> titleLabel();
+  /// The left margin of a column of icons, by the device's kind, orientation and screen.
+  static double iconLeftMargin();
+
+  /// Makes a label one of the widget's: its colour, regular weight, and shrinking.
+  static void applyTextStyle(Label& label);
+};
+
+}  // namespace vantrel

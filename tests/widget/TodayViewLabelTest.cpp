@@ -1,0 +1,70 @@
+#include "widget/TodayViewLabel.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/MainQueue.h"
+#include "platform/SerialMainQueue.h"
+
+namespace vantrel {
+namespace {
+
+class TodayViewLabelTest : public testing::Test {
+ protected:
+  TodayViewLabelTest() { MainQueue::install(queue); }
+  ~TodayViewLabelTest() override { MainQueue::install(nullptr); }
+
+  TodayViewLabel::Action record(const std::string& phase) {
+    return [this, phase](int tag) { log.push_back(phase + " " + std::to_string(tag)); };
+  }
+
+  using Log = std::vector<std::string>;
+  std::shared_ptr<SerialMainQueue> queue = std::make_shared<SerialMainQueue>();
+  std::shared_ptr<void> lifetime = std::make_shared<char>();
+  TodayViewLabel label;
+  Log log;
+};
+
+TEST_F(TodayViewLabelTest, ReportsPhasesInOrderAfterTheTouch) {
+  label.setTarget(lifetime, record("replaced"), TodayViewLabel::kTouchEnd);
+  label.setTarget(lifetime, record("began"), 0);
+  label.setTarget(lifetime, record("cancelled"), 1);
+  label.setTarget(lifetime, record("ended"), 7);  // any other type is the end
+  label.setTag(3);
+  label.touchesBegan({});
+  label.touchesMoved({});
+  label.touchesEnded({});
+  label.touchesCancelled({});
+  EXPECT_EQ(log, Log{});
+  queue->runUntilEmpty();
+  EXPECT_EQ(log, (Log{"began 3", "ended 3", "cancelled 3"}));
+}
+
+TEST_F(TodayViewLabelTest, SendsTheTagOfTheTimeOfTheTouch) {
+  auto gone = std::make_unique<TodayViewLabel>();
+  gone->setTarget(lifetime, record("ended"), TodayViewLabel::kTouchEnd);
+  gone->setTag(1);
+  gone->touchesEnded({});
+  gone->setTag(4);
+  gone->setTarget(lifetime, record("later"), TodayViewLabel::kTouchEnd);
+  gone.reset();
+  queue->runUntilEmpty();
+  EXPECT_EQ(log, Log{"ended 1"});
+}
+
+TEST_F(TodayViewLabelTest, StaysSilentWithoutALivingTargetOrAnAction) {
+  label.setTarget(lifetime, record("began"), TodayViewLabel::kTouchBegan);
+  label.setTarget(lifetime, {}, TodayViewLabel::kTouchCancelled);
+  label.touchesBegan({});
+  label.touchesCancelled({});
+  label.touchesEnded({});
+  lifetime.reset();
+  label.touchesBegan({});
+  queue->runUntilEmpty();
+  EXPECT_EQ(log, Log{}) << "a target destroyed before delivery hears nothing";
+}
+
+}  // namespace
+}  // namespace vantrel
