@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace vantrel {
+
+/// One unit of length. A value.
+class DistanceUnit {
+ public:
+  /// Without a symbol of its own the unit is abbreviated by its name.
+  DistanceUnit(std::string name, const std::optional<std::string>& abbrName, float factor,
+               bool allowsDecimals)
+      : name_(std::move(name)),
+        abbrName_(abbrName.value_or(name_)),
+        factor_(factor),
+        allowsDecimals_(allowsDecimals) {}
+
+  /// Localised.
+  const std::string& name() const { return name_; }
+  const std::string& abbrName() const { return abbrName_; }
+  /// The size of one unit in its system's base unit: metres, or feet.
+  float factor() const { return factor_; }
+  bool allowsDecimals() const { return allowsDecimals_; }
+
+ private:
+  std::string name_;
+  std::string abbrName_;
+  float factor_;
+  bool allowsDecimals_;
+};
+
+}  // namespace vantrel
