@@ -1,0 +1,277 @@
+#include "CompiledModel.h"
+
+#include <nettle/base64.h>
+#include <nettle/sha2.h>
+
+#include <array>
+#include <map>
+
+#include "objectstore/ManagedObjectModel.h"
+#include "platform/KeyedArchiver.h"
+
+namespace vantrel {
+
+namespace {
+
+using Object = KeyedArchiver::Object;
+using Entries = std::vector<std::pair<Object, Object>>;
+
+constexpr std::int32_t kExternalStorageFlag = 4;
+/// Bits that every property has, and those that say more.
+constexpr std::int32_t kPropertyBits = 0xf1;
+constexpr std::int32_t kOptionalBit = 2;
+constexpr std::int32_t kTransientBit = 8;
+
+const KeyedArchiver::ClassNames kMutableArray = {"NSMutableArray", "NSArray", "NSObject"};
+const KeyedArchiver::ClassNames kMutableDictionary = {"NSMutableDictionary", "NSDictionary",
+                                                      "NSObject"};
+
+std::string valueClassName(AttributeType type) {
+  switch (type) {
+    case AttributeType::kString:
+      return "NSString";
+    case AttributeType::kDate:
+      return "NSDate";
+    case AttributeType::kBinary:
+      return "NSData";
+    case AttributeType::kDecimal:
+      return "NSDecimalNumber";
+    case AttributeType::kUuid:
+      return "NSUUID";
+    case AttributeType::kUri:
+      return "NSURL";
+    case AttributeType::kTransformable:
+      return {};
+    default:
+      return "NSNumber";
+  }
+}
+
+/// Writes one version. Entities and relationships are added before they are filled, as they refer
+/// to each other.
+class ModelArchive {
+ public:
+  explicit ModelArchive(const ModelVersion& version) : version_(version) {}
+  Data data();
+
+ private:
+  void fillEntity(const EntityDescription& entity);
+  void fillProperty(Object property, const std::string& name, const EntityDescription& entity,
+                    bool isOptional, bool isTransient);
+  Object addAttribute(const AttributeDescription& attribute, const EntityDescription& entity);
+  Object fillRelationship(const RelationshipDescription& relationship,
+                          const EntityDescription& entity);
+  Object addDefault(const AttributeDescription& attribute);
+  void fillIndexes(const EntityDescription& entity);
+  Object addText(const std::string& text) {
+    return text.empty() ? Object() : archiver_.addString(text);
+  }
+
+  const ModelVersion& version_;
+  KeyedArchiver archiver_;
+  Object model_;
+  Object noUserInfo_;
+  std::map<std::string, Object> entities_;
+  std::map<std::pair<std::string, std::string>, Object> relationships_;
+};
+
+Object ModelArchive::addDefault(const AttributeDescription& attribute) {
+  const auto& value = attribute.defaultValue;
+  if (const auto* text = std::get_if<std::string>(&value)) return archiver_.addString(*text);
+  if (const auto* real = std::get_if<double>(&value)) {
+    return archiver_.addValue(PropertyList::real(*real));
+  }
+  const auto* whole = std::get_if<std::int64_t>(&value);
+  if (!whole) return {};
+  const bool isFlag = attribute.type == AttributeType::kBoolean;
+  return archiver_.addValue(isFlag ? PropertyList::boolean(*whole != 0)
+                                   : PropertyList::integer(*whole));
+}
+
+void ModelArchive::fillProperty(Object property, const std::string& name,
+                                const EntityDescription& entity, bool isOptional,
+                                bool isTransient) {
+  const auto bits =
+      kPropertyBits | (isOptional ? kOptionalBit : 0) | (isTransient ? kTransientBit : 0);
+  property.encodeInt32(bits, "_P");
+  if (isOptional) property.encodeBool(true, "NSIsOptional");
+  if (isTransient) property.encodeBool(true, "NSIsTransient");
+  property.encodeObject(entities_[entity.name], "NSEntity");
+  property.encodeObject(archiver_.addString(name), "NSPropertyName");
+  property.encodeObject(archiver_.addString(name), "NSRenamingIdentifier");
+}
+
+Object ModelArchive::addAttribute(const AttributeDescription& attribute,
+                                  const EntityDescription& entity) {
+  const auto object =
+      archiver_.addObject({"NSAttributeDescription", "NSPropertyDescription", "NSObject"});
+  fillProperty(object, attribute.name, entity, attribute.isOptional, attribute.isTransient);
+  object.encodeInt32(static_cast<std::int32_t>(attribute.type), "NSAttributeType");
+  object.encodeObject(addText(valueClassName(attribute.type)), "NSAttributeValueClassName");
+  object.encodeObject(addDefault(attribute), "NSDefaultValue");
+  object.encodeInt32(attribute.storesExternally ? kExternalStorageFlag : 0, "NSFlagsKey");
+  object.encodeObject({}, "NSValueTransformerName");
+  return object;
+}
+
+Object ModelArchive::fillRelationship(const RelationshipDescription& relationship,
+                                      const EntityDescription& entity) {
+  const auto& destination = relationship.destinationEntityName;
+  const auto object = relationships_[{entity.name, relationship.name}];
+  fillProperty(object, relationship.name, entity, true, relationship.isTransient);
+  object.encodeObject(entities_[destination], "NSDestinationEntity");
+  object.encodeObject(archiver_.addString(destination), "_NSDestinationEntityName");
+  object.encodeObject(relationships_[{destination, relationship.inverseName}],
+                      "NSInverseRelationship");
+  object.encodeObject(addText(relationship.inverseName), "_NSInverseRelationshipName");
+  object.encodeInt32(0, "NSMinCount");
+  object.encodeInt32(relationship.isToMany ? 0 : 1, "NSMaxCount");
+  object.encodeInt32(static_cast<std::int32_t>(relationship.deleteRule), "NSDeleteRule");
+  if (relationship.isOrdered) object.encodeBool(true, "NSIsOrdered");
+  return object;
+}
+
+void ModelArchive::fillIndexes(const EntityDescription& entity) {
+  if (entity.indexedAttributes.empty()) return;
+  std::vector<Object> indexes;
+  std::vector<Object> compounds;
+  for (const auto& attribute : entity.indexedAttributes) {
+    const auto name = archiver_.addString(attribute);
+    const auto index = archiver_.addObject({"NSFetchIndexDescription", "NSObject"});
+    const auto element = archiver_.addObject({"NSFetchIndexElementDescription", "NSObject"});
+    element.encodeObject(name, "NSPropertyName");
+    element.encodeInt32(0, "NSFetchIndexElementType");
+    element.encodeObject(index, "NSFetchIndexDescription");
+    element.encodeBool(true, "NSAscending");
+    index.encodeObject(name, "NSIndexName");
+    index.encodeObject({}, "NSPartialIndexPredicate");
+    index.encodeObject(archiver_.addArray(std::array{element}), "NSIndexElements");
+    index.encodeObject(entities_[entity.name], "NSEntity");
+    indexes.push_back(index);
+    compounds.push_back(archiver_.addArray(std::array{name}, kMutableArray));
+  }
+  const auto object = entities_[entity.name];
+  object.encodeObject(archiver_.addArray(indexes, kMutableArray), "NSFetchIndexDescriptions");
+  object.encodeObject(archiver_.addArray(compounds, kMutableArray), "NSCompoundIndexes");
+}
+
+void ModelArchive::fillEntity(const EntityDescription& entity) {
+  Entries properties;
+  for (const auto& attribute : entity.attributes) {
+    properties.emplace_back(archiver_.addString(attribute.name), addAttribute(attribute, entity));
+  }
+  for (const auto& relationship : entity.relationships) {
+    properties.emplace_back(archiver_.addString(relationship.name),
+                            fillRelationship(relationship, entity));
+  }
+  const auto name = archiver_.addString(entity.name);
+  const auto object = entities_[entity.name];
+  object.encodeObject(name, "NSEntityName");
+  object.encodeObject(name, "NSClassNameForEntity");
+  object.encodeObject(name, "NSRenamingIdentifier");
+  object.encodeObject(archiver_.addDictionary(properties, kMutableDictionary), "NSProperties");
+  object.encodeObject(archiver_.addDictionary({}, kMutableDictionary), "NSSubentities");
+  object.encodeObject({}, "NSSuperentity");
+  object.encodeObject({}, "NSVersionHashModifier");
+  object.encodeObject(noUserInfo_, "NSUserInfo");
+  object.encodeObject(model_, "NSManagedObjectModel");
+  fillIndexes(entity);
+}
+
+Data ModelArchive::data() {
+  model_ = archiver_.addObject({"NSManagedObjectModel", "NSObject"});
+  noUserInfo_ = archiver_.addDictionary({});
+  Entries entries;
+  for (const auto& entity : version_.entities) {
+    const auto object = archiver_.addObject({"NSEntityDescription", "NSObject"});
+    entities_[entity.name] = object;
+    entries.emplace_back(archiver_.addString(entity.name), object);
+    for (const auto& relationship : entity.relationships) {
+      relationships_[{entity.name, relationship.name}] =
+          archiver_.addObject({"NSRelationshipDescription", "NSPropertyDescription", "NSObject"});
+    }
+  }
+  for (const auto& entity : version_.entities) fillEntity(entity);
+  model_.encodeObject(archiver_.addDictionary(entries, kMutableDictionary), "NSEntities");
+  model_.encodeObject({}, "NSFetchRequestTemplates");
+  model_.encodeObject(archiver_.addArray(std::array{archiver_.addString(version_.identifier)},
+                                         {"NSSet", "NSObject"}),
+                      "NSVersionIdentifiers");
+  return archiver_.archivedDataWithRootObject(model_);
+}
+
+VersionHash sha256(std::span<const std::byte> content) {
+  sha256_ctx context;
+  sha256_init(&context);
+  sha256_update(&context, content.size(), reinterpret_cast<const std::uint8_t*>(content.data()));
+  VersionHash hash;
+  sha256_digest(&context, hash.size(), reinterpret_cast<std::uint8_t*>(hash.data()));
+  return hash;
+}
+
+/// All that decides how an entity's rows are stored, and nothing else: indexes, defaults and delete
+/// rules may change without making stores foreign.
+std::string canonicalText(const EntityDescription& entity) {
+  std::string text = "entity " + entity.name + "\n";
+  for (const auto& attribute : entity.attributes) {
+    if (attribute.isTransient) continue;
+    text += "attribute " + attribute.name + " " + std::to_string(static_cast<int>(attribute.type));
+    if (attribute.isOptional) text += " optional";
+    if (attribute.storesExternally) text += " external";
+    text += "\n";
+  }
+  for (const auto& relationship : entity.relationships) {
+    text += "relationship " + relationship.name + (relationship.isToMany ? " many " : " one ") +
+            relationship.destinationEntityName + " inverse=" + relationship.inverseName;
+    if (relationship.isOrdered) text += " ordered";
+    text += "\n";
+  }
+  return text;
+}
+
+/// Base 64 of the SHA-256 over all hashes in the order of the entities' names.
+std::string checksum(const ManagedObjectModel::VersionHashes& hashes) {
+  Data all;
+  for (const auto& [name, hash] : hashes) all.insert(all.end(), hash.begin(), hash.end());
+  const auto digest = sha256(all);
+  std::array<char, BASE64_ENCODE_RAW_LENGTH(SHA256_DIGEST_SIZE)> text{};
+  base64_encode_raw(text.data(), digest.size(),
+                    reinterpret_cast<const std::uint8_t*>(digest.data()));
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+Data archivedModel(const ModelVersion& version) {
+  return ModelArchive(version).data();
+}
+
+std::string versionName(const ModelSource& source, const ModelVersion& version) {
+  return source.name + version.identifier;
+}
+
+PropertyList versionInfo(const ModelSource& source) {
+  auto allHashes = PropertyList::dictionary();
+  auto allChecksums = PropertyList::dictionary();
+  for (const auto& version : source.versions) {
+    ManagedObjectModel::VersionHashes hashes;
+    auto dictionary = PropertyList::dictionary();
+    for (const auto& entity : version.entities) {
+      const auto text = canonicalText(entity);
+      const auto hash = sha256(std::as_bytes(std::span(text)));
+      hashes.emplace(entity.name, hash);
+      dictionary.set(entity.name, PropertyList::data(hash));
+    }
+    const auto name = versionName(source, version);
+    allHashes.set(name, dictionary);
+    allChecksums.set(name, PropertyList::string(checksum(hashes)));
+  }
+  auto info = PropertyList::dictionary();
+  info.set("NSManagedObjectModel_CurrentVersionName",
+           PropertyList::string(versionName(source, source.versions.back())));
+  info.set("NSManagedObjectModel_VersionHashes", allHashes);
+  info.set("NSManagedObjectModel_VersionChecksums", allChecksums);
+  return info;
+}
+
+}  // namespace vantrel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Error.h"
+#include "objectstore/EntityDescription.h"
+
+namespace vantrel {
+
+/// One version of a model, as its source says.
+struct ModelVersion {
+  std::string identifier;
+  std::vector<EntityDescription> entities;
+};
+
+struct ModelSource {
+  std::string name;
+  std::vector<ModelVersion> versions;  ///< The last one is the current one.
+};
+
+/// Reads a model's source text, a statement a line, `#` starting a comment:
+///
+///     model NAME
+///     versions IDENTIFIER…
+///     entity NAME
+///       attribute NAME TYPE [optional] [indexed] [external] [transient] [default=VALUE] [since=V]
+///       relationship NAME one|many ENTITY [inverse=NAME] [delete=none|nullify|cascade|deny]
+///                                         [ordered] [since=V]
+///
+/// Types are integer16, integer32, integer64, boolean, decimal, double, float, date, string, uri,
+/// uuid, binary and transformable; numbers, booleans and strings without blanks have defaults. An
+/// error names the line, or the relationship whose other end does not fit.
+Expected<ModelSource> modelSourceWithText(std::string_view text);
+
+}  // namespace vantrel
