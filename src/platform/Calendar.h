@@ -10,12 +10,12 @@ namespace vantrel {
 
 /// Calendar fields; an absent one reads as its lowest value (1 for month and day, 0 for the time).
 struct DateComponents {
-  std::optional<int> year;
-  std::optional<int> month;
-  std::optional<int> day;
-  std::optional<int> hour;
-  std::optional<int> minute;
-  std::optional<int> second;
+  std::optional<int> year = {};
+  std::optional<int> month = {};
+  std::optional<int> day = {};
+  std::optional<int> hour = {};
+  std::optional<int> minute = {};
+  std::optional<int> second = {};
 };
 
 /// The Gregorian calendar (Julian before 1582-10-15) in a time zone. Operations are const and keep

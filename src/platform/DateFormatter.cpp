@@ -23,9 +23,9 @@ struct Configuration {
   friend bool operator==(const Configuration&, const Configuration&) = default;
 };
 
-icu::SimpleTimeZone* fixedZone(int seconds) {
+icu::SimpleTimeZone fixedZone(int seconds) {
   const auto name = TimeZone::timeZoneForSecondsFromGMT(seconds).name();
-  return new icu::SimpleTimeZone(seconds * 1000, icu::UnicodeString::fromUTF8(name));
+  return {seconds * 1000, icu::UnicodeString::fromUTF8(name)};
 }
 
 icu::DateFormat::EStyle icuStyle(Style style) {
@@ -49,19 +49,20 @@ std::unique_ptr<icu::SimpleDateFormat> build(const Configuration& configuration,
   // Every new formatter asks for the default zone; finding the device's own would cost more than
   // building the formatter, and its rules are not used.
   static std::once_flag once;
-  std::call_once(once, [] { icu::TimeZone::adoptDefault(fixedZone(0)); });
+  std::call_once(once, [] { icu::TimeZone::setDefault(fixedZone(0)); });
 
   if (configuration.pattern) {
     UErrorCode status = U_ZERO_ERROR;
     auto formatter = std::make_unique<icu::SimpleDateFormat>(
         icu::UnicodeString::fromUTF8(*configuration.pattern), locale, status);
-    return U_SUCCESS(status) ? std::move(formatter) : nullptr;
+    if (U_FAILURE(status)) return nullptr;
+    return formatter;
   }
   std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
       icuStyle(configuration.dateStyle), icuStyle(configuration.timeStyle), locale));
-  if (!dynamic_cast<icu::SimpleDateFormat*>(formatter.get())) return nullptr;
-  return std::unique_ptr<icu::SimpleDateFormat>(
-      static_cast<icu::SimpleDateFormat*>(formatter.release()));
+  auto* simple = dynamic_cast<icu::SimpleDateFormat*>(formatter.get());
+  if (simple) (void)formatter.release();
+  return std::unique_ptr<icu::SimpleDateFormat>(simple);
 }
 
 /// Whether texts of that pattern tell their own offset from Greenwich.
@@ -89,7 +90,7 @@ struct DateFormatter::State {
 
     /// Named zones are ours to resolve: the library's own rules are older than the system's.
     void setOffset(int seconds) {
-      if (offset != seconds) formatter->adoptTimeZone(fixedZone(seconds));
+      if (offset != seconds) formatter->setTimeZone(fixedZone(seconds));
       offset = seconds;
     }
   };

@@ -1,6 +1,6 @@
 #include "platform/Locale.h"
 
-#include <unicode/calendar.h>
+#include <unicode/gregocal.h>
 #include <unicode/locid.h>
 #include <unicode/simpletz.h>
 #include <unicode/uloc.h>
@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <memory>
 #include <string_view>
 
 namespace vantrel {
@@ -93,9 +92,9 @@ std::vector<std::string> Locale::preferredLanguages() {
 int Locale::firstWeekday() const {
   UErrorCode status = U_ZERO_ERROR;
   // A zone of its own spares the library its search for the device's.
-  const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(
-      new icu::SimpleTimeZone(0, icu::UnicodeString()), icu::Locale(identifier_.c_str()), status));
-  return U_SUCCESS(status) ? calendar->getFirstDayOfWeek(status) : UCAL_SUNDAY;
+  const icu::GregorianCalendar calendar(icu::SimpleTimeZone(0, icu::UnicodeString()),
+                                        icu::Locale(identifier_.c_str()), status);
+  return U_SUCCESS(status) ? calendar.getFirstDayOfWeek(status) : UCAL_SUNDAY;
 }
 
 bool Locale::isRightToLeft() const {
