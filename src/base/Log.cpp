@@ -1,8 +1,15 @@
 #include "base/Log.h"
 
+#include <atomic>
 #include <cstdio>
 
 namespace vantrel {
+
+namespace {
+
+std::atomic<bool> logsEnabled = true;
+
+}  // namespace
 
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<std::string_view> arguments) {
@@ -17,7 +24,12 @@ std::string stringWithFormat(std::string_view format,
   return result.append(format);
 }
 
+void setLogsEnabled(bool enabled) {
+  logsEnabled = enabled;
+}
+
 void logLine(std::string_view text) {
+  if (!logsEnabled) return;
   std::string line(text);
   for (auto& c : line) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
