@@ -31,6 +31,14 @@ std::optional<std::int64_t> wholeNumber(const PropertyList& value, std::int64_t 
   return number;
 }
 
+/// The library leaves references in XML, which has no form for them, as dictionaries.
+std::optional<std::uint64_t> uidOf(const PropertyList& reference) {
+  if (reference.kind() != PropertyList::Kind::kDictionary) return reference.asUid();
+  const auto uid = reference["CF$UID"].asInteger();
+  if (reference.count() != 1 || !uid || *uid < 0) return std::nullopt;
+  return static_cast<std::uint64_t>(*uid);
+}
+
 }  // namespace
 
 struct KeyedUnarchiver::Archive {
@@ -44,7 +52,7 @@ Expected<KeyedUnarchiver> KeyedUnarchiver::unarchiverWithData(std::span<const st
   if (!list) return tl::unexpected(list.error());
   auto archive = std::make_shared<Archive>();
   archive->objects = (*list)["$objects"].items();
-  const auto root = (*list)["$top"]["root"].asUid();
+  const auto root = uidOf((*list)["$top"]["root"]);
   if (!root) return tl::unexpected(unreadable("it has no root object."));
   if (*root >= archive->objects.size()) {
     return tl::unexpected(unreadable("its root object is missing."));
@@ -74,7 +82,7 @@ const PropertyList& KeyedUnarchiver::Node::value() const {
 
 KeyedUnarchiver::Node KeyedUnarchiver::Node::nodeForReference(const PropertyList& reference,
                                                               std::string_view key) const {
-  const auto uid = reference.asUid();
+  const auto uid = uidOf(reference);
   if (uid && *uid < archive_->objects.size()) return Node(archive_, *uid);
   fail(key, "refers to no object");
   return {};
