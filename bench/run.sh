@@ -1,0 +1,36 @@
+#!/bin/sh
+# Measures everything there is a promise about: ./dev bench. Ratios come from one run on one machine;
+# whole programs are measured cold-started over many runs, and medians are compared.
+set -eu
+build=$1
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+# ratio NAME RUNS OURS THEIRS: the medians of two commands in milliseconds, and their ratio.
+ratio() {
+  hyperfine --shell=none --warmup 5 --runs "$2" --export-json "$scratch/times.json" "$3" "$4" \
+    >/dev/null 2>&1
+  python3 - "$1" "$scratch/times.json" <<'PY'
+import json, sys
+ours, theirs = (result["median"] * 1000 for result in json.load(open(sys.argv[2]))["results"])
+print(f"{sys.argv[1]}: {ours:.2f} ms, compared with {theirs:.2f} ms: ratio {ours / theirs:.2f}")
+PY
+}
+
+for bench in "$build"/*Bench; do
+  echo "== $(basename "$bench")"
+  "$bench" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true 2>/dev/null |
+    grep -E '_median|^Benchmark'
+done
+
+echo "== whole programs"
+export TZ=Europe/Madrid LC_ALL=C.UTF-8 VANTREL_NOW=2026-07-15T10:00:00Z QT_QPA_PLATFORM=offscreen
+for plans in 100 10000 1000000; do
+  mkdir -p "$scratch/$plans"
+  "$build/make_store" "$scratch/$plans/Vantrel.sqlite" "$plans"
+  VANTREL_GROUP_CONTAINER="$scratch/$plans" ratio "vantrel today, $plans plans" 60 \
+    "$build/vantrel today --expanded" "$build/minimal_today $scratch/$plans/Vantrel.sqlite"
+done
+VANTREL_GROUP_CONTAINER="$scratch/100" ratio "vantrel-today --render" 20 \
+  "$build/vantrel-today --render $scratch/card.png --expanded" \
+  "$build/minimal_render $scratch/labels.png"
