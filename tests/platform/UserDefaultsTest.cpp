@@ -10,21 +10,12 @@
 #include <limits>
 
 #include "support/Guards.h"
+#include "support/Python.h"
 
 namespace vantrel {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// What Python's plistlib makes of a file, `p`.
-std::string seenByPython(const fs::path& file, const std::string& expression) {
-  const auto result =
-      test::runProgram({"python3", "-c",
-                        "import plistlib, sys; p = plistlib.load(open(sys.argv[1], 'rb')); print(" +
-                            expression + ", end='')",
-                        file});
-  return result.output + result.errors;
-}
 
 TEST(UserDefaults, ReadsConvertAsThePlatformDoes) {
   using List = PropertyList;
@@ -68,7 +59,7 @@ TEST(UserDefaults, LeavesForeignKeysAsTheyAre) {
   const test::TemporaryDirectory directory;
   const auto file = directory / "foreign.plist";
   fs::copy_file(test::testData("defaults/group.BeReal.plist"), file);
-  const auto before = seenByPython(file, "sorted(p.items())");
+  const auto before = test::python(file, "sorted(p.items())");
   UserDefaults defaults(file);
   EXPECT_EQ(defaults.integerForKey("currentBadgeCounter"), 1);
   EXPECT_TRUE(defaults.boolForKey("environmentIsProd"));
@@ -76,8 +67,8 @@ TEST(UserDefaults, LeavesForeignKeysAsTheyAre) {
   defaults.setBool(true, "~flag");
   defaults.setObject(PropertyList::date(Date(742069876.576084)), "~date");
   ASSERT_TRUE(defaults.synchronize());
-  EXPECT_EQ(seenByPython(file, "sorted(p.items())[:-3]"), before);
-  EXPECT_EQ(seenByPython(file, "p['~latitude'], p['~flag'], p['~date']"),
+  EXPECT_EQ(test::python(file, "sorted(p.items())[:-3]"), before);
+  EXPECT_EQ(test::python(file, "p['~latitude'], p['~flag'], p['~date']"),
             "41.39 True 2024-07-07 18:31:16.576084");
 }
 
@@ -103,7 +94,7 @@ TEST(UserDefaults, AMergeTouchesOnlyWhatThisObjectChanged) {
   EXPECT_FALSE(b.objectForKey("a"));
   EXPECT_EQ(b.integerForKey("a2"), 3);
   ASSERT_TRUE(b.synchronize());
-  EXPECT_EQ(seenByPython(file, "sorted(p.items())"), "[('a2', 3), ('shared', 2)]");
+  EXPECT_EQ(test::python(file, "sorted(p.items())"), "[('a2', 3), ('shared', 2)]");
   EXPECT_EQ(a.dictionaryRepresentation().count(), 2u);
   EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
@@ -194,7 +185,7 @@ TEST_F(UserDefaultsOfProcesses, WritersOfDifferentKeysLoseNothing) {
   int status = -1;
   ::waitpid(other, &status, 0);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(seenByPython(file(), "len(p), sum(p.values())"),
+  EXPECT_EQ(test::python(file(), "len(p), sum(p.values())"),
             "100 " + std::to_string(2 * 50 * (2 * kTimes - 49) / 2));
 }
 
