@@ -2,8 +2,13 @@
 
 #include <algorithm>
 
+#include "defaults/PlannerKeys.h"
+#include "defaults/VantrelUserDefaults.h"
+#include "geo/VTObserver.h"
 #include "platform/Device.h"
+#include "platform/TimeZone.h"
 #include "time/DeviceSystemMajorVersion.h"
+#include "widget/MapLayerState.h"
 
 namespace vantrel {
 
@@ -49,6 +54,34 @@ double TodayUtils::iconLeftMargin() {
   const Size screen = device.screenSize();
   if (std::max(screen.width, screen.height) != kLargePhoneScreen) return 16;
   return device.orientation() == Device::Orientation::kPortrait ? 20 : 49;
+}
+
+void TodayUtils::setDefaultPlannerPosition(LocationCoordinate2D position, Date date) {
+  auto& defaults = VantrelUserDefaults::vantrelUserDefaults();
+  VTObserver observer;
+  observer.setCoordinate(position);
+  defaults.setDouble(position.latitude, kUserDefaultsPlannerMapLat);
+  defaults.setDouble(position.longitude, kUserDefaultsPlannerMapLng);
+  defaults.setObject(PropertyList::data(observer.archivedData()), kUserDefaultsPlannerObserver);
+  defaults.setObject(PropertyList::date(date), kUserDefaultsPlannerDate);
+  defaults.setBool(false, kUserDefaultsPlannerObstacleToggle);
+  defaults.setObject(PropertyList::string(TimeZone::defaultTimeZone().name()),
+                     kUserDefaultsPlannerTimeZone);
+  (void)defaults.synchronize();
+}
+
+void TodayUtils::setCurrentPlannerPanelIndex(std::int64_t index) {
+  auto& defaults = VantrelUserDefaults::vantrelUserDefaults();
+  defaults.setInteger(index, kUserDefaultsPlannerInfoWindowPage);
+  (void)defaults.synchronize();
+}
+
+void TodayUtils::setPlannerMilkyWayVisible(bool visible) {
+  auto& defaults = VantrelUserDefaults::vantrelUserDefaults();
+  MapLayerState state;
+  state.setIsVisible(visible);
+  defaults.setInteger(state.stateValue(), kUserDefaultsPlannerMilkyWayLayerState);
+  (void)defaults.synchronize();
 }
 
 void TodayUtils::applyTextStyle(Label& label) {
