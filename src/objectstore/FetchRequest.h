@@ -18,8 +18,8 @@ struct SortDescriptor {
 /// among equals, the order is that of the rows' keys; absent values come first ascending.
 struct FetchRequest {
   std::string entityName;
-  std::optional<Predicate> predicate;
-  std::vector<SortDescriptor> sortDescriptors;
+  std::optional<Predicate> predicate = {};
+  std::vector<SortDescriptor> sortDescriptors = {};
   std::size_t fetchLimit = 0;  ///< 0 is no limit.
 };
 

@@ -53,7 +53,11 @@ Expected<ManagedObjectModel> ManagedObjectModel::modelWithContentsOfURL(const fs
     const auto data = dataWithContentsOfURL(url);
     if (!data) return tl::unexpected(data.error());
     auto model = modelWithData(*data);
-    if (!model) model.error().localizedDescription.insert(0, url.string() + ": ");
+    if (!model) {
+      model.error().localizedDescription.insert(0, url.string() + ": ");
+      return model;
+    }
+    model->url_ = url;
     return model;
   }
   PropertyList info;
@@ -71,6 +75,7 @@ Expected<ManagedObjectModel> ManagedObjectModel::modelWithContentsOfURL(const fs
   }
   auto model = modelWithContentsOfURL(url / (version + std::string(kModelSuffix)));
   if (!model) return model;
+  model->url_ = url;
   const auto hashes = hashesInDictionary(info["NSManagedObjectModel_VersionHashes"][version]);
   for (auto& entity : model->entities_) {
     if (const auto hash = hashes.find(entity.name); hash != hashes.end()) {

@@ -34,10 +34,13 @@ class ManagedObjectModel {
   const std::vector<std::string>& versionIdentifiers() const { return versionIdentifiers_; }
   /// By entity name; empty when the model came without hashes.
   VersionHashes versionHashes() const;
+  /// The folder or file that it was read from; empty when it came from memory.
+  const std::filesystem::path& url() const { return url_; }
 
  private:
   std::vector<EntityDescription> entities_;
   std::vector<std::string> versionIdentifiers_;
+  std::filesystem::path url_;
 };
 
 }  // namespace vantrel

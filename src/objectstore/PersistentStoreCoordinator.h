@@ -5,9 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/Error.h"
 #include "objectstore/ManagedObjectModel.h"
+#include "objectstore/StoreMetadata.h"
 
 namespace vantrel {
 
@@ -21,14 +23,9 @@ struct StoreOptions {
   bool inferMappingModelAutomatically = false;
   /// SQLite pragmas, set when the store is opened ("journal_mode" = "WAL").
   std::map<std::string, std::string> sqlitePragmas;
-};
-
-/// What a store says of itself in Z_METADATA.
-struct StoreMetadata {
-  std::string uuid;
-  int version = 0;
-  ManagedObjectModel::VersionHashes versionHashes;
-  std::vector<std::string> versionIdentifiers;
+  /// What a store of another program must have to be served, attributes by entity. When empty, only
+  /// stores that the model's bundle wrote are served.
+  std::map<std::string, std::vector<std::string>> requiredAttributes;
 };
 
 /// Stands between contexts and the one store they share. Main thread.
@@ -38,12 +35,16 @@ class PersistentStoreCoordinator {
   ~PersistentStoreCoordinator();
 
   const std::shared_ptr<ManagedObjectModel>& managedObjectModel() const { return model_; }
-  /// Opens the SQLite store at the path, making it when it is missing (unless read only). Nothing
-  /// is added when it fails: see SqliteStore for the errors.
+  /// Opens the SQLite store at the path, making it when it is missing (unless read only). When that
+  /// fails nothing is added, and the error (see StoreErrorCode) is what later fetches fail with.
   Expected<SqliteStore*> addPersistentStore(const std::optional<std::filesystem::path>& url,
                                             const StoreOptions& options);
   /// The store; null when none could be added.
   SqliteStore* persistentStore() const { return store_.get(); }
+  /// Why there is no store; only while there is none.
+  const Error& storeFailure() const { return failure_; }
+  /// Keeps the reason for not even trying to add a store.
+  void setStoreFailure(Error failure) { failure_ = std::move(failure); }
 
   /// Reads a store's metadata without writing to it.
   static Expected<StoreMetadata> metadataForPersistentStore(const std::filesystem::path& url);
@@ -51,6 +52,7 @@ class PersistentStoreCoordinator {
  private:
   std::shared_ptr<ManagedObjectModel> model_;
   std::unique_ptr<SqliteStore> store_;
+  Error failure_;
 };
 
 }  // namespace vantrel

@@ -48,6 +48,10 @@ class Database {
   void setDelegate(const std::shared_ptr<DatabaseDelegate>& delegate) { delegate_ = delegate; }
 
  private:
+  void addStore(PersistentStoreCoordinator& coordinator,
+                const std::optional<std::filesystem::path>& url, const StoreOptions& options,
+                const std::optional<Error>& modelFailure, const std::string& textsName);
+
   bool translatePrePopulatedStore_ = false;
   std::unique_ptr<ManagedObjectContext> managedObjectContext_;
   std::shared_ptr<ManagedObjectModel> managedObjectModel_;
@@ -56,6 +60,8 @@ class Database {
   std::shared_ptr<ManagedObjectModel> staticManagedObjectModel_;
   std::shared_ptr<PersistentStoreCoordinator> staticPersistentStoreCoordinator_;
   std::weak_ptr<DatabaseDelegate> delegate_;
+  std::optional<Error> modelFailure_;
+  std::optional<Error> staticModelFailure_;
 };
 
 }  // namespace vantrel

@@ -1,0 +1,96 @@
+#include <utility>
+
+#include "objectstore/AttributeValues.h"
+#include "objectstore/ManagedObjectContext.h"
+#include "objectstore/SqliteStore.h"
+
+namespace vantrel {
+
+RowChange ManagedObjectContext::changeOf(
+    const ManagedObject& object,
+    const std::map<const ManagedObject*, std::size_t>& inserted) const {
+  RowChange change{
+      object.entity_.get(), object.objectID_.primaryKey(), object.row_.version(), {}, {}};
+  if (!object.changes_) return change;
+  change.values = object.changes_->values;
+  for (const auto& [slot, related] : object.changes_->related) {
+    RowReference reference;
+    if (related && !isDeleted(*related)) {
+      reference.entity = related->entity_.get();
+      reference.key = related->objectID_.primaryKey();
+      if (const auto found = inserted.find(related.get()); found != inserted.end()) {
+        reference.inserted = found->second;
+      }
+    }
+    change.references.emplace_back(slot, reference);
+  }
+  return change;
+}
+
+ChangeSet ManagedObjectContext::changeSet() const {
+  std::map<const ManagedObject*, std::size_t> positions;
+  for (const auto& [place, object] : inserted_) positions.emplace(object.get(), positions.size());
+  ChangeSet changes;
+  for (const auto& [place, object] : inserted_) {
+    changes.inserted.push_back(changeOf(*object, positions));
+  }
+  for (const auto& [place, object] : updated_) {
+    changes.updated.push_back(changeOf(*object, positions));
+  }
+  for (const auto& [place, object] : deleted_) {
+    changes.deleted.push_back(
+        {object->entity_.get(), object->objectID_.primaryKey(), object->row_.version(), {}, {}});
+  }
+  return changes;
+}
+
+Expected<void> ManagedObjectContext::save() {
+  if (!hasChanges()) return {};
+  SqliteStore* store = coordinator_->persistentStore();
+  if (!store) return tl::unexpected(coordinator_->storeFailure());
+  if (auto allowed = checkDeletions(); !allowed) return allowed;
+  const auto keys = store->save(changeSet());
+  if (!keys) return tl::unexpected(keys.error());
+
+  const Pending inserted = std::exchange(inserted_, {});
+  const Pending updated = std::exchange(updated_, {});
+  const Pending deleted = std::exchange(deleted_, {});
+  // All get their identifiers before the first one takes over the key of another.
+  auto key = keys->begin();
+  for (const auto& [place, object] : inserted) {
+    object->objectID_ =
+        ManagedObjectID::permanentID(store->metadata().uuid, object->entity_->name, *key++);
+    registered_[object->table_][object->objectID_.primaryKey()] = object.get();
+  }
+  for (const auto& [place, object] : inserted) settle(*object, 1);
+  for (const auto& [place, object] : updated) settle(*object, object->row_.version() + 1);
+  for (const auto& [place, object] : deleted) detach(*object);
+  return {};
+}
+
+void ManagedObjectContext::settle(ManagedObject& object, std::int64_t version) {
+  const EntityDescription& entity = *object.entity_;
+  RowBuilder row(slotCount(entity));
+  for (std::size_t slot = 0; slot < slotCount(entity); ++slot) {
+    if (slot < entity.attributes.size()) {
+      if (isReadOnDemand(entity.attributes[slot].type)) continue;
+      setValueInSlot(object.valueInSlot(slot), row, slot);
+      continue;
+    }
+    const auto* pending = object.pendingRelated(slot);
+    const std::int64_t key = !pending   ? object.storedKey(slot)
+                             : *pending ? (*pending)->objectID_.primaryKey()
+                                        : 0;
+    if (key) row.setInteger(slot, key);
+  }
+  object.row_ = row.finish(version);
+  object.changes_.reset();
+}
+
+void ManagedObjectContext::detach(ManagedObject& object) {
+  forget(object);
+  object.context_ = nullptr;
+  object.dropRelations();
+}
+
+}  // namespace vantrel

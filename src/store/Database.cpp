@@ -1,0 +1,166 @@
+#include "store/Database.h"
+
+#include <system_error>
+
+#include "base/Log.h"
+#include "objectstore/SqliteStore.h"
+#include "objectstore/StoreError.h"
+#include "platform/Bundle.h"
+#include "platform/Paths.h"
+#include "store/CustomCamera.h"
+#include "store/CustomPoi.h"
+#include "store/Image.h"
+#include "store/Planning.h"
+
+namespace vantrel {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kModelName = "Vantrel";
+constexpr std::string_view kStaticModelName = "VantrelStatic";
+constexpr std::string_view kStoreFile = "Vantrel.sqlite";
+constexpr std::string_view kErrorTable = "Common";
+
+template <typename Class>
+void setClass(ManagedObjectModel& model, std::string_view entityName) {
+  if (auto* entity = model.entityNamed(entityName)) {
+    entity->makeObject = [] { return std::make_shared<Class>(); };
+  }
+}
+
+/// An empty model where there is none to load, so that all else stands.
+std::shared_ptr<ManagedObjectModel> loadModel(const std::optional<fs::path>& url,
+                                              std::string_view name,
+                                              std::optional<Error>& failure) {
+  if (!url) {
+    failure = storeError(StoreErrorCode::kMissing,
+                         "the program's resources lack the model \"" + std::string(name) + "\"");
+    return std::make_shared<ManagedObjectModel>();
+  }
+  auto model = ManagedObjectModel::modelWithContentsOfURL(*url);
+  if (!model) failure = model.error();
+  return std::make_shared<ManagedObjectModel>(model ? std::move(*model) : ManagedObjectModel());
+}
+
+/// The error and what goes with it, as a log shows them.
+std::pair<std::string, std::string> describe(const Error& error) {
+  std::string userInfo;
+  for (const auto& [key, value] : error.userInfo) {
+    userInfo += (userInfo.empty() ? "" : ", ") + key + " = " + value;
+  }
+  return {error.domain + " " + std::to_string(error.code) + ": " + error.localizedDescription,
+          "{" + userInfo + "}"};
+}
+
+}  // namespace
+
+Database& Database::sharedInstance() {
+  static Database database;
+  return database;
+}
+
+std::optional<fs::path> Database::applicationDocumentsDirectory() const {
+  return paths::documentDirectory();
+}
+
+std::optional<fs::path> Database::groupApplicationDocumentDirectory() const {
+  return paths::groupContainer();
+}
+
+std::optional<fs::path> Database::groupStoreURL() const {
+  const auto container = groupApplicationDocumentDirectory();
+  return container ? std::optional(*container / kStoreFile) : std::nullopt;
+}
+
+std::optional<fs::path> Database::modelURL() const {
+  const Bundle& bundle = Bundle::mainBundle();
+  const auto versions = bundle.urlForResource(kModelName, "momd");
+  return versions ? versions : bundle.urlForResource(kModelName, "mom");
+}
+
+std::shared_ptr<ManagedObjectModel> Database::managedObjectModel() {
+  if (managedObjectModel_) return managedObjectModel_;
+  managedObjectModel_ = loadModel(modelURL(), kModelName, modelFailure_);
+  setClass<CustomCamera>(*managedObjectModel_, "CustomCamera");
+  setClass<CustomPoi>(*managedObjectModel_, "CustomPoi");
+  setClass<Image>(*managedObjectModel_, "Image");
+  setClass<Planning>(*managedObjectModel_, "Planning");
+  return managedObjectModel_;
+}
+
+std::shared_ptr<ManagedObjectModel> Database::staticManagedObjectModel() {
+  if (!staticManagedObjectModel_) {
+    const auto url = Bundle::mainBundle().urlForResource(kStaticModelName, "momd");
+    staticManagedObjectModel_ = loadModel(url, kStaticModelName, staticModelFailure_);
+  }
+  return staticManagedObjectModel_;
+}
+
+std::shared_ptr<PersistentStoreCoordinator> Database::persistentStoreCoordinator() {
+  if (persistentStoreCoordinator_) return persistentStoreCoordinator_;
+  const auto url = groupStoreURL();
+  std::error_code error;
+  if (url && !fs::exists(*url, error)) paths::createPrivateDirectory(url->parent_path());
+  persistentStoreCoordinator_ = std::make_shared<PersistentStoreCoordinator>(managedObjectModel());
+  StoreOptions options;
+  options.migratePersistentStoresAutomatically = true;
+  options.inferMappingModelAutomatically = true;
+  // What the list of plans cannot do without; the phone's own model has more, or other hashes.
+  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
+  addStore(*persistentStoreCoordinator_, url, options, modelFailure_, "persistent_store");
+  return persistentStoreCoordinator_;
+}
+
+std::shared_ptr<PersistentStoreCoordinator> Database::staticPersistentStoreCoordinator() {
+  if (staticPersistentStoreCoordinator_) return staticPersistentStoreCoordinator_;
+  staticPersistentStoreCoordinator_ =
+      std::make_shared<PersistentStoreCoordinator>(staticManagedObjectModel());
+  StoreOptions options;
+  options.readOnly = true;
+  const auto url = Bundle::mainBundle().root() / (std::string(kStaticModelName) + ".sqlite");
+  addStore(*staticPersistentStoreCoordinator_, url, options, staticModelFailure_,
+           "static_persistent_store");
+  return staticPersistentStoreCoordinator_;
+}
+
+void Database::addStore(PersistentStoreCoordinator& coordinator, const std::optional<fs::path>& url,
+                        const StoreOptions& options, const std::optional<Error>& modelFailure,
+                        const std::string& textsName) {
+  if (modelFailure) {
+    coordinator.setStoreFailure(*modelFailure);
+  } else if (coordinator.addPersistentStore(url, options)) {
+    return;
+  }
+  const Error& error = coordinator.storeFailure();
+  const auto [text, userInfo] = describe(error);
+  logLine(stringWithFormat("Unresolved error %@, %@", {text, userInfo}));
+  const auto receiver = delegate();
+  if (!receiver) return;
+  const auto localized = [&](const char* key) {
+    return Bundle::mainBundle().localizedString(textsName + key, "", kErrorTable);
+  };
+  receiver->databasePersistentStoreCoordinatorDidGetError(
+      stringWithFormat(localized("_unresolved_error_message_ios"), {error.localizedDescription}),
+      localized("_unresolved_error_title"));
+}
+
+ManagedObjectContext* Database::managedObjectContext() {
+  if (managedObjectContext_) return managedObjectContext_.get();
+  translatePrePopulatedStore_ = false;
+  const auto coordinator = persistentStoreCoordinator();
+  if (!coordinator) return nullptr;
+  managedObjectContext_ = std::make_unique<ManagedObjectContext>(coordinator);
+  return managedObjectContext_.get();
+}
+
+ManagedObjectContext* Database::staticManagedObjectContext() {
+  if (staticManagedObjectContext_) return staticManagedObjectContext_.get();
+  const auto coordinator = staticPersistentStoreCoordinator();
+  if (!coordinator) return nullptr;
+  staticManagedObjectContext_ = std::make_unique<ManagedObjectContext>(coordinator);
+  return staticManagedObjectContext_.get();
+}
+
+}  // namespace vantrel

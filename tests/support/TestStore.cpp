@@ -1,0 +1,82 @@
+#include "support/TestStore.h"
+
+#include "platform/Bundle.h"
+
+namespace vantrel::test {
+
+namespace {
+
+std::shared_ptr<ManagedObjectModel> withClasses(ManagedObjectModel model) {
+  auto shared = std::make_shared<ManagedObjectModel>(std::move(model));
+  if (auto* planning = shared->entityNamed("Planning")) {
+    planning->makeObject = [] { return std::make_shared<Planning>(); };
+  }
+  return shared;
+}
+
+std::filesystem::path mainMomd() {
+  return *Bundle::mainBundle().urlForResource("Vantrel", "momd");
+}
+
+}  // namespace
+
+std::shared_ptr<ManagedObjectModel> mainModel() {
+  return withClasses(*ManagedObjectModel::modelWithContentsOfURL(mainMomd()));
+}
+
+std::shared_ptr<ManagedObjectModel> mainModelOfVersion(const std::string& version) {
+  const auto hashes = ManagedObjectModel::allVersionHashes(mainMomd()).at("Vantrel" + version);
+  auto model = withClasses(
+      *ManagedObjectModel::modelWithContentsOfURL(mainMomd() / ("Vantrel" + version + ".mom")));
+  for (const auto& [name, hash] : hashes) model->entityNamed(name)->versionHash = hash;
+  return model;
+}
+
+StoreOptions mainOptions() {
+  StoreOptions options;
+  options.migratePersistentStoresAutomatically = true;
+  options.inferMappingModelAutomatically = true;
+  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
+  return options;
+}
+
+OpenStore::OpenStore(const std::filesystem::path& path, const StoreOptions& options,
+                     const std::shared_ptr<ManagedObjectModel>& model)
+    : coordinator(std::make_shared<PersistentStoreCoordinator>(model)),
+      store(coordinator->addPersistentStore(path, options)),
+      context(coordinator) {}
+
+std::shared_ptr<Planning> OpenStore::insertPlan(const std::string& name, double date) {
+  auto plan = std::dynamic_pointer_cast<Planning>(context.insertNewObject("Planning"));
+  plan->setName(name);
+  plan->setDate(Date(date));
+  return plan;
+}
+
+std::string OpenStore::names(const FetchRequest& request) {
+  const auto objects = context.executeFetchRequest(request);
+  if (!objects) return objects.error().localizedDescription;
+  std::string names;
+  for (const auto& object : *objects) {
+    const Value name = object->valueForKey("name");
+    const auto* text = std::get_if<std::string>(&name);
+    names += (names.empty() ? "" : " ") + (text ? *text : std::string("-"));
+  }
+  return names;
+}
+
+std::shared_ptr<Planning> OpenStore::planNamed(const std::string& name) {
+  const auto objects = context.executeFetchRequest(
+      {.entityName = "Planning", .predicate = Predicate::equal("name", name)});
+  return objects && !objects->empty() ? std::dynamic_pointer_cast<Planning>(objects->front())
+                                      : nullptr;
+}
+
+std::string sqlite(const std::filesystem::path& file, const std::string& sql) {
+  const auto result = runProgram({"sqlite3", "-batch", file.string(), sql});
+  std::string text = result.exitCode == 0 ? result.output : result.errors;
+  while (!text.empty() && text.back() == '\n') text.pop_back();
+  return text;
+}
+
+}  // namespace vantrel::test
