@@ -22,7 +22,7 @@ class Date {
   constexpr double timeIntervalSinceDate(Date other) const { return seconds_ - other.seconds_; }
   constexpr Date dateByAddingTimeInterval(double seconds) const { return Date(seconds_ + seconds); }
 
-  friend constexpr auto operator<=>(Date, Date) = default;
+  friend constexpr auto operator<=>(Date, Date) = default;  // NOLINT(modernize-use-nullptr)
 
  private:
   double seconds_ = 0;

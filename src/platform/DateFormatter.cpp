@@ -58,6 +58,8 @@ std::unique_ptr<icu::SimpleDateFormat> build(const Configuration& configuration,
     if (U_FAILURE(status)) return nullptr;
     return formatter;
   }
+  // The library would write both.
+  if (configuration == Configuration{}) return nullptr;
   std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
       icuStyle(configuration.dateStyle), icuStyle(configuration.timeStyle), locale));
   auto* simple = dynamic_cast<icu::SimpleDateFormat*>(formatter.get());

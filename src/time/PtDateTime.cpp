@@ -129,8 +129,8 @@ void PtDateTime::FromJulianDay(double julianDay) {
   hour = static_cast<std::int32_t>(static_cast<std::uint32_t>(s) / 3600);
   const double remainder = s / 60.0 - 60.0 * hour;
   // Below 2^23 doubles hold the sum of a float and a half exactly: halves go away from zero.
-  const auto scaled = static_cast<double>(static_cast<float>(remainder * 100000.0));
-  const auto rounded = static_cast<float>(static_cast<std::int32_t>(scaled + 0.5));
+  const double halfUp = static_cast<double>(static_cast<float>(remainder * 100000.0)) + 0.5;
+  const auto rounded = static_cast<float>(static_cast<std::int32_t>(halfUp));
   minutes = static_cast<double>(rounded / 100000.0F);
 }
 

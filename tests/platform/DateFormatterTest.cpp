@@ -1,0 +1,151 @@
+#include "platform/DateFormatter.h"
+
+#include <gtest/gtest.h>
+#include <unicode/udat.h>
+#include <unicode/unistr.h>
+
+#include <array>
+#include <cmath>
+
+#include "base/Iso8601.h"
+#include "support/Guards.h"
+
+namespace vantrel {
+namespace {
+
+using Style = DateFormatter::Style;
+using test::EnvironmentGuard;
+
+Date at(const char* text) {
+  return *dateFromIso8601String(text);
+}
+
+std::string plain(const icu::UnicodeString& text) {
+  std::string result;
+  text.toUTF8String(result);
+  return result;
+}
+
+/// What ICU itself writes, with its own rules for the zone.
+std::string icuText(const char* locale, const char* zone, UDateFormatStyle dateStyle,
+                    UDateFormatStyle timeStyle, Date date) {
+  UErrorCode status = U_ZERO_ERROR;
+  const auto zoneId = icu::UnicodeString::fromUTF8(zone);
+  UDateFormat* format = udat_open(timeStyle, dateStyle, locale, zoneId.getBuffer(), zoneId.length(),
+                                  nullptr, 0, &status);
+  std::array<char16_t, 200> text{};
+  const auto length = udat_format(format, date.timeIntervalSince1970() * 1000, text.data(),
+                                  int32_t{text.size()}, nullptr, &status);
+  udat_close(format);
+  return plain({text.data(), length});
+}
+
+TEST(DateFormatter, WritesTheStylesOfALocaleInAZone) {
+  const auto summer = at("2024-06-21T22:30:00Z");
+  const auto winter = at("2024-12-31T23:59:59.75Z");
+  DateFormatter formatter;
+  for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "es_ES", "ja_JP", "ar_EG", "fi_FI",
+                             "th_TH", "fa_IR", "zh_TW", "en_US_POSIX"}) {
+    formatter.setLocale(Locale(locale));
+    for (const char* zone : {"Asia/Tokyo", "America/New_York", "Asia/Kathmandu"}) {
+      SCOPED_TRACE(std::string(locale) + " " + zone);
+      formatter.setTimeZone(TimeZone::timeZoneWithName(zone));
+      for (const Date date : {summer, winter}) {
+        formatter.setDateStyle(Style::kShort);
+        formatter.setTimeStyle(Style::kNone);
+        EXPECT_EQ(formatter.stringFromDate(date),
+                  icuText(locale, zone, UDAT_SHORT, UDAT_NONE, date));
+        formatter.setDateStyle(Style::kNone);
+        formatter.setTimeStyle(Style::kShort);
+        EXPECT_EQ(formatter.stringFromDate(date),
+                  icuText(locale, zone, UDAT_NONE, UDAT_SHORT, date));
+        formatter.setDateStyle(Style::kFull);
+        formatter.setTimeStyle(Style::kMedium);
+        EXPECT_EQ(formatter.stringFromDate(date),
+                  icuText(locale, zone, UDAT_FULL, UDAT_MEDIUM, date));
+      }
+    }
+  }
+}
+
+TEST(DateFormatter, FollowsTheSystemsRulesAndTheDevicesZone) {
+  const EnvironmentGuard device("TZ", "Europe/Madrid");
+  DateFormatter formatter;
+  formatter.setLocale(Locale("en_GB"));
+  formatter.setDateStyle(Style::kShort);
+  formatter.setTimeStyle(Style::kShort);
+  const Date date = at("2024-07-05T18:00:00Z");
+  EXPECT_EQ(formatter.stringFromDate(date), "05/07/2024, 20:00");
+  // Zones that have changed since the library's own rules were frozen, by Python's zoneinfo.
+  formatter.setTimeZone(TimeZone::timeZoneWithName("America/Ciudad_Juarez"));
+  EXPECT_EQ(formatter.stringFromDate(date), "05/07/2024, 12:00");
+  formatter.setTimeZone(TimeZone::timeZoneWithName("America/Mexico_City"));
+  EXPECT_EQ(formatter.stringFromDate(date), "05/07/2024, 12:00");
+  formatter.setTimeZone(TimeZone::timeZoneWithName("Nowhere/City"));
+  EXPECT_EQ(formatter.stringFromDate(date), "05/07/2024, 20:00");
+  EXPECT_EQ(formatter.stringFromDate(Date(NAN)), "");
+  formatter.setDateStyle(Style::kNone);
+  formatter.setTimeStyle(Style::kNone);
+  EXPECT_EQ(formatter.stringFromDate(date), "");
+  EXPECT_EQ(formatter.dateFormat(), "");
+}
+
+TEST(DateFormatter, WritesPatternsUntilAStyleIsSet) {
+  DateFormatter formatter;
+  formatter.setLocale(Locale("en_GB"));
+  formatter.setTimeZone(TimeZone::timeZoneForSecondsFromGMT(0));
+  formatter.setDateStyle(Style::kShort);
+  EXPECT_EQ(formatter.dateFormat(), "dd/MM/y");
+  formatter.setDateFormat("dd/MM/yy");
+  EXPECT_EQ(formatter.stringFromDate(at("2024-03-05T12:00:00Z")), "05/03/24");
+  formatter.setDateFormat("y-MM-dd HH:mm:ss 'o''clock' ZZZZZ");
+  EXPECT_EQ(formatter.stringFromDate(Date(-0.25)), "2000-12-31 23:59:59 o'clock Z");
+  EXPECT_EQ(formatter.stringFromDate(at("1582-10-14T00:00:00Z")), "1582-10-04 00:00:00 o'clock Z");
+  formatter.setTimeZone(TimeZone::timeZoneWithName("Asia/Kathmandu"));
+  EXPECT_EQ(formatter.stringFromDate(Date(0)), "2001-01-01 05:45:00 o'clock +05:45");
+  formatter.setDateStyle(Style::kShort);
+  EXPECT_EQ(formatter.dateFormat(), "dd/MM/y");
+}
+
+TEST(DateFormatter, ReadsWhatFitsThePattern) {
+  struct Case {
+    const char* name;
+    const char* pattern;
+    const char* zone;
+    const char* text;
+    const char* instant;  // null: refused
+  };
+  constexpr auto* kLiteral = "yyyy'-'MM'-'dd'T'HH':'mm':'ss'Z'";
+  constexpr auto* kOffset = "yyyy-MM-dd'T'HH:mm:ssZZZZZ";
+  constexpr auto* kWall = "yyyy-MM-dd HH:mm";
+  const Case cases[] = {
+      {"literal", kLiteral, "GMT", "2024-03-05T12:00:00Z", "2024-03-05T12:00:00Z"},
+      {"literal, other text", kLiteral, "GMT", "2024-03-05T12:00:00+02:00", nullptr},
+      {"offset", kOffset, "GMT", "2024-03-05T14:00:00+02:00", "2024-03-05T12:00:00Z"},
+      {"offset wins", kOffset, "Asia/Tokyo", "2024-03-05T14:00:00Z", "2024-03-05T14:00:00Z"},
+      {"wall time", kWall, "Asia/Kathmandu", "2024-03-05 12:00", "2024-03-05T06:15:00Z"},
+      {"skipped", kWall, "America/Havana", "2024-03-10 00:30", "2024-03-10T05:30:00Z"},
+      {"repeated", kWall, "Europe/Madrid", "2024-10-27 02:30", "2024-10-27T00:30:00Z"},
+      {"rest", kWall, "GMT", "2024-03-05 12:00x", nullptr},
+      {"too short", kWall, "GMT", "2024-03-05", nullptr},
+      {"no such day", kWall, "GMT", "2024-02-30 12:00", nullptr},
+      {"empty", kWall, "GMT", "", nullptr},
+      {"not UTF-8", kWall, "GMT", "\xff\xfe", nullptr},
+  };
+  DateFormatter formatter;
+  formatter.setLocale(Locale("en_US_POSIX"));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    formatter.setDateFormat(c.pattern);
+    formatter.setTimeZone(TimeZone::timeZoneWithName(c.zone));
+    const auto date = formatter.dateFromString(c.text);
+    ASSERT_EQ(date.has_value(), c.instant != nullptr);
+    if (!date) continue;
+    EXPECT_EQ(iso8601String(*date), c.instant);
+    // Reading leaves nothing behind that writing would use.
+    EXPECT_EQ(formatter.dateFromString(formatter.stringFromDate(*date)), date);
+  }
+}
+
+}  // namespace
+}  // namespace vantrel
