@@ -23,10 +23,12 @@ constexpr std::string_view kBase = "Base";
 fs::path mainBundleRoot() {
   if (const char* set = std::getenv("VANTREL_BUNDLE"); set && *set) return fs::absolute(set);
   std::error_code error;
-  const auto program = fs::read_symlink("/proc/self/exe", error).parent_path();
-  for (const auto& root : {program / "bundle", program / "../share/vantrel"}) {
-    if (!error && fs::is_directory(root, error)) return root.lexically_normal();
-    error.clear();
+  const auto program = fs::read_symlink("/proc/self/exe", error);
+  if (!error) {
+    for (const char* place : {"bundle", "../share/vantrel"}) {
+      auto root = (program.parent_path() / place).lexically_normal();
+      if (fs::is_directory(root, error)) return root;
+    }
   }
   return "/usr/share/vantrel";
 }
