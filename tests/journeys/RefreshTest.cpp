@@ -1,0 +1,203 @@
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "base/Iso8601.h"
+#include "platform/Device.h"
+#include "platform/FixedTextMeasurer.h"
+#include "platform/MainQueue.h"
+#include "platform/SerialMainQueue.h"
+#include "support/PlanStore.h"
+#include "widget/TodayEventsViewController.h"
+
+namespace vantrel {
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// A host that writes down what the widget asks of it.
+struct RecordingContext : ExtensionContext {
+  bool respondsToWidgetLargestAvailableDisplayMode() const override { return knowsModes; }
+  void setWidgetLargestAvailableDisplayMode(WidgetDisplayMode mode) override { largest = mode; }
+  void openURL(const std::string& url, std::function<void(bool)> completionHandler) override {
+    EXPECT_FALSE(completionHandler);
+    opened.push_back(url);
+  }
+  bool knowsModes = true;
+  std::optional<WidgetDisplayMode> largest;
+  std::vector<std::string> opened;
+};
+
+Date at(const std::string& text) {
+  return dateFromIso8601String(text).value();
+}
+
+class RefreshTest : public testing::Test {
+ protected:
+  RefreshTest() { MainQueue::install(queue); }
+  ~RefreshTest() override {
+    MainQueue::install(nullptr);
+    TextMeasurer::install(nullptr);
+  }
+
+  /// One life of the widget, as hosts begin it.
+  std::unique_ptr<TodayEventsViewController> begin() {
+    auto controller =
+        std::make_unique<TodayEventsViewController>(Size{320, 110}, std::shared_ptr(context));
+    controller->loadViewIfNeeded();
+    controller->viewWillAppear(false);
+    controller->viewDidAppear(false);
+    std::optional<WidgetUpdateResult> result;
+    controller->widgetPerformUpdateWithCompletionHandler([&](auto update) { result = update; });
+    EXPECT_EQ(result, WidgetUpdateResult::kNewData);
+    return controller;
+  }
+
+  static Names visibleTitles(const TodayEventsViewController& controller) {
+    Names names;
+    for (const auto& label : controller.todayView()->planTitleLabels()) {
+      if (!label->isHidden()) names.push_back(label->text());
+    }
+    return names;
+  }
+
+  void tap(const TodayEventsViewController& controller, std::size_t row) {
+    TodayViewLabel& label = *controller.todayView()->planTitleLabels()[row];
+    label.touchesBegan({});
+    label.touchesEnded({});
+    queue->runUntilEmpty();
+  }
+
+  test::EnvironmentGuard locale{"LC_ALL", "en_GB.UTF-8"};
+  test::EnvironmentGuard language{"LANGUAGE", std::nullopt};
+  test::EnvironmentGuard zone{"TZ", "Europe/Madrid"};
+  test::PlanStore store;
+  test::FakeClock clock{at("2024-06-21T12:00:00Z")};  // 14:00 in Madrid
+  std::shared_ptr<SerialMainQueue> queue = std::make_shared<SerialMainQueue>();
+  std::shared_ptr<RecordingContext> context = std::make_shared<RecordingContext>();
+};
+
+TEST_F(RefreshTest, ListsTheNextFivePlansFromTheStartOfTheDay) {
+  store.add("later", at("2024-06-25T00:00:00Z"));
+  store.add("yesterday 23:59", at("2024-06-20T21:59:00Z"));
+  store.add("today 00:30", at("2024-06-20T22:30:00Z"));
+  store.add("midnight", at("2024-06-20T22:00:00Z"), "Asia/Tokyo");
+  store.add("tomorrow", at("2024-06-22T10:00:00Z"));
+  store.add("without date", std::nullopt);
+  store.add("too late", at("2025-01-01T00:00:00Z"));
+  store.add("next week", at("2024-06-28T10:00:00Z"));
+  store.save();
+
+  const auto controller = begin();
+  EXPECT_EQ(visibleTitles(*controller), (Names{"midnight", "today 00:30"}));
+  EXPECT_EQ(controller->plans()->size(), 5U);
+  EXPECT_EQ(context->largest, WidgetDisplayMode::kExpanded);
+
+  controller->widgetActiveDisplayModeDidChange(WidgetDisplayMode::kExpanded, {320, 600});
+  const Names all{"midnight", "today 00:30", "tomorrow", "later", "next week"};
+  EXPECT_EQ(visibleTitles(*controller), all);
+  EXPECT_EQ(controller->preferredContentSize(), (Size{320, 285}));
+  controller->view()->setFrame({{0, 0}, {400, 285}});
+  controller->view()->layoutIfNeeded();
+  EXPECT_EQ(controller->todayView()->planTitleLabels()[0]->frame().size.width, 400 - 37 - 11);
+
+  controller->widgetActiveDisplayModeDidChange(WidgetDisplayMode::kCompact, {320, 110.5});
+  EXPECT_EQ(visibleTitles(*controller), (Names{"midnight", "today 00:30"}));
+  EXPECT_EQ(controller->preferredContentSize(), (Size{320, 110.5}));
+}
+
+TEST_F(RefreshTest, OpensTheTappedPlan) {
+  for (const char* name : {"1", "2", "3", "4"}) {
+    store.add(name, at("2024-06-2" + std::string(name) + "T12:00:00Z"));
+  }
+  store.save();
+  const auto controller = begin();
+  controller->widgetActiveDisplayModeDidChange(WidgetDisplayMode::kExpanded, {320, 600});
+  tap(*controller, 3);
+
+  SQLite::Database file(store.file().string());
+  const std::string uuid = file.execAndGet("SELECT Z_UUID FROM Z_METADATA").getString();
+  const std::string key = file.execAndGet("SELECT Z_PK FROM ZPLANNING WHERE ZNAME = '4'");
+  const std::string link = "vantrel://plan?id=x-coredata:%2F%2F" + uuid + "%2FPlanning%2Fp" + key;
+  EXPECT_EQ(context->opened, Names{link});
+
+  controller->todayViewDidTapOnView(*controller->todayView(), 3, -1);
+  tap(*controller, 4);  // a row that shows no plan
+  EXPECT_EQ(context->opened, Names{link});
+}
+
+TEST_F(RefreshTest, SeesANewDayInANewLifeOnly) {
+  store.add("today", at("2024-06-21T20:00:00Z"));
+  store.add("tomorrow", at("2024-06-22T20:00:00Z"));
+  store.save();
+  auto controller = begin();
+  EXPECT_EQ(visibleTitles(*controller), (Names{"today", "tomorrow"}));
+
+  clock.set(at("2024-06-21T22:00:00Z"));  // midnight in Madrid
+  controller->viewWillAppear(false);
+  EXPECT_EQ(visibleTitles(*controller), (Names{"today", "tomorrow"}));
+  controller = begin();
+  EXPECT_EQ(visibleTitles(*controller), Names{"tomorrow"});
+}
+
+/// Texts have the height that makes the view's content 171.9 high.
+struct FractionalMeasurer : FixedTextMeasurer {
+  Size boundingSizeOfText(std::string_view, const Font&, Size bounds) const override {
+    return {bounds.width, 151.9};
+  }
+};
+
+TEST_F(RefreshTest, TellsThatThereAreNoPlansAndPrefersWholePixels) {
+  TextMeasurer::install(std::make_shared<FractionalMeasurer>());
+  store.save();
+  const auto controller = begin();
+  EXPECT_TRUE(controller->plans() && controller->plans()->empty());
+  EXPECT_EQ(controller->todayView()->messageLabel().text(), "No plans scheduled");
+
+  controller->widgetActiveDisplayModeDidChange(WidgetDisplayMode::kExpanded, {320, 600});
+  EXPECT_EQ(controller->preferredContentSize(), (Size{320, 171}));
+  controller->setPreferredContentSize({1, controller->todayView()->contentHeight()});
+  controller->todayViewDidLayout();
+  EXPECT_EQ(controller->preferredContentSize().width, 1) << "the same height is left alone";
+  controller->setPreferredContentSize({1, 171});
+  controller->todayViewDidLayout();
+  EXPECT_EQ(controller->preferredContentSize().width, 320);
+}
+
+TEST_F(RefreshTest, ShowsTheMessageWhenTheStoreCannotBeOpened) {
+  test::writeFile(store.file(), "this is no database, whatever its name says");
+  const test::LogCapture log;
+  const auto controller = begin();
+  EXPECT_FALSE(controller->plans());
+  EXPECT_EQ(controller->todayView()->messageLabel().text(), "No plans scheduled");
+  EXPECT_FALSE(controller->todayView()->messageLabel().isHidden());
+  EXPECT_EQ(test::readFile(store.file()), "this is no database, whatever its name says");
+}
+
+TEST_F(RefreshTest, IsExpandedWithoutInsetsBeforeVersion10) {
+  Device::currentDevice().setSystemVersion("9.0");
+  context->knowsModes = false;
+  for (const char* day : {"21", "22", "23"}) {
+    store.add(day, at("2024-06-" + std::string(day) + "T20:00:00Z"));
+  }
+  store.save();
+  const auto controller = begin();
+  EXPECT_FALSE(context->largest);
+  EXPECT_EQ(visibleTitles(*controller), (Names{"21", "22", "23"}));
+  EXPECT_EQ(controller->todayView()->planTitleLabels()[0]->frame().origin, (Point{0, 12}));
+}
+
+TEST_F(RefreshTest, MayEndWithATapUnderWay) {
+  store.add("today", at("2024-06-21T20:00:00Z"));
+  store.save();
+  auto controller = begin();
+  controller->todayView()->planTitleLabels()[0]->touchesEnded({});
+  controller.reset();
+  queue->runUntilEmpty();
+  EXPECT_TRUE(context->opened.empty());
+}
+
+}  // namespace
+}  // namespace vantrel
