@@ -189,15 +189,5 @@ TEST_F(RefreshTest, IsExpandedWithoutInsetsBeforeVersion10) {
   EXPECT_EQ(controller->todayView()->planTitleLabels()[0]->frame().origin, (Point{0, 12}));
 }
 
-TEST_F(RefreshTest, MayEndWithATapUnderWay) {
-  store.add("today", at("2024-06-21T20:00:00Z"));
-  store.save();
-  auto controller = begin();
-  controller->todayView()->planTitleLabels()[0]->touchesEnded({});
-  controller.reset();
-  queue->runUntilEmpty();
-  EXPECT_TRUE(context->opened.empty());
-}
-
 }  // namespace
 }  // namespace vantrel
