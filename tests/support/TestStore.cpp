@@ -1,6 +1,7 @@
 #include "support/TestStore.h"
 
 #include "platform/Bundle.h"
+#include "store/CustomCamera.h"
 
 namespace vantrel::test {
 
@@ -10,6 +11,9 @@ std::shared_ptr<ManagedObjectModel> withClasses(ManagedObjectModel model) {
   auto shared = std::make_shared<ManagedObjectModel>(std::move(model));
   if (auto* planning = shared->entityNamed("Planning")) {
     planning->makeObject = [] { return std::make_shared<Planning>(); };
+  }
+  if (auto* camera = shared->entityNamed("CustomCamera")) {
+    camera->makeObject = [] { return std::make_shared<CustomCamera>(); };
   }
   return shared;
 }

@@ -12,7 +12,7 @@
 
 namespace vantrel::test {
 
-/// The main model of the bundle, with the class of plans.
+/// The main model of the bundle, with the classes of plans and cameras.
 std::shared_ptr<ManagedObjectModel> mainModel();
 /// The same in an older version, as the program had it then.
 std::shared_ptr<ManagedObjectModel> mainModelOfVersion(const std::string& version);
