@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/Date.h"
+#include "base/Error.h"
+#include "platform/TimeZone.h"
+
+namespace vantrel::cli {
+
+/// What people type for a value, checked. `option` is what the error names ("--date"); errors end
+/// the program with kExitUsage and say what is allowed.
+
+struct Moment {
+  Date first;
+  Date last;  ///< The last instant of the day when only a day was given, else the same as `first`.
+};
+/// An ISO 8601 instant, or wall time in `zone`: "2026-07-15 23:40", "2026-07-15", "tomorrow 05:30",
+/// "+3d", "now".
+Expected<Moment> momentFromArgument(const std::string& option, const std::string& text,
+                                    const TimeZone& zone);
+
+/// A name of the system's time-zone database.
+Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::string& text);
+
+/// Degrees from -`limit` to `limit`, a decimal number.
+Expected<double> degreesFromArgument(const std::string& option, const std::string& text, int limit);
+
+/// Any UTF-8 text.
+Expected<std::string> textFromArgument(const std::string& option, const std::string& text);
+
+}  // namespace vantrel::cli

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/Console.h"
+
+namespace CLI {
+class App;
+}
+
+namespace vantrel::cli {
+
+/// What a command is given besides its own arguments, and where it leaves its exit code.
+struct Session {
+  Console console;
+  int exitCode = 0;
+};
+
+/// One word behind `vantrel`. Only the group that is asked for fills its parser: every option that
+/// is registered costs time at every start.
+struct CommandGroup {
+  const char* name;
+  const char* description;
+  /// Adds options, commands and their callbacks, which run in `session` (it outlives the parser).
+  void (*fill)(CLI::App& parser, Session& session);
+};
+
+void fillTodayCommand(CLI::App& parser, Session& session);
+void fillPlanCommands(CLI::App& parser, Session& session);
+void fillOpenCommand(CLI::App& parser, Session& session);
+void fillStoreCommands(CLI::App& parser, Session& session);
+
+/// An option with one value; "" is a value like any other. `target` outlives the parsing.
+void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
+                   const std::string& valueName, const std::string& description);
+
+}  // namespace vantrel::cli

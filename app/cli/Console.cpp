@@ -1,0 +1,83 @@
+#include "cli/Console.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "cli/ExitCode.h"
+#include "cli/TerminalText.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr std::size_t kPiece = 1 << 16;
+
+/// 0, or the error that stopped the writing.
+int writeAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(file, text.data(), text.size());
+    if (written < 0 && errno != EINTR) return errno;
+    if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value && *value;
+}
+
+bool terminalShowsColor(int file) {
+  const char* terminal = std::getenv("TERM");
+  return ::isatty(file) && !isSet("NO_COLOR") && terminal && std::strcmp(terminal, "dumb") != 0;
+}
+
+}  // namespace
+
+void Console::setColorMode(ColorMode mode) {
+  color_ =
+      mode == ColorMode::kAlways || (mode == ColorMode::kAuto && terminalShowsColor(STDOUT_FILENO));
+}
+
+void Console::print(std::string_view text) {
+  output_ += text;
+  if (output_.size() >= kPiece) flush();
+}
+
+std::string Console::bold(std::string_view text) const {
+  return color_ ? "\x1b[1m" + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+std::string Console::dim(std::string_view text) const {
+  return color_ ? "\x1b[2m" + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+void Console::tell(std::string_view text) {
+  flush();
+  writeAll(STDERR_FILENO, text);
+}
+
+void Console::note(std::string_view text) {
+  if (!quiet_ && ::isatty(STDERR_FILENO)) tell("vantrel: " + std::string(text) + "\n");
+}
+
+int Console::fail(const Error& error) {
+  tell("vantrel: " + printableLines(error.localizedDescription, "  ") + "\n");
+  return exitCodeForError(error);
+}
+
+int Console::finish(int exitCode) {
+  flush();
+  if (outputError_ == 0 || outputError_ == EPIPE) return exitCode;
+  return fail(failure(kExitInputOutput, "standard output", std::strerror(outputError_)));
+}
+
+void Console::flush() {
+  if (outputError_ == 0) outputError_ = writeAll(STDOUT_FILENO, output_);
+  output_.clear();
+}
+
+}  // namespace vantrel::cli

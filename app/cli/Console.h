@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/Error.h"
+
+namespace vantrel::cli {
+
+/// Where a command's answers go: data to standard output, messages to standard error. Holds the
+/// switches that every command knows.
+class Console {
+ public:
+  enum class ColorMode { kAuto, kAlways, kNever };
+
+  bool isJson() const { return json_; }
+  void setJson(bool json) { json_ = json; }
+  void setQuiet(bool quiet) { quiet_ = quiet; }
+  /// `kAuto` is colour on a terminal that can show it, unless $NO_COLOR is set.
+  void setColorMode(ColorMode mode);
+
+  /// Adds to standard output, as it is; written in large pieces.
+  void print(std::string_view text);
+  /// The text in bold or dimmed, where standard output shows that.
+  std::string bold(std::string_view text) const;
+  std::string dim(std::string_view text) const;
+
+  /// Writes to standard error, as it is.
+  void tell(std::string_view text);
+  /// A hint for a person, on standard error; only on a terminal, and not when quiet.
+  void note(std::string_view text);
+  /// Tells what went wrong in one line on standard error and gives the exit code to end with.
+  int fail(const Error& error);
+  /// Writes what is left and gives the exit code to end with: `exitCode`, unless standard output
+  /// could not be written. A reader that went away is no failure.
+  int finish(int exitCode);
+
+ private:
+  void flush();
+
+  bool json_ = false;
+  bool quiet_ = false;
+  bool color_ = false;
+  std::string output_;
+  int outputError_ = 0;
+};
+
+}  // namespace vantrel::cli

@@ -1,0 +1,271 @@
+#include <CLI/App.hpp>
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+
+#include "cli/Arguments.h"
+#include "cli/CommandGroup.h"
+#include "cli/ExitCode.h"
+#include "cli/PlanJson.h"
+#include "cli/PlanLookup.h"
+#include "cli/PlanText.h"
+#include "cli/StoreAccess.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr const char* kPlanEntity = "Planning";
+constexpr int kMostLatitude = 90;
+constexpr int kMostLongitude = 180;
+
+/// A plan's attribute as it is given on the command line.
+struct Field {
+  const char* key;
+  const char* valueName;
+  const char* description;
+};
+constexpr std::array kFields = {
+    Field{"name", "TEXT", "Title"},
+    Field{"notes", "TEXT", "Notes"},
+    Field{"date", "WHEN", "2026-07-15T21:40:00Z, or wall time as \"2026-07-15 23:40\""},
+    Field{"timezone", "ZONE", "Zone of the place, as Europe/Madrid (when new: else the device's)"},
+    Field{"latitude", "DEGREES", "-90 to 90, north positive"},
+    Field{"longitude", "DEGREES", "-180 to 180, east positive"},
+};
+
+/// What was given, by attribute; nothing stands for "clear it".
+using Given = std::map<std::string, std::optional<std::string>>;
+using Changes = std::map<std::string, Value>;
+
+template <typename T>
+Value asValue(const T& value) {
+  return value;
+}
+
+Expected<Value> checkedValue(const std::string& key, const std::string& text,
+                             const TimeZone& zone) {
+  const std::string option = "--" + key;
+  if (key == "date") {
+    return momentFromArgument(option, text, zone).map([](const Moment& m) {
+      return Value(m.first);
+    });
+  }
+  if (key == "timezone") {
+    return timeZoneFromArgument(option, text).map([](const auto& z) { return Value(z.name()); });
+  }
+  if (key == "latitude")
+    return degreesFromArgument(option, text, kMostLatitude).map(asValue<double>);
+  if (key == "longitude")
+    return degreesFromArgument(option, text, kMostLongitude).map(asValue<double>);
+  return textFromArgument(option, text).map(asValue<std::string>);
+}
+
+/// Everything that was given, checked; wall times are those of `zone`, or of the zone given.
+Expected<Changes> checkedChanges(const Given& given, TimeZone zone) {
+  if (const auto name = given.find("timezone"); name != given.end()) {
+    zone =
+        TimeZone::timeZoneWithName(name->second.value_or("")).value_or(TimeZone::defaultTimeZone());
+  }
+  Changes changes;
+  for (const auto& [key, text] : given) {
+    auto value = text ? checkedValue(key, *text, zone) : Value();
+    if (!value) return tl::make_unexpected(value.error());
+    changes[key] = *value;
+  }
+  return changes;
+}
+
+Expected<void> applyAndSave(const Changes& changes, Planning& plan) {
+  for (const auto& [key, value] : changes) {
+    if (!plan.setValueForKey(value, key)) {
+      return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
+    }
+  }
+  return save(*plan.managedObjectContext());
+}
+
+int addPlan(const Given& given, Console& console) {
+  if (given.empty()) {
+    return console.fail(failure(kExitUsage, "plan add", "give at least --name or --date"));
+  }
+  const TimeZone here = TimeZone::defaultTimeZone();
+  auto changes = checkedChanges(given, here);
+  if (!changes) return console.fail(changes.error());
+  // A wall time means little without its zone; a device's zone without a name cannot be kept.
+  if (!given.contains("timezone") && TimeZone::timeZoneWithName(here.name())) {
+    (*changes)["timezone"] = here.name();
+  }
+  const auto context = contextForWriting();
+  if (!context) return console.fail(context.error());
+  const auto plan = std::dynamic_pointer_cast<Planning>((*context)->insertNewObject(kPlanEntity));
+  if (!plan) return console.fail(failure(kExitInternal, "plan add", "the model has no plans"));
+  if (const auto saved = applyAndSave(*changes, *plan); !saved) return console.fail(saved.error());
+  console.print(console.isJson() ? jsonText(*plan) : plan->uniqueIdentifier().value_or("") + "\n");
+  return kExitDone;
+}
+
+/// Opens the store and finds the plan, then does `action` with it.
+template <typename Action>
+int withPlan(Expected<ManagedObjectContext*> context, const std::string& name, Console& console,
+             Action action) {
+  if (!context) return console.fail(context.error());
+  const auto plan = planNamed(**context, name);
+  if (!plan) return console.fail(plan.error());
+  const Expected<void> done = action(*plan);
+  return done ? kExitDone : console.fail(done.error());
+}
+
+int editPlan(const std::string& name, const Given& given, Console& console) {
+  if (given.empty()) {
+    return console.fail(failure(kExitUsage, "plan edit",
+                                "nothing to change; see vantrel plan edit "
+                                "--help"));
+  }
+  const auto checked = checkedChanges(given, TimeZone::defaultTimeZone());
+  if (!checked) return console.fail(checked.error());
+  return withPlan(contextForReading(), name, console, [&](const auto& plan) {
+    // Wall time is the plan's own, so it is read again.
+    return checkedChanges(given, zoneOfPlan(*plan)).and_then([&](const Changes& changes) {
+      return applyAndSave(changes, *plan);
+    });
+  });
+}
+
+int removePlan(const std::string& name, Console& console) {
+  return withPlan(contextForReading(), name, console, [](const auto& plan) {
+    auto& context = *plan->managedObjectContext();
+    context.deleteObject(plan);
+    return save(context);
+  });
+}
+
+int showPlan(const std::string& name, Console& console) {
+  return withPlan(contextForReading(), name, console, [&](const auto& plan) -> Expected<void> {
+    console.print(console.isJson() ? jsonText(*plan) : planDetails(*plan, console));
+    return {};
+  });
+}
+
+struct Range {
+  std::optional<Date> first;
+  std::optional<Date> last;
+};
+
+Expected<Range> checkedRange(const std::optional<std::string>& from,
+                             const std::optional<std::string>& to) {
+  const TimeZone here = TimeZone::defaultTimeZone();
+  Range range;
+  if (from) {
+    const auto moment = momentFromArgument("--from", *from, here);
+    if (!moment) return tl::make_unexpected(moment.error());
+    range.first = moment->first;
+  }
+  if (to) {
+    const auto moment = momentFromArgument("--to", *to, here);
+    if (!moment) return tl::make_unexpected(moment.error());
+    range.last = moment->last;
+  }
+  return range;
+}
+
+using Plans = std::vector<std::shared_ptr<Planning>>;
+
+/// By date, those without one last; with a range, only those that lie in it.
+Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) {
+  FetchRequest request;
+  request.entityName = kPlanEntity;
+  request.sortDescriptors = {{"date", true}};
+  if (range.first) request.predicate = Predicate::greaterThanOrEqual("date", *range.first);
+  const auto objects = context.executeFetchRequest(request);
+  if (!objects) return tl::make_unexpected(objects.error());
+  Plans plans;
+  for (const auto& object : *objects) {
+    auto plan = std::dynamic_pointer_cast<Planning>(object);
+    if (plan) plans.push_back(std::move(plan));
+  }
+  const auto dated = std::stable_partition(
+      plans.begin(), plans.end(), [](const auto& plan) { return plan->date().has_value(); });
+  if (range.first || range.last) plans.erase(dated, plans.end());
+  if (range.last) {
+    std::erase_if(plans, [&](const auto& plan) { return *plan->date() > *range.last; });
+  }
+  return plans;
+}
+
+int listPlans(const std::optional<std::string>& from, const std::optional<std::string>& to,
+              Console& console) {
+  const auto range = checkedRange(from, to);
+  if (!range) return console.fail(range.error());
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto plans = plansInRange(**context, *range);
+  if (!plans) return console.fail(plans.error());
+  if (plans->empty()) console.note("no plans");
+  console.print(console.isJson() ? jsonText(*plans) : planTable(*plans, console));
+  return kExitDone;
+}
+
+/// One option for each attribute; with `clearing`, also one to clear it.
+std::shared_ptr<Given> addFields(CLI::App& parser, bool clearing) {
+  auto given = std::make_shared<Given>();
+  for (const auto& field : kFields) {
+    const std::string key = field.key;
+    const auto keep = [given, key](const CLI::results_t& values) {
+      (*given)[key] = values.front();
+      return true;
+    };
+    auto* option = parser.add_option("--" + key, keep, field.description);
+    option->type_name(field.valueName);
+    if (!clearing) continue;
+    const auto clear = [given, key] { (*given)[key] = std::nullopt; };
+    parser.add_flag_callback("--no-" + key, clear, "Clear the " + key)->excludes(option);
+  }
+  return given;
+}
+
+std::shared_ptr<std::string> addPlanName(CLI::App& parser) {
+  auto name = std::make_shared<std::string>();
+  parser.add_option("PLAN", *name, "Identifier, the first four or more of its characters, or URI")
+      ->required()
+      ->type_name("");
+  return name;
+}
+
+void fillList(CLI::App& parser, Session& session) {
+  const auto from = std::make_shared<std::optional<std::string>>();
+  const auto to = std::make_shared<std::optional<std::string>>();
+  const std::string when = "now, today, +7d, 2026-07-15, \"2026-07-15 23:40\"";
+  addTextOption(parser, "--from", *from, "WHEN", "No earlier than this: " + when);
+  addTextOption(parser, "--to", *to, "WHEN", "No later than this; a day counts to its end");
+  parser.callback([=, &session] { session.exitCode = listPlans(*from, *to, session.console); });
+}
+
+}  // namespace
+
+void fillPlanCommands(CLI::App& parser, Session& session) {
+  parser.require_subcommand(1);
+  Console& console = session.console;
+  CLI::App& add = *parser.add_subcommand("add", "Add a plan and print its identifier");
+  const auto added = addFields(add, false);
+  add.callback([=, &session, &console] { session.exitCode = addPlan(*added, console); });
+
+  fillList(*parser.add_subcommand("list", "List plans by date, undated ones last"), session);
+
+  CLI::App& show = *parser.add_subcommand("show", "Show all that is known of a plan");
+  const auto shown = addPlanName(show);
+  show.callback([=, &session, &console] { session.exitCode = showPlan(*shown, console); });
+
+  CLI::App& edit = *parser.add_subcommand("edit", "Change a plan");
+  const auto edited = addPlanName(edit);
+  const auto changed = addFields(edit, true);
+  edit.callback(
+      [=, &session, &console] { session.exitCode = editPlan(*edited, *changed, console); });
+
+  CLI::App& remove = *parser.add_subcommand("remove", "Remove a plan");
+  const auto removed = addPlanName(remove);
+  remove.callback([=, &session, &console] { session.exitCode = removePlan(*removed, console); });
+}
+
+}  // namespace vantrel::cli

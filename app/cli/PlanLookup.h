@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "base/Error.h"
+#include "objectstore/ManagedObjectContext.h"
+#include "store/Planning.h"
+
+namespace vantrel::cli {
+
+/// The plan that a person names: by object URI, unique identifier, or a prefix of that of at least
+/// four characters, in either case. kExitMissing when there is none; kExitUsage, with the
+/// candidates, when there are several or the prefix is too short.
+Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
+                                              const std::string& text);
+
+/// The plan of an object URI; kExitMissing when it is gone or in another store, kExitBadData when
+/// the text names no plan.
+Expected<std::shared_ptr<Planning>> planWithURI(ManagedObjectContext& context,
+                                                const std::string& uri);
+
+}  // namespace vantrel::cli

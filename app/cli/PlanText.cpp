@@ -1,0 +1,137 @@
+#include "cli/PlanText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
+
+#include "base/Iso8601.h"
+#include "cli/PlanJson.h"
+#include "cli/TerminalText.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr const char* kUnknown = "--";
+constexpr std::size_t kLabelWidth = 11;
+constexpr std::size_t kDayLength = 10;
+constexpr std::size_t kMinuteLength = 16;
+constexpr std::size_t kSecondLength = 19;
+/// Longer names push their own line to the right instead of every line.
+constexpr std::size_t kWidestColumn = 44;
+/// As much of an identifier as tells one plan from another in any store made by hand.
+constexpr std::size_t kShortIdentifier = 8;
+
+std::string shown(const std::optional<std::string>& text) {
+  return text && !text->empty() ? printable(*text) : kUnknown;
+}
+
+std::string degrees(std::optional<double> value) {
+  if (!value) return kUnknown;
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%.5f", *value);
+  return text.data();
+}
+
+struct TableRow {
+  std::string when;
+  std::string name;
+  std::string zone;
+  std::string here;
+  std::string identifier;
+};
+
+TableRow tableRow(const Planning& plan) {
+  TableRow row{kUnknown, shown(plan.name()), shown(plan.timezone()), "", ""};
+  if (const auto date = plan.date()) {
+    const TimeZone zone = zoneOfPlan(plan);
+    row.when = wallText(*date, zone).substr(0, kMinuteLength);
+    row.here = hereText(*date, zone).value_or("");
+  }
+  // Without an identifier, only the URI names the plan.
+  const auto identifier = plan.uniqueIdentifier();
+  row.identifier = identifier ? printable(*identifier).substr(0, kShortIdentifier)
+                              : plan.objectID().URIRepresentation();
+  return row;
+}
+
+/// Pads one column of all rows to the widest of them.
+void alignColumn(std::vector<TableRow>& rows, std::string TableRow::*column) {
+  std::size_t width = 0;
+  for (const auto& row : rows) width = std::max(width, cellWidth(row.*column));
+  for (auto& row : rows) row.*column = paddedToCells(row.*column, std::min(width, kWidestColumn));
+}
+
+}  // namespace
+
+TimeZone zoneOfPlan(const Planning& plan) {
+  if (const auto name = plan.timezone()) {
+    if (auto zone = TimeZone::timeZoneWithName(*name)) return *zone;
+  }
+  return TimeZone::defaultTimeZone();
+}
+
+std::string wallText(Date date, const TimeZone& zone) {
+  std::string text = iso8601String(date, zone.secondsFromGMTForDate(date));
+  if (text.size() < kSecondLength) return kUnknown;
+  text[kDayLength] = ' ';
+  const bool wholeMinute = text.substr(kMinuteLength, 3) == ":00";
+  return text.substr(0, wholeMinute ? kMinuteLength : kSecondLength);
+}
+
+std::optional<std::string> hereText(Date date, const TimeZone& zone) {
+  const TimeZone here = TimeZone::defaultTimeZone();
+  if (here.secondsFromGMTForDate(date) == zone.secondsFromGMTForDate(date)) return std::nullopt;
+  const std::string there = wallText(date, zone);
+  const std::string text = wallText(date, here);
+  const bool sameDay = text.substr(0, kDayLength) == there.substr(0, kDayLength);
+  return (sameDay ? text.substr(kDayLength + 1) : text) + " here";
+}
+
+std::string planDetails(const Planning& plan, const Console& console) {
+  std::string text = console.bold(shown(plan.name())) + "\n";
+  const auto line = [&](const char* label, const std::string& value) {
+    text += "  " + console.dim(paddedToCells(label, kLabelWidth)) + value + "\n";
+  };
+  std::string when = kUnknown;
+  if (const auto date = plan.date()) {
+    const TimeZone zone = zoneOfPlan(plan);
+    when = wallText(*date, zone);
+    if (const auto here = hereText(*date, zone)) when += " (" + *here + ")";
+  }
+  line("Date", when);
+  line("Zone", shown(plan.timezone()));
+  line("Place", degrees(plan.latitude()) + ", " + degrees(plan.longitude()));
+  if (const auto notes = plan.notes(); notes && !notes->empty()) {
+    line("Notes", printableLines(*notes, std::string(2 + kLabelWidth, ' ')));
+  }
+  line("Pictures", std::to_string(plan.imageCount()));
+  line("Identifier", shown(plan.uniqueIdentifier()));
+  line("URI", plan.objectID().URIRepresentation());
+  line("Link", deepLink(plan));
+  return text;
+}
+
+std::string planTable(const std::vector<std::shared_ptr<Planning>>& plans, const Console& console) {
+  std::vector<TableRow> rows;
+  rows.reserve(plans.size());
+  for (const auto& plan : plans) rows.push_back(tableRow(*plan));
+  for (auto column : {&TableRow::when, &TableRow::name, &TableRow::zone, &TableRow::here}) {
+    alignColumn(rows, column);
+  }
+  std::string text;
+  for (const auto& row : rows) {
+    text += row.when + "  " + console.bold(row.name) + "  " + row.zone + "  ";
+    if (!row.here.empty()) text += row.here + "  ";
+    text += console.dim(row.identifier) + "\n";
+  }
+  return text;
+}
+
+std::string candidateText(const Planning& plan) {
+  const TableRow row = tableRow(plan);
+  return shown(plan.uniqueIdentifier()) + "  " + row.when + "  " + row.name;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/Console.h"
+#include "platform/TimeZone.h"
+#include "store/Planning.h"
+
+namespace vantrel::cli {
+
+/// Plans as text for people; whatever the plans contain, it is safe for a terminal.
+
+/// The zone that the plan is told in: its own, else the device's.
+TimeZone zoneOfPlan(const Planning& plan);
+
+/// "2026-07-15 23:40" on that zone's clock; seconds only when there are some.
+std::string wallText(Date date, const TimeZone& zone);
+
+/// The device's wall time ("23:40 here", with the day where that differs); nothing when the
+/// device's clock shows the same as the zone's.
+std::optional<std::string> hereText(Date date, const TimeZone& zone);
+
+/// One plan with everything that is known of it, one line each.
+std::string planDetails(const Planning& plan, const Console& console);
+
+/// One line for each plan, in columns: when, what, in which zone, when that is here, identifier.
+std::string planTable(const std::vector<std::shared_ptr<Planning>>& plans, const Console& console);
+
+/// One line that tells plans of nearly the same identifier apart.
+std::string candidateText(const Planning& plan);
+
+}  // namespace vantrel::cli

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+
+#include "base/Error.h"
+#include "objectstore/ManagedObjectContext.h"
+
+namespace vantrel::cli {
+
+/// Where the store lies; kExitMissing, and nothing is made, when there is none.
+Expected<std::filesystem::path> existingStore();
+
+/// The context over the existing store, which answered a first fetch.
+Expected<ManagedObjectContext*> contextForReading();
+/// The same; makes the store when there is none.
+Expected<ManagedObjectContext*> contextForWriting();
+/// Saves; the error names what could not be done.
+Expected<void> save(ManagedObjectContext& context);
+
+}  // namespace vantrel::cli
