@@ -14,6 +14,7 @@ class QtTextMeasurer : public TextMeasurer {
   explicit QtTextMeasurer(double scale = 1) : scale_(scale) {}
 
   double scale() const { return scale_; }
+  void setScale(double scale) { scale_ = scale; }
   QFont fontFor(const Font& font) const;
   Size sizeOfText(std::string_view text, const Font& font) const override;
   Size boundingSizeOfText(std::string_view text, const Font& font, Size bounds) const override;

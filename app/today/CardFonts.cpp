@@ -1,0 +1,37 @@
+#include "today/CardFonts.h"
+
+#include "platform/qt/QtTextMeasurer.h"
+
+namespace vantrel::cardfonts {
+
+namespace {
+
+QFont fontOf(const QtTextMeasurer& measurer, double size, QFont::Weight weight) {
+  QFont font = measurer.fontFor(Font::systemFontOfSize(size));
+  font.setWeight(weight);
+  return font;
+}
+
+}  // namespace
+
+QFont name(const QtTextMeasurer& measurer) {
+  constexpr double kSpacing = 0.09;
+  QFont font = fontOf(measurer, 12, QFont::DemiBold);
+  font.setCapitalization(QFont::AllUppercase);
+  font.setLetterSpacing(QFont::AbsoluteSpacing, font.pixelSize() * kSpacing);
+  return font;
+}
+
+QFont action(const QtTextMeasurer& measurer) {
+  return fontOf(measurer, 13, QFont::Medium);
+}
+
+QFont barText(const QtTextMeasurer& measurer) {
+  return fontOf(measurer, 13, QFont::Normal);
+}
+
+QFont barAction(const QtTextMeasurer& measurer) {
+  return fontOf(measurer, 13, QFont::DemiBold);
+}
+
+}  // namespace vantrel::cardfonts

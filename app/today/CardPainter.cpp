@@ -1,0 +1,141 @@
+#include "today/CardPainter.h"
+
+#include <QFont>
+#include <QPainter>
+#include <QPainterPath>
+#include <cmath>
+
+#include "platform/qt/QtParagraph.h"
+#include "platform/qt/QtTextMeasurer.h"
+#include "today/AppIcon.h"
+#include "today/CardFonts.h"
+#include "today/LabelPainter.h"
+
+namespace vantrel {
+
+namespace {
+
+constexpr double kCardRadius = 14;
+constexpr double kShapeRadius = 8;
+constexpr double kRingWidth = 2;
+constexpr double kHeldOpacity = 0.55;
+
+enum class Side { kLeading, kTrailing };
+
+/// One text, cut to one line unless it may have more, centred vertically in `area`.
+void paintText(QPainter& painter, const std::string& text, const QFont& font, const QRectF& area,
+               const QColor& color, bool rightToLeft, int maximumLines = 1) {
+  QtParagraph paragraph(text, font, rightToLeft);
+  paragraph.breakLines(area.width(), maximumLines);
+  painter.setPen(color);
+  paragraph.draw(painter, {area.left(), area.center().y() - paragraph.height() / 2},
+                 rightToLeft ? QtParagraph::Alignment::kRight : QtParagraph::Alignment::kLeft);
+}
+
+/// A word to press; its area has the same free space on both sides.
+void paintAction(QPainter& painter, const std::string& text, const QFont& font, const QRectF& area,
+                 const QColor& color, bool held) {
+  const QtParagraph paragraph(text, font);
+  painter.setOpacity(held ? kHeldOpacity : 1);
+  painter.setPen(color);
+  paragraph.draw(
+      painter,
+      {area.center().x() - paragraph.width() / 2, area.center().y() - paragraph.height() / 2},
+      QtParagraph::Alignment::kLeft);
+  painter.setOpacity(1);
+}
+
+void paintRing(QPainter& painter, const QRectF& shape, const QColor& color) {
+  const double inset = kRingWidth / 2;
+  painter.setPen(QPen(color, kRingWidth));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(shape.adjusted(inset, inset, -inset, -inset), kShapeRadius - inset,
+                          kShapeRadius - inset);
+}
+
+}  // namespace
+
+void CardPainter::paint(QPainter& painter, const QSize& pictureSize, const CardContent& content,
+                        const CardLayout& layout, const Theme& theme) {
+  painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+  paintShadow(painter, pictureSize, layout, theme);
+  painter.save();
+  QPainterPath outline;
+  outline.addRoundedRect(layout.card, kCardRadius, kCardRadius);
+  painter.fillPath(outline, theme.card);
+  painter.setClipPath(outline);
+  paintHeader(painter, content, layout, theme);
+  if (content.bar) paintBar(painter, content, layout, theme);
+  paintRows(painter, content, layout, theme);
+  paintFocus(painter, content, layout, theme);
+  painter.restore();
+}
+
+void CardPainter::paintShadow(QPainter& painter, const QSize& pictureSize, const CardLayout& layout,
+                              const Theme& theme) {
+  const double scale = painter.device()->devicePixelRatioF();
+  painter.drawImage(QPointF(0, 0),
+                    shadow_.imageFor(pictureSize, scale, layout.card, theme.shadowOpacity));
+}
+
+void CardPainter::paintHeader(QPainter& painter, const CardContent& content,
+                              const CardLayout& layout, const Theme& theme) const {
+  painter.fillRect(layout.header, theme.header);
+  painter.drawImage(layout.icon,
+                    appIcon(layout.icon.width(), painter.device()->devicePixelRatioF()));
+  paintText(painter, content.name, cardfonts::name(measurer_), layout.name, theme.name,
+            content.rightToLeft);
+  paintAction(painter, content.toggle, cardfonts::action(measurer_), layout.toggle, theme.action,
+              content.held == CardContent::Part::kToggle);
+}
+
+void CardPainter::paintBar(QPainter& painter, const CardContent& content, const CardLayout& layout,
+                           const Theme& theme) const {
+  painter.fillRect(layout.bar, theme.barFill);
+  painter.fillRect(layout.barStripe, theme.barStripe);
+  paintText(painter, content.bar->text, cardfonts::barText(measurer_), layout.barText,
+            theme.barText, content.rightToLeft, 0);
+  paintAction(painter, content.bar->action, cardfonts::barAction(measurer_), layout.barAction,
+              theme.action, content.held == CardContent::Part::kBarAction);
+}
+
+void CardPainter::paintRows(QPainter& painter, const CardContent& content, const CardLayout& layout,
+                            const Theme& theme) const {
+  if (content.message) {
+    paintLabel(painter, *content.message, layout.message,
+               theme.resolved(content.message->textColor()), measurer_, content.rightToLeft);
+  }
+  for (std::size_t i = 0; i < content.rows.size(); ++i) {
+    const auto& labels = content.rows[i];
+    const auto& place = layout.rows[i];
+    const QColor text = theme.resolved(labels.title->textColor());
+    const QColor untouched = theme.resolved(content.untouchedText);
+    if (const QColor backing = theme.backingFor(text, untouched); backing.isValid()) {
+      painter.setPen(Qt::NoPen);
+      painter.setBrush(backing);
+      painter.drawRoundedRect(place.shape, kShapeRadius, kShapeRadius);
+    }
+    paintLabel(painter, *labels.title, place.title, text, measurer_, content.rightToLeft);
+    paintLabel(painter, *labels.date, place.date, text, measurer_, content.rightToLeft);
+  }
+}
+
+void CardPainter::paintFocus(QPainter& painter, const CardContent& content,
+                             const CardLayout& layout, const Theme& theme) const {
+  constexpr double kAir = 3;
+  switch (content.focused) {
+    case CardContent::Part::kNone:
+      return;
+    case CardContent::Part::kRow:
+      if (content.focusedRow < layout.rows.size()) {
+        paintRing(painter, layout.rows[content.focusedRow].shape, theme.focus);
+      }
+      return;
+    case CardContent::Part::kToggle:
+      return paintRing(painter, layout.toggle.adjusted(kAir, kAir, -kAir, -kAir), theme.focus);
+    case CardContent::Part::kBarAction:
+      return paintRing(painter, layout.barAction.adjusted(kAir, kAir, -kAir, -kAir), theme.focus);
+  }
+}
+
+}  // namespace vantrel

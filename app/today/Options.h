@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace vantrel {
+
+/// What the command line asks for.
+struct Options {
+  std::string renderFile;  ///< Empty: a window; "-" is standard output.
+  int width = 0;           ///< Of the picture, logical pixels; 0 is the usual size.
+  int height = 0;
+  double scale = 1;
+  bool expanded = false;
+  std::optional<bool> dark;
+  std::string systemVersion;
+
+  /// Reads the arguments. Prints help, version or what is wrong with them and gives the code to
+  /// exit with when the program has nothing more to do.
+  static std::optional<int> parse(int argc, char** argv, Options& options);
+};
+
+}  // namespace vantrel

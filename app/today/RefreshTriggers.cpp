@@ -1,0 +1,116 @@
+#include "today/RefreshTriggers.h"
+
+#include <QDBusConnection>
+#include <QSocketNotifier>
+#include <chrono>
+
+#include "platform/Calendar.h"
+#include "platform/Clock.h"
+#include "platform/TimeZone.h"
+
+namespace vantrel {
+
+namespace {
+
+/// A burst of commits makes one refresh, and the reader sees it as immediate.
+constexpr std::chrono::milliseconds kStoreSettles{150};
+/// A new store file may still be on its way: opening half a copy could spoil it.
+constexpr std::chrono::milliseconds kReplacedStoreSettles{500};
+
+Date systemNow() {
+  const std::chrono::duration<double> sinceEpoch =
+      std::chrono::system_clock::now().time_since_epoch();
+  return Date::dateWithTimeIntervalSince1970(sinceEpoch.count());
+}
+
+Date nextMidnight(Date now) {
+  const Calendar calendar = Calendar::currentCalendar();
+  const DateComponents today = calendar.components(now);
+  DateComponents tomorrow;
+  tomorrow.year = today.year;
+  tomorrow.month = today.month;
+  tomorrow.day = *today.day + 1;
+  return calendar.dateFromComponents(tomorrow);
+}
+
+}  // namespace
+
+RefreshTriggers::RefreshTriggers(const std::filesystem::path& store,
+                                 const std::filesystem::path& zoneFolder, QObject* parent)
+    : QObject(parent),
+      storeWatcher_(store),
+      zoneFolderWatcher_({QString::fromStdString(zoneFolder.string())}),
+      zoneName_(TimeZone::defaultTimeZone().name()) {
+  const auto follow = [this](int descriptor, auto reader) {
+    if (descriptor < 0) return;
+    auto* notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, reader);
+  };
+  follow(midnight_.fileDescriptor(), [this] { readTimer(); });
+  follow(storeWatcher_.fileDescriptor(), [this] { readStoreWatcher(); });
+  storeSettles_.setSingleShot(true);
+  connect(&storeSettles_, &QTimer::timeout, this, &RefreshTriggers::tellStoreChange);
+  connect(&zoneFolderWatcher_, &QFileSystemWatcher::directoryChanged, this,
+          &RefreshTriggers::compareTimeZone);
+  auto bus = QDBusConnection::systemBus();
+  bus.connect(QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
+              QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("PrepareForSleep"),
+              this, SLOT(prepareForSleep(bool)));
+  bus.connect(QStringLiteral("org.freedesktop.timedate1"),
+              QStringLiteral("/org/freedesktop/timedate1"),
+              QStringLiteral("org.freedesktop.DBus.Properties"),
+              QStringLiteral("PropertiesChanged"), this, SLOT(compareTimeZone()));
+  armForMidnight();
+}
+
+void RefreshTriggers::ignoreStoreChangesSoFar() {
+  storeWatcher_.read();
+  storeSettles_.stop();
+}
+
+void RefreshTriggers::armForMidnight() {
+  // The program's present instant may be another than the system's; time passes alike for both.
+  const Date now = Clock::sharedClock().now();
+  const double remaining = nextMidnight(now).timeIntervalSinceDate(now);
+  midnight_.fireAt(systemNow().dateByAddingTimeInterval(remaining));
+}
+
+void RefreshTriggers::readTimer() {
+  if (midnight_.read() == WallTimer::Event::kNone) return;
+  armForMidnight();
+  emit clockMoved();
+}
+
+void RefreshTriggers::prepareForSleep(bool begins) {
+  if (begins) return;
+  armForMidnight();
+  emit clockMoved();
+}
+
+void RefreshTriggers::readStoreWatcher() {
+  const auto change = storeWatcher_.read();
+  if (change == StoreWatcher::Change::kNone) return;
+  if (change == StoreWatcher::Change::kReplaced) storeReplaced_ = true;
+  if (storeReplaced_) {
+    storeSettles_.start(kReplacedStoreSettles);
+  } else if (!storeSettles_.isActive()) {
+    storeSettles_.start(kStoreSettles);
+  }
+}
+
+void RefreshTriggers::tellStoreChange() {
+  if (storeReplaced_) {
+    storeReplaced_ = false;
+    emit storeReplaced();
+  } else {
+    emit storeChanged();
+  }
+}
+
+void RefreshTriggers::compareTimeZone() {
+  if (TimeZone::defaultTimeZone().name() == zoneName_) return;
+  zoneName_ = TimeZone::defaultTimeZone().name();
+  emit timeZoneChanged();
+}
+
+}  // namespace vantrel

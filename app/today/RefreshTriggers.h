@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QTimer>
+#include <filesystem>
+#include <string>
+
+#include "platform/StoreWatcher.h"
+#include "platform/WallTimer.h"
+
+namespace vantrel {
+
+/// Everything that makes the shown plans old: midnight, suspend, a step of the clock, another
+/// program's commit, a change of time zone. Main thread.
+class RefreshTriggers : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `zoneFolder` is where the link "localtime" tells the device's time zone.
+  explicit RefreshTriggers(const std::filesystem::path& store,
+                           const std::filesystem::path& zoneFolder = "/etc",
+                           QObject* parent = nullptr);
+
+  /// Forgets what happened to the store until now: opening a store writes to it.
+  void ignoreStoreChangesSoFar();
+
+ signals:
+  /// Another day or another present instant.
+  void clockMoved();
+  void storeChanged();
+  /// Another file, or another device zone: what the process read once no longer holds.
+  void storeReplaced();
+  void timeZoneChanged();
+
+ private slots:
+  void prepareForSleep(bool begins);
+  void compareTimeZone();
+
+ private:
+  void armForMidnight();
+  void readTimer();
+  void readStoreWatcher();
+  void tellStoreChange();
+
+  WallTimer midnight_;
+  StoreWatcher storeWatcher_;
+  QTimer storeSettles_;
+  bool storeReplaced_ = false;
+  QFileSystemWatcher zoneFolderWatcher_;
+  std::string zoneName_;
+};
+
+}  // namespace vantrel

@@ -1,0 +1,109 @@
+#include "today/Render.h"
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QSaveFile>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "base/Log.h"
+#include "cli/ExitCode.h"
+#include "platform/qt/QtTextMeasurer.h"
+#include "store/Database.h"
+#include "today/CardPainter.h"
+#include "today/StoreProbe.h"
+#include "today/WidgetHost.h"
+
+namespace vantrel {
+
+namespace {
+
+int fail(int code, const std::string& message) {
+  setLogsEnabled(true);
+  logLine("vantrel-today: " + message);
+  return code;
+}
+
+/// A picture is the same on every machine that has the same fonts, whatever its desktop.
+void leaveDesktopOut() {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  for (const char* variable :
+       {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI", "QT_QPA_PLATFORMTHEME"}) {
+    qunsetenv(variable);
+  }
+  // What the toolkit misses in a plain environment is none of the caller's business.
+  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) logLine(message.toStdString());
+  });
+}
+
+QImage paint(const Options& options, const QtTextMeasurer& measurer) {
+  const double width =
+      options.width > 0 ? options.width : CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin;
+  WidgetHost host;
+  host.beginLife(cardWidth(width),
+                 options.expanded ? WidgetDisplayMode::kExpanded : WidgetDisplayMode::kCompact);
+  CardContent content;
+  host.describe(content);
+  const CardLayout layout = CardLayout::make(content, width, measurer);
+  const double height = options.height > 0 ? options.height : std::ceil(layout.pictureHeight());
+  const QSizeF size(width, height);
+  const Theme theme = Theme::forStyle(options.dark.value_or(cardIsDark(false)));
+  QImage image((size * options.scale).toSize(), QImage::Format_RGB32);
+  if (image.isNull()) return image;
+  image.setDevicePixelRatio(options.scale);
+  image.fill(theme.behind);
+  QPainter painter(&image);
+  CardPainter(measurer).paint(painter, size.toSize(), content, layout, theme);
+  return image;
+}
+
+/// The code to exit with.
+int write(const QImage& image, const std::string& name) {
+  if (name == "-") {
+    QFile output;
+    const bool written = output.open(stdout, QIODevice::WriteOnly) && image.save(&output, "PNG");
+    return written ? cli::kExitDone
+                   : fail(cli::kExitInputOutput,
+                          "standard output: " + output.errorString().toStdString());
+  }
+  QSaveFile file(QString::fromStdString(name));
+  if (!file.open(QIODevice::WriteOnly)) {
+    return fail(cli::kExitCannotCreate, name + ": " + file.errorString().toStdString());
+  }
+  if (!image.save(&file, "PNG") || !file.commit()) {
+    return fail(cli::kExitInputOutput, name + ": " + file.errorString().toStdString());
+  }
+  return cli::kExitDone;
+}
+
+}  // namespace
+
+int render(int argc, char** argv, const Options& options) {
+  const auto store = Database::sharedInstance().groupStoreURL();
+  std::error_code error;
+  if (!store || !std::filesystem::exists(*store, error)) {
+    return fail(cli::kExitMissing,
+                (store ? store->string() : "the application group's folder") +
+                    ": there is no store yet; make one with: vantrel store sample");
+  }
+  // What goes wrong is told once, by the line that ends the program.
+  setLogsEnabled(false);
+  leaveDesktopOut();
+  const QGuiApplication application(argc, argv);
+  const auto measurer = std::make_shared<QtTextMeasurer>();
+  TextMeasurer::install(measurer);
+  StoreProbe probe;
+  if (const auto problem = probe.problem()) {
+    return fail(cli::exitCodeForError(*problem), problem->localizedDescription);
+  }
+  const QImage image = paint(options, *measurer);
+  if (image.isNull()) return fail(cli::kExitUsage, "a picture of that size cannot be drawn");
+  return write(image, options.renderFile);
+}
+
+}  // namespace vantrel

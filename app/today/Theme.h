@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QColor>
+
+#include "base/Color.h"
+
+namespace vantrel {
+
+/// The card's colours in the dark or the light interface style.
+struct Theme {
+  bool dark = false;
+  QColor behind;  ///< Around the card, where the desktop has no colour of its own for it.
+  QColor card;
+  QColor header;
+  QColor name;
+  QColor action;  ///< "Show more", "Retry".
+  QColor focus;
+  QColor backing;  ///< Behind a touched row.
+  QColor barFill;  ///< Laid over the card.
+  QColor barText;
+  QColor barStripe;
+  double shadowOpacity = 0;
+
+  static Theme forStyle(bool dark);
+  /// The colour as this style draws it.
+  QColor resolved(const Color& color) const;
+  /// What to lay behind a row's text so that it can be read: the backing for a row that a touch
+  /// coloured or whose text has less than 4.5:1 against the card; invalid when nothing is needed.
+  QColor backingFor(const QColor& text, const QColor& untouchedText) const;
+};
+
+/// Whether the widget's texts are made for a dark card: before system version 10 they are white,
+/// from 13 on they follow the desktop.
+bool cardIsDark(bool desktopIsDark);
+
+/// The contrast of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").
+double contrastRatio(const QColor& a, const QColor& b);
+
+}  // namespace vantrel

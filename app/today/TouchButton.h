@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QAbstractButton>
+
+class QTouchEvent;
+
+namespace vantrel {
+
+/// A place on the card to press, by mouse, finger, Enter, Space or a screen reader. Draws nothing:
+/// the card does. Main thread.
+class TouchButton : public QAbstractButton {
+  Q_OBJECT
+
+ public:
+  explicit TouchButton(QWidget* parent);
+
+  bool isHeld() const { return held_; }
+  /// The keyboard is here, and the user came by it: a window that only opens shows no ring.
+  bool showsFocus() const { return hasFocus() && focusShown_; }
+
+ signals:
+  /// A touch begins, then ends or is cancelled: let go outside, taken away by the system, or given
+  /// up with Escape.
+  void touchBegan(QPointF position);
+  void touchEnded(QPointF position);
+  void touchCancelled(QPointF position);
+  void focusChanged();
+
+ protected:
+  bool event(QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  void begin(QPointF position);
+  void finish(QPointF position);
+  void cancel();
+  bool handleTouch(QTouchEvent& event);
+
+  bool held_ = false;
+  bool focusShown_ = false;
+};
+
+}  // namespace vantrel

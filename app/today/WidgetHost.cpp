@@ -1,0 +1,146 @@
+#include "today/WidgetHost.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/Bundle.h"
+#include "platform/Locale.h"
+#include "time/DeviceSystemMajorVersion.h"
+
+namespace vantrel {
+
+namespace {
+
+constexpr double kCompactHeight = 110;
+/// An empty list needs less room than two plans.
+constexpr double kEmptyHeight = 64;
+constexpr double kBottomAir = 8;
+/// Where hosts of old put a widget that asks for no margins of its own.
+constexpr double kOldInset = 37;
+constexpr int kFirstVersionWithModes = 10;
+
+double bodyInset() {
+  return DeviceSystemMajorVersion() < kFirstVersionWithModes ? kOldInset : 0;
+}
+
+}  // namespace
+
+class WidgetHost::Context : public ExtensionContext {
+ public:
+  explicit Context(const LinkHandler& linkHandler) : linkHandler_(linkHandler) {}
+
+  bool respondsToWidgetLargestAvailableDisplayMode() const override {
+    return DeviceSystemMajorVersion() >= kFirstVersionWithModes;
+  }
+  void setWidgetLargestAvailableDisplayMode(WidgetDisplayMode mode) override { largest_ = mode; }
+  WidgetDisplayMode largestMode() const { return largest_; }
+  void openURL(const std::string& url, std::function<void(bool)> completionHandler) override {
+    if (linkHandler_) linkHandler_(url);
+    if (completionHandler) completionHandler(static_cast<bool>(linkHandler_));
+  }
+
+ private:
+  LinkHandler linkHandler_;
+  WidgetDisplayMode largest_ = WidgetDisplayMode::kCompact;
+};
+
+WidgetHost::WidgetHost(double textScale, LinkHandler linkHandler)
+    : textScale_(textScale), linkHandler_(std::move(linkHandler)) {}
+
+WidgetHost::~WidgetHost() = default;
+
+void WidgetHost::beginLife(double cardWidth, WidgetDisplayMode mode) {
+  cardWidth_ = cardWidth;
+  mode_ = mode;
+  context_ = std::make_shared<Context>(linkHandler_);
+  controller_ = std::make_unique<TodayEventsViewController>(
+      Size{cardWidth - bodyInset(), maximumSize().height}, context_);
+  controller_->loadViewIfNeeded();
+  controller_->viewWillAppear(false);
+  setMode(mode);
+  controller_->viewDidAppear(false);
+  controller_->widgetPerformUpdateWithCompletionHandler([](WidgetUpdateResult) {});
+}
+
+Size WidgetHost::maximumSize() const {
+  return {cardWidth_ - bodyInset(), kCompactHeight * std::max(textScale_, 1.0)};
+}
+
+bool WidgetHost::offersModes() const {
+  return context_ && context_->largestMode() == WidgetDisplayMode::kExpanded;
+}
+
+void WidgetHost::setMode(WidgetDisplayMode mode) {
+  mode_ = mode;
+  if (controller_ && offersModes()) {
+    controller_->widgetActiveDisplayModeDidChange(mode, maximumSize());
+  }
+}
+
+void WidgetHost::setCardWidth(double width) {
+  cardWidth_ = width;
+  if (!controller_) return;
+  Rect frame = controller_->view()->frame();
+  frame.size.width = maximumSize().width;
+  controller_->view()->setFrame(frame);
+  controller_->view()->layoutIfNeeded();
+  setMode(mode_);
+}
+
+double WidgetHost::bodyHeight() const {
+  const TodayEventsView& view = *controller_->todayView();
+  const double asked =
+      offersModes() ? controller_->preferredContentSize().height : view.contentHeight();
+  double lowest = 0;
+  for (const auto& label : view.planDateLabels()) {
+    if (!label->isHidden()) lowest = std::max(lowest, label->frame().bottom());
+  }
+  // Long titles and large letters need more than the compact mode has: a host may give it.
+  if (lowest > 0) return std::max(asked, lowest + kBottomAir);
+  return std::max(kEmptyHeight, view.messageLabel().frame().bottom() + kBottomAir);
+}
+
+void WidgetHost::describe(CardContent& content) const {
+  content.rightToLeft = Locale(Locale::preferredLanguages().front()).isRightToLeft();
+  content.rows.clear();
+  content.message = nullptr;
+  if (!controller_) return;
+  const TodayEventsView& view = *controller_->todayView();
+  for (std::size_t i = 0; i < view.planTitleLabels().size(); ++i) {
+    const auto& title = view.planTitleLabels()[i];
+    if (!title->isHidden()) content.rows.push_back({title.get(), view.planDateLabels()[i].get()});
+  }
+  if (!view.messageLabel().isHidden()) content.message = &view.messageLabel();
+  content.untouchedText = view.messageLabel().textColor();
+  content.bodyInset = bodyInset();
+  content.bodyHeight = bodyHeight();
+  content.toggle.clear();
+  if (!offersModes()) return;
+  const bool expanded = mode_ == WidgetDisplayMode::kExpanded;
+  content.toggle = Bundle::mainBundle().localizedString(
+      expanded ? "today_show_less" : "today_show_more", "", "Today");
+}
+
+std::shared_ptr<const Planning> WidgetHost::plan(std::size_t row) const {
+  if (!controller_ || !controller_->plans()) return nullptr;
+  const auto& plans = *controller_->plans();
+  return row < plans.size() ? plans[row] : nullptr;
+}
+
+void WidgetHost::touch(std::size_t row, bool onTitle, TouchPhase phase, Point position) {
+  if (!controller_) return;
+  const TodayEventsView& view = *controller_->todayView();
+  const auto& labels = onTitle ? view.planTitleLabels() : view.planDateLabels();
+  if (row >= labels.size()) return;
+  TodayViewLabel& label = *labels[row];
+  switch (phase) {
+    case TouchPhase::kBegan:
+      return label.touchesBegan({position});
+    case TouchPhase::kEnded:
+      return label.touchesEnded({position});
+    case TouchPhase::kCancelled:
+      return label.touchesCancelled({position});
+  }
+}
+
+}  // namespace vantrel
