@@ -39,7 +39,7 @@ RefreshTriggers::RefreshTriggers(const std::filesystem::path& store,
                                  const std::filesystem::path& zoneFolder, QObject* parent)
     : QObject(parent),
       storeWatcher_(store),
-      zoneFolderWatcher_({QString::fromStdString(zoneFolder.string())}),
+      zoneFolderWatcher_({QString::fromStdString(zoneFolder.string())}, this),
       zoneName_(TimeZone::defaultTimeZone().name()) {
   const auto follow = [this](int descriptor, auto reader) {
     if (descriptor < 0) return;

@@ -6,11 +6,11 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QPalette>
-#include <QProcess>
 #include <map>
 
 #include "support/Guards.h"
 #include "today/Application.h"
+#include "today/PrivateBus.h"
 
 namespace vantrel {
 namespace {
@@ -42,31 +42,9 @@ class OldPortal : public QObject {
   QDBusConnection bus{QString()};
 };
 
-/// A session bus of its own, for the test's life.
-class PrivateBus {
- public:
-  bool start() {
-    daemon_.start(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                   QStringLiteral("--print-address")});
-    if (!daemon_.waitForStarted() || !daemon_.waitForReadyRead()) return false;
-    address_ = QString::fromUtf8(daemon_.readLine().trimmed());
-    return !address_.isEmpty();
-  }
-  ~PrivateBus() {
-    daemon_.kill();
-    daemon_.waitForFinished();
-  }
-  const QString& address() const { return address_; }
-
- private:
-  QProcess daemon_;
-  QString address_;
-};
-
 TEST(DesktopSettings, FollowThePortal) {
   test::needApplication();
-  PrivateBus daemon;
+  test::PrivateBus daemon;
   ASSERT_TRUE(daemon.start());
   const test::EnvironmentGuard address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toStdString());
   auto bus = QDBusConnection::connectToBus(daemon.address(), QStringLiteral("portal"));
