@@ -42,6 +42,16 @@ std::optional<std::int64_t> numericVersion(const std::vector<std::string>& ident
 /// Makes the file beside its place and moves it there when it is whole, so that nobody ever sees a
 /// part of it. Gives way to a file that another program put there meanwhile.
 void createFile(const fs::path& path, const ManagedObjectModel& model) {
+  for (const char* suffix : {"-wal", "-journal"}) {
+    std::error_code error;
+    const auto log = fs::path(path) += suffix;
+    const auto size = fs::file_size(log, error);
+    // SQLite would write a lost store's pages into the new one. (A program that makes the store
+    // now has the file in place before there is a log.)
+    if (error || size == 0 || fs::exists(path, error)) continue;
+    failStore(StoreErrorCode::kCannotCreate,
+              "a part of a store that is missing is in the way: " + log.filename().string());
+  }
   fs::path draft = path;
   draft += "." + uuidString();
   struct Removal {
@@ -56,6 +66,8 @@ void createFile(const fs::path& path, const ManagedObjectModel& model) {
   auto connection = StoreConnection::create(draft);
   const Removal removal{draft};
   createStoreSchema(*connection, model);
+  // The file must be whole without its log; closing alone would not tell that it is not.
+  connection->database().exec("PRAGMA wal_checkpoint(TRUNCATE)");
   connection.reset();
   if (::link(draft.c_str(), path.c_str()) == 0 || errno == EEXIST) return;
   // Some file systems know no second name for a file.

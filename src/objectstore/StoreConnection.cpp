@@ -121,7 +121,9 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
   checkFile(path);
   std::unique_ptr<StoreConnection> connection(new StoreConnection);
   connection->readOnly_ = readOnly || ::access(path.c_str(), W_OK) != 0;
-  if (readOnly && isWriteAheadLogged(path) && !isUsedByOthers(path)) {
+  // A file in use is not looked into first: closing it would let go of the locks that this process
+  // holds by another connection, and the log could be taken away from under that.
+  if (readOnly && !isUsedByOthers(path) && isWriteAheadLogged(path)) {
     // Otherwise reading would leave files beside it.
     connection->connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
     connection->probe();
@@ -135,10 +137,11 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
   } catch (const SQLite::Exception& exception) {
     const int code = exception.getErrorCode() & 0xff;
     if (code != SQLITE_CANTOPEN && code != SQLITE_READONLY) throw;
-    // The folder may not be written, where the files of a write-ahead log would have to stand.
-    if (hasLog) {
+    // The folder may not be written, where the files of a write-ahead log would have to stand; or
+    // a program was stopped in the middle of writing, and the file is whole only with its journal.
+    if (hasLog || isNonEmptyFile(beside(path, "-journal"))) {
       failStore(StoreErrorCode::kPermission,
-                "the store has unsaved parts beside it, and its folder may not be written");
+                "the store has unsaved parts beside it, which may not be written into it");
     }
     connection->readOnly_ = true;
     connection->connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);

@@ -57,7 +57,8 @@ Error errorFromSqlite(int resultCode, int systemError) {
       }
       return make(StoreErrorCode::kInputOutput, "the store cannot be opened");
     default:
-      if (systemError == ENOSPC || systemError == EDQUOT) {
+      // Whose handle is closed by now has no system's error to tell.
+      if (systemError == ENOSPC || systemError == EDQUOT || resultCode == SQLITE_IOERR_SHMSIZE) {
         return make(StoreErrorCode::kDiskFull, "the disk is full");
       }
       return make(StoreErrorCode::kInputOutput, "reading or writing the store failed");

@@ -208,6 +208,14 @@ TEST_F(SqliteStoreTest, RefusesWhatIsNoStoreAndLeavesItAlone) {
   EXPECT_EQ(openingError(directory_ / "file/Vantrel.sqlite"), StoreErrorCode::kCannotCreate);
   // What a program left that was stopped while it made the file.
   EXPECT_EQ(openingError(directory_ / "file"), std::nullopt);
+  // SQLite would write these into a new store.
+  for (const char* suffix : {"-wal", "-journal"}) {
+    const auto log = directory_ / ("Lost.sqlite" + std::string(suffix));
+    test::writeFile(log, "pages");
+    EXPECT_EQ(openingError(directory_ / "Lost.sqlite"), StoreErrorCode::kCannotCreate);
+    EXPECT_EQ(test::readFile(log), "pages");
+    fs::remove(log);
+  }
 }
 
 // Every page in turn, and every length: an error or what can still be read, never more.
@@ -320,6 +328,43 @@ TEST_F(SqliteStoreTest, LeavesTheJournalModeAndTheLogOfOthers) {
     EXPECT_EQ(test::readFile(copy), test::readFile(file_));
     EXPECT_EQ(test::readFile(copy.string() + "-wal"), log);
   }
+}
+
+// Closing any other handle of the file would let go of the locks that keep the log from being
+// taken away.
+TEST_F(SqliteStoreTest, LosesNothingWhenTheProcessReadsTheFileBesides) {
+  OpenStore store(file_);
+  store.insertPlan("first", 1);
+  ASSERT_TRUE(store.context.save());
+  StoreOptions readOnly = test::mainOptions();
+  readOnly.readOnly = true;
+  EXPECT_EQ(OpenStore(file_, readOnly).names(), "first");
+  EXPECT_TRUE(PersistentStoreCoordinator::metadataForPersistentStore(file_));
+  EXPECT_EQ(sqlite(file_, "UPDATE ZPLANNING SET ZNOTES = 'by another program'"), "");
+  store.insertPlan("second", 2);
+  ASSERT_TRUE(store.context.save());
+  EXPECT_EQ(sqlite(file_, "SELECT ZNAME, ZNOTES FROM ZPLANNING"),
+            "first|by another program\nsecond|");
+}
+
+TEST_F(SqliteStoreTest, ReadsNothingHalfWritten) {
+  makeStoreWithPlans(file_);
+  sqlite(file_, "PRAGMA journal_mode = DELETE");
+  const auto copy = directory_ / "Copy.sqlite";
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(file_.c_str(), &other), SQLITE_OK);
+  // A cache of one page has the rest written before the end.
+  ASSERT_EQ(sqlite3_exec(other, "PRAGMA cache_size = 1; BEGIN; UPDATE ZPLANNING SET ZNAME = 'half'",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  fs::copy_file(file_, copy);
+  fs::copy_file(file_.string() + "-journal", copy.string() + "-journal");
+  sqlite3_close(other);
+  StoreOptions readOnly = test::mainOptions();
+  readOnly.readOnly = true;
+  EXPECT_EQ(openingError(copy, readOnly), StoreErrorCode::kPermission);
+  EXPECT_FALSE(OpenStore(copy).planNamed("half")) << "who may write takes it back";
+  EXPECT_EQ(sqlite(copy, "PRAGMA integrity_check; SELECT count(*) FROM ZPLANNING"), "ok\n40");
 }
 
 /// Runs the function where nothing may be done that a user may not do, and gives what it gives.
