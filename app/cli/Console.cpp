@@ -65,7 +65,10 @@ void Console::note(std::string_view text) {
 }
 
 int Console::fail(const Error& error) {
-  tell("vantrel: " + printableLines(error.localizedDescription, "  ") + "\n");
+  // Errors of a store say beside their text which file they are about.
+  const auto path = error.userInfo.find("path");
+  const std::string what = path == error.userInfo.end() ? "" : path->second + ": ";
+  tell("vantrel: " + printableLines(what + error.localizedDescription, "  ") + "\n");
   return exitCodeForError(error);
 }
 

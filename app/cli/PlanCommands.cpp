@@ -83,7 +83,7 @@ Expected<void> applyAndSave(const Changes& changes, Planning& plan) {
       return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
     }
   }
-  return save(*plan.managedObjectContext());
+  return plan.managedObjectContext()->save();
 }
 
 int addPlan(const Given& given, Console& console) {
@@ -137,7 +137,7 @@ int removePlan(const std::string& name, Console& console) {
   return withPlan(contextForReading(), name, console, [](const auto& plan) {
     auto& context = *plan->managedObjectContext();
     context.deleteObject(plan);
-    return save(context);
+    return context.save();
   });
 }
 

@@ -16,12 +16,6 @@ Expected<std::filesystem::path> storePath() {
       failure(kExitMissing, "store", "no place for it; set HOME or VANTREL_GROUP_CONTAINER"));
 }
 
-/// The error with the store's path before it and its own code behind.
-Error atPath(Error error, const std::filesystem::path& path) {
-  error.localizedDescription = path.string() + ": " + error.localizedDescription;
-  return error;
-}
-
 /// The widget takes a store that cannot be read for an empty one; a fetch of our own tells.
 Expected<ManagedObjectContext*> context(const std::filesystem::path& path) {
   ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
@@ -32,7 +26,7 @@ Expected<ManagedObjectContext*> context(const std::filesystem::path& path) {
   request.entityName = kPlanEntity;
   request.fetchLimit = 1;
   const auto fetched = context->executeFetchRequest(request);
-  if (!fetched) return tl::make_unexpected(atPath(fetched.error(), path));
+  if (!fetched) return tl::make_unexpected(fetched.error());
   return context;
 }
 
@@ -54,13 +48,6 @@ Expected<ManagedObjectContext*> contextForReading() {
 
 Expected<ManagedObjectContext*> contextForWriting() {
   return storePath().and_then(context);
-}
-
-Expected<void> save(ManagedObjectContext& context) {
-  auto saved = context.save();
-  if (saved) return saved;
-  const auto path = Database::sharedInstance().groupStoreURL();
-  return tl::make_unexpected(atPath(saved.error(), path.value_or("store")));
 }
 
 }  // namespace vantrel::cli

@@ -14,7 +14,5 @@ Expected<std::filesystem::path> existingStore();
 Expected<ManagedObjectContext*> contextForReading();
 /// The same; makes the store when there is none.
 Expected<ManagedObjectContext*> contextForWriting();
-/// Saves; the error names what could not be done.
-Expected<void> save(ManagedObjectContext& context);
 
 }  // namespace vantrel::cli

@@ -65,7 +65,7 @@ int addSamples(Console& console) {
     if (const auto done = addSample(**context, sample); !done) return console.fail(done.error());
     ++added;
   }
-  if (const auto saved = save(**context); !saved) return console.fail(saved.error());
+  if (const auto saved = (*context)->save(); !saved) return console.fail(saved.error());
   console.note(std::to_string(added) + " sample plans added; see them with vantrel today");
   return kExitDone;
 }

@@ -145,8 +145,10 @@ TEST_F(CommandLineTest, TellsWhatIsWrongWithTheStore) {
     for (const char* beside : {"-wal", "-shm"}) fs::remove(store().string() + beside);
     c.spoil(store());
     const std::string before = fs::is_directory(store()) ? "" : test::readFile(store());
-    for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"today"}, {"plan", "list"}, {"plan", "add", "--name", "x"}}) {
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"today"},
+                                                    {"plan", "list"},
+                                                    {"plan", "add", "--name", "x"},
+                                                    {"store", "info"}}) {
       const auto result = run(command);
       EXPECT_EQ(result.exitCode, c.exitCode) << result.errors;
       EXPECT_EQ(result.output, "");
