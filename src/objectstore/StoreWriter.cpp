@@ -4,6 +4,7 @@
 #include <SQLiteCpp/Statement.h>
 
 #include <algorithm>
+#include <limits>
 #include <type_traits>
 
 #include "objectstore/AttributeValues.h"
@@ -74,6 +75,9 @@ std::int64_t StoreWriter::takeKeys(const EntityDescription& entity, std::int64_t
   // Keys of deleted rows are not used again; a careless writer may have left the count behind.
   const std::int64_t used =
       std::max(counted, largest->executeStep() ? largest->getColumn(0).getInt64() : 0);
+  if (used > std::numeric_limits<std::int64_t>::max() - count) {
+    failStore(StoreErrorCode::kDamaged, "the store has no keys left for new records");
+  }
   const auto guard = connection_.statement(
       "UPDATE Z_PRIMARYKEY SET Z_MAX = ? WHERE Z_ENT = ? AND coalesce(Z_MAX, 0) = ?");
   guard->bind(1, used + count);

@@ -4,11 +4,19 @@
 #include <SQLiteCpp/Statement.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "objectstore/AttributeValues.h"
 
 namespace vantrel {
+
+namespace {
+
+/// The entities of a store's history are numbered from here.
+constexpr std::int64_t kFirstHistoryNumber = 16000;
+
+}  // namespace
 
 StoredEntities::StoredEntities(StoreConnection& connection, const ManagedObjectModel& model,
                                std::string storeUuid)
@@ -175,7 +183,9 @@ StoredEntities::Numbers StoredEntities::numbersForInserting(const EntityDescript
   } else {
     const auto nameless = numberOfNamelessRows(entity);
     const auto& rows = primaryKeyRows();
-    numbers.own = nameless ? *nameless : rows.empty() ? 1 : rows.rbegin()->first + 1;
+    const auto history = rows.lower_bound(kFirstHistoryNumber);
+    const auto last = history == rows.begin() ? 0 : std::prev(history)->first;
+    numbers.own = nameless.value_or(std::max<std::int64_t>(last, 0) + 1);
     if (!rows.contains(numbers.own)) {
       const auto insert = connection_.statement(
           "INSERT INTO Z_PRIMARYKEY (Z_ENT, Z_NAME, Z_SUPER, Z_MAX) VALUES (?, ?, ?, 0)");

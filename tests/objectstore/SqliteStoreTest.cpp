@@ -294,6 +294,12 @@ TEST_F(SqliteStoreTest, SavesAllOrNothing) {
   sqlite3_close(other);
   EXPECT_TRUE(store.context.save()) << "later it works";
   EXPECT_EQ(sqlite(file_, state), "40|renamed\n40\nok");
+
+  // Behind the largest key SQLite would go on with the smallest, which nothing can name.
+  sqlite(file_, "UPDATE Z_PRIMARYKEY SET Z_MAX = 9223372036854775807 WHERE Z_ENT = 4");
+  store.insertPlan("more", 1);
+  EXPECT_FALSE(store.context.save());
+  EXPECT_EQ(sqlite(file_, state), "40|renamed\n9223372036854775807\nok");
 }
 
 TEST_F(SqliteStoreTest, LeavesTheJournalModeAndTheLogOfOthers) {
