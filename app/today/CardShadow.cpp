@@ -42,7 +42,7 @@ const QImage& CardShadow::imageFor(const QSize& size, double scale, const QRectF
   for (int y = 0; y < pixels.height(); ++y) {
     uchar* line = image_.scanLine(y);
     const double strength = down[static_cast<std::size_t>(y)] * opacity * 255;
-    for (const double share : across) *line++ = static_cast<uchar>(share * strength + 0.5);
+    for (const double share : across) *line++ = static_cast<uchar>(std::lround(share * strength));
   }
   return image_;
 }

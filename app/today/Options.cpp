@@ -29,10 +29,10 @@ bool parseSize(const std::string& text, int& width, int& height) {
 void describe(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION);
   app.set_help_flag("-h,--help", "Show this help and exit");
-  auto* render = app.add_option("--render", options.renderFile,
-                                "Draw the card into a PNG file (- is standard output); no display "
-                                "is needed, and the store must exist")
-                     ->type_name("FILE.png");
+  auto* render =
+      app.add_option("--render", options.renderFile,
+                     "Draw the card into a PNG file, without a display (- is standard output)")
+          ->option_text("FILE.png");
   app.add_option_function<std::string>(
          "--size",
          [&options](const std::string& text) {
@@ -40,11 +40,18 @@ void describe(CLI::App& app, Options& options) {
            throw CLI::ValidationError("--size", "takes WIDTHxHEIGHT, each 100 to 10000");
          },
          "The picture's size in logical pixels; usually as large as the card needs")
-      ->type_name("WxH")
+      ->option_text("WxH")
       ->needs(render);
   app.add_option("--scale", options.scale, "Pixels of the picture per logical pixel, 0.25 to 8")
-      ->type_name("N")
-      ->check(CLI::Range(kSmallestScale, kLargestScale))
+      ->option_text("N")
+      ->check([](const std::string& text) {
+        double scale = 0;
+        const char* end = text.data() + text.size();
+        const auto read = std::from_chars(text.data(), end, scale);
+        const bool fits = scale >= kSmallestScale && scale <= kLargestScale;
+        return read.ec == std::errc() && read.ptr == end && fits ? std::string()
+                                                                 : "takes a number, 0.25 to 8";
+      })
       ->needs(render);
   app.add_flag("--expanded", options.expanded, "Begin with all rows, not two");
   auto* dark = app.add_flag_callback(
@@ -55,7 +62,7 @@ void describe(CLI::App& app, Options& options) {
   app.add_option("--system-version", options.systemVersion,
                  "Behave as on that version of the phone's system (17.0); before 10 the widget "
                  "has one mode, and two columns where there is room")
-      ->type_name("V")
+      ->option_text("V")
       ->check([](const std::string& text) {
         int major = 0;
         const auto end = std::from_chars(text.data(), text.data() + text.size(), major);

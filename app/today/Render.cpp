@@ -1,6 +1,9 @@
 #include "today/Render.h"
 
+#include <QBuffer>
+#include <QByteArray>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -62,23 +65,40 @@ QImage paint(const Options& options, const QtTextMeasurer& measurer) {
   return image;
 }
 
-/// The code to exit with.
-int write(const QImage& image, const std::string& name) {
-  if (name == "-") {
-    QFile output;
-    const bool written = output.open(stdout, QIODevice::WriteOnly) && image.save(&output, "PNG");
-    return written ? cli::kExitDone
-                   : fail(cli::kExitInputOutput,
-                          "standard output: " + output.errorString().toStdString());
-  }
-  QSaveFile file(QString::fromStdString(name));
-  if (!file.open(QIODevice::WriteOnly)) {
+/// The picture in the file's place, or the code to exit with.
+template <typename File>
+int writeInto(File& file, const QByteArray& picture, const std::string& name,
+              bool (*finish)(File&)) {
+  if (!file.isOpen() && !file.open(QIODevice::WriteOnly)) {
     return fail(cli::kExitCannotCreate, name + ": " + file.errorString().toStdString());
   }
-  if (!image.save(&file, "PNG") || !file.commit()) {
+  if (file.write(picture) != picture.size() || !finish(file)) {
     return fail(cli::kExitInputOutput, name + ": " + file.errorString().toStdString());
   }
   return cli::kExitDone;
+}
+
+int write(const QImage& image, const std::string& name) {
+  QByteArray picture;
+  QBuffer buffer(&picture);
+  if (!image.save(&buffer, "PNG")) {
+    return fail(cli::kExitInternal, "the picture cannot be encoded");
+  }
+  const QString path = QString::fromStdString(name);
+  const auto flush = +[](QFile& file) { return file.flush(); };
+  if (name == "-") {
+    QFile output;
+    output.open(stdout, QIODevice::WriteOnly);
+    return writeInto(output, picture, "standard output", flush);
+  }
+  // A device or a pipe is written to; to put a file in its place would be a bad surprise.
+  if (const QFileInfo existing(path); existing.exists() && !existing.isFile()) {
+    QFile file(path);
+    return writeInto(file, picture, name, flush);
+  }
+  QSaveFile file(path);
+  return writeInto(
+      file, picture, name, +[](QSaveFile& whole) { return whole.commit(); });
 }
 
 }  // namespace

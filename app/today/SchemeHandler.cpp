@@ -83,7 +83,7 @@ QString handlerForScheme(const QString& scheme) {
   for (const auto& group :
        {QStringLiteral("Default Applications"), QStringLiteral("Added Associations")}) {
     for (const auto& file : files) {
-      if (const auto handler = firstListed(file, group, type); !handler.isEmpty()) return handler;
+      if (auto handler = firstListed(file, group, type); !handler.isEmpty()) return handler;
     }
   }
   // Without a choice the desktop takes an application that declares the scheme.

@@ -29,17 +29,22 @@ bool isSet(const char* variable) {
   return value && *value;
 }
 
+/// The toolkit aborts when it finds no display; a person is told what to do instead.
+void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+                           const QString& /*message*/) {
+  if (type != QtFatalMsg) return;
+  logLine(
+      "vantrel-today: no display: draw into a file with --render FILE.png, or use: vantrel today");
+  std::_Exit(cli::kExitUnavailable);
+}
+
 int showWindow(int argc, char** argv, const Options& options) {
-  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
-    logLine(
-        "vantrel-today: no display: draw into a file with --render FILE.png, or use: vantrel "
-        "today");
-    return cli::kExitUnavailable;
-  }
+  const auto usualHandler = qInstallMessageHandler(explainMissingDisplay);
   QApplication application(argc, argv);
+  qInstallMessageHandler(usualHandler);
   QApplication::setApplicationName(QStringLiteral("vantrel-today"));
   QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
-  QGuiApplication::setDesktopFileName(QStringLiteral("com.vantrel.Today"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.vantrel.Today"));
   const auto measurer = std::make_shared<QtTextMeasurer>();
   TextMeasurer::install(measurer);
   MainQueue::install(std::make_shared<QtMainQueue>());

@@ -182,6 +182,22 @@ TEST_F(TodayWindowTest, ACommitOfAnotherProgramMakesTheRowAppear) {
   EXPECT_EQ(restarts_, 0);
 }
 
+TEST_F(TodayWindowTest, ANewLifeWithTheSameRowsLeavesEveryPixel) {
+  addTwoPlans();
+  openWindow();
+  row(1)->setFocus(Qt::TabFocusReason);
+  const QImage before = window_->grab().toImage();
+  QTest::keyClick(window_.get(), Qt::Key_F5);
+  EXPECT_EQ(window_->grab().toImage(), before);
+  EXPECT_TRUE(row(1)->hasFocus());
+
+  // The control: with another row the same key does change the picture.
+  store().planNamed("Sunrise")->setName("Fog");
+  ASSERT_TRUE(store().context.save());
+  QTest::keyClick(window_.get(), Qt::Key_F5);
+  EXPECT_NE(window_->grab().toImage(), before);
+}
+
 TEST_F(TodayWindowTest, AtMidnightYesterdayGoes) {
   addTwoPlans();
   clock_.set(*dateFromIso8601String("2026-07-15T21:59:59.8Z"));

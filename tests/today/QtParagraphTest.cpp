@@ -1,0 +1,55 @@
+#include "platform/qt/QtParagraph.h"
+
+#include <gtest/gtest.h>
+
+#include <QFont>
+
+#include "platform/qt/QtTextMeasurer.h"
+#include "today/Application.h"
+
+namespace vantrel {
+namespace {
+
+constexpr auto kLong =
+    "Milky Way over the lighthouse with the fishing boats, if the mist lifts before the moon is up";
+
+TEST(QtParagraph, LineEndsBreakAndOtherControlCharactersAreSpaces) {
+  const struct {
+    std::string text;
+    QString shown;
+  } cases[] = {
+      {"a\nb\r\nc\rd", "a\u2028b\u2028c\u2028d"},
+      {"a\tb\x01"
+       "c\x7f"
+       "d",
+       "a b c d"},
+      {"<b>&amp;</b>", "<b>&amp;</b>"},
+      {"\xff"
+       "a",
+       "\ufffda"},
+      {"", ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(QtParagraph::textToShow(c.text), c.shown);
+}
+
+TEST(QtParagraph, BreaksAndCutsLikeItIsMeasured) {
+  test::needApplication();
+  const QtTextMeasurer measurer;
+  const Font font = Font::boldSystemFontOfSize(15);
+  const Size line = measurer.sizeOfText(kLong, font);
+  EXPECT_EQ(measurer.sizeOfText("", font).height, line.height);
+  EXPECT_EQ(measurer.boundingSizeOfText("", font, {200, 1000}), Size());
+  EXPECT_GT(measurer.boundingSizeOfText(kLong, font, {200, 1000}).height, 2 * line.height);
+  EXPECT_EQ(measurer.boundingSizeOfText(kLong, font, {200, 30}).height, 30);
+
+  QtParagraph paragraph(kLong, measurer.fontFor(font));
+  EXPECT_EQ(paragraph.lineCount(), 1);
+  paragraph.breakLines(200);
+  EXPECT_GT(paragraph.lineCount(), 2);
+  paragraph.breakLines(200, 2);
+  EXPECT_EQ(paragraph.lineCount(), 2);
+  EXPECT_LE(paragraph.width(), 200);
+}
+
+}  // namespace
+}  // namespace vantrel
