@@ -9,6 +9,7 @@
 #include "base/Log.h"
 #include "cli/ExitCode.h"
 #include "platform/Device.h"
+#include "platform/Locale.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "today/Options.h"
@@ -45,6 +46,8 @@ int showWindow(int argc, char** argv, const Options& options) {
   QApplication::setApplicationName(QStringLiteral("vantrel-today"));
   QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.vantrel.Today"));
+  const Locale language(Locale::preferredLanguages().front());
+  QGuiApplication::setLayoutDirection(language.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
   const auto measurer = std::make_shared<QtTextMeasurer>();
   TextMeasurer::install(measurer);
   MainQueue::install(std::make_shared<QtMainQueue>());

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QLabel>
+#include <QPointingDevice>
 #include <QTest>
 #include <algorithm>
 #include <filesystem>
@@ -99,13 +100,14 @@ class TodayWindowTest : public testing::Test {
   test::EnvironmentGuard zone_{"TZ", "Europe/Madrid"};
   test::FakeClock clock_{*dateFromIso8601String("2026-07-15T08:00:00Z")};
   RecordingOpener opener_;
+  std::unique_ptr<QPointingDevice> finger_{QTest::createTouchDevice()};
   std::shared_ptr<QtTextMeasurer> measurer_ = std::make_shared<QtTextMeasurer>();
   std::unique_ptr<test::OpenStore> store_;
   std::unique_ptr<TodayWindow> window_;
   int restarts_ = 0;
 };
 
-TEST_F(TodayWindowTest, ClickKeysAndScreenReaderOpenTheSameLink) {
+TEST_F(TodayWindowTest, ClickTouchKeysAndScreenReaderOpenTheSameLink) {
   addTwoPlans();
   openWindow();
   const CardLayout::Row& place = window_->card().layoutOfCard().rows[1];
@@ -119,6 +121,10 @@ TEST_F(TodayWindowTest, ClickKeysAndScreenReaderOpenTheSameLink) {
       [&] { QTest::keyClick(row(1), Qt::Key_Return); },
       [&] { QTest::keyClick(row(1), Qt::Key_Space); },
       [&] { row(1)->click(); },
+      [&] {
+        QTest::touchEvent(row(1), finger_.get()).press(0, {20, 10});
+        QTest::touchEvent(row(1), finger_.get()).release(0, {22, 12});
+      },
   };
   for (const auto& way : ways) {
     const auto before = opener_.links.size();
@@ -129,7 +135,7 @@ TEST_F(TodayWindowTest, ClickKeysAndScreenReaderOpenTheSameLink) {
   for (std::size_t at = 0; (at = uri.find('/', at)) != std::string::npos; at += 3) {
     uri.replace(at, 1, "%2F");
   }
-  EXPECT_EQ(opener_.links, std::vector(4, "vantrel://plan?id=" + uri));
+  EXPECT_EQ(opener_.links, std::vector(std::size(ways), "vantrel://plan?id=" + uri));
 }
 
 TEST_F(TodayWindowTest, ATouchLetGoOutsideOrGivenUpOpensNothing) {
