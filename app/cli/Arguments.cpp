@@ -24,6 +24,18 @@ tl::unexpected<Error> refused(const std::string& option, const std::string& text
   return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"", allowed));
 }
 
+/// The number that the whole text is.
+template <typename Number>
+std::optional<Number> number(std::string_view text) {
+  // A sign of its own, not one more.
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  Number value = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return value;
+}
+
 /// How many days ahead "today", "tomorrow" or "+3d" is.
 std::optional<int> daysAhead(std::string_view word) {
   if (word == "today") return 0;
@@ -88,14 +100,47 @@ Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::st
 
 Expected<double> degreesFromArgument(const std::string& option, const std::string& text,
                                      int limit) {
-  const char* begin = text.data();
-  const char* end = begin + text.size();
-  if (begin != end && *begin == '+') ++begin;
-  double degrees = 0;
-  const auto [stop, error] = std::from_chars(begin, end, degrees);
-  if (error == std::errc() && stop == end && std::fabs(degrees) <= limit) return degrees;
+  const auto degrees = number<double>(text);
+  if (degrees && std::fabs(*degrees) <= limit) return *degrees;
   const std::string bound = std::to_string(limit);
   return refused(option, text, "allowed are degrees from -" + bound + " to " + bound);
+}
+
+Expected<double> latitudeFromArgument(const std::string& option, const std::string& text) {
+  constexpr int kMostLatitude = 90;
+  return degreesFromArgument(option, text, kMostLatitude);
+}
+
+Expected<double> longitudeFromArgument(const std::string& option, const std::string& text) {
+  constexpr int kMostLongitude = 180;
+  return degreesFromArgument(option, text, kMostLongitude);
+}
+
+Expected<double> realFromArgument(const std::string& option, const std::string& text) {
+  const auto real = number<double>(text);
+  if (real && std::isfinite(*real)) return *real;
+  return refused(option, text, "allowed are decimal numbers");
+}
+
+Expected<float> floatFromArgument(const std::string& option, const std::string& text) {
+  const auto real = number<float>(text);
+  if (real && std::isfinite(*real)) return *real;
+  return refused(option, text, "allowed are decimal numbers of single precision");
+}
+
+Expected<std::int64_t> integerFromArgument(const std::string& option, const std::string& text) {
+  if (const auto integer = number<std::int64_t>(text)) return *integer;
+  return refused(option, text, "allowed are whole numbers of 64 bits");
+}
+
+Expected<bool> switchFromArgument(const std::string& option, const std::string& text) {
+  for (const char* word : {"on", "yes", "true", "1"}) {
+    if (text == word) return true;
+  }
+  for (const char* word : {"off", "no", "false", "0"}) {
+    if (text == word) return false;
+  }
+  return refused(option, text, "allowed are on and off");
 }
 
 Expected<std::string> textFromArgument(const std::string& option, const std::string& text) {

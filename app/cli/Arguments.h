@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -26,6 +27,18 @@ Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::st
 
 /// Degrees from -`limit` to `limit`, a decimal number.
 Expected<double> degreesFromArgument(const std::string& option, const std::string& text, int limit);
+
+Expected<double> latitudeFromArgument(const std::string& option, const std::string& text);
+Expected<double> longitudeFromArgument(const std::string& option, const std::string& text);
+
+/// A finite decimal number.
+Expected<double> realFromArgument(const std::string& option, const std::string& text);
+/// One that single precision can hold.
+Expected<float> floatFromArgument(const std::string& option, const std::string& text);
+Expected<std::int64_t> integerFromArgument(const std::string& option, const std::string& text);
+
+/// "on", "yes", "true", "1" or "off", "no", "false", "0".
+Expected<bool> switchFromArgument(const std::string& option, const std::string& text);
 
 /// Any UTF-8 text.
 Expected<std::string> textFromArgument(const std::string& option, const std::string& text);

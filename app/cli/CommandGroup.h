@@ -30,6 +30,10 @@ void fillTodayCommand(CLI::App& parser, Session& session);
 void fillPlanCommands(CLI::App& parser, Session& session);
 void fillOpenCommand(CLI::App& parser, Session& session);
 void fillStoreCommands(CLI::App& parser, Session& session);
+void fillPlannerCommands(CLI::App& parser, Session& session);
+void fillObserverCommands(CLI::App& parser, Session& session);
+void fillObstacleCommands(CLI::App& parser, Session& session);
+void fillDefaultsCommands(CLI::App& parser, Session& session);
 
 /// An option with one value; "" is a value like any other. `target` outlives the parsing.
 void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,

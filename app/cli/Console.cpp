@@ -55,6 +55,10 @@ std::string Console::dim(std::string_view text) const {
   return color_ ? "\x1b[2m" + std::string(text) + "\x1b[0m" : std::string(text);
 }
 
+std::string Console::labelled(std::string_view label, std::string_view value) const {
+  return "  " + dim(paddedToCells(std::string(label), kLabelWidth)) + std::string(value) + "\n";
+}
+
 void Console::tell(std::string_view text) {
   flush();
   writeAll(STDERR_FILENO, text);

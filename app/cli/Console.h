@@ -25,6 +25,10 @@ class Console {
   std::string bold(std::string_view text) const;
   std::string dim(std::string_view text) const;
 
+  /// One line of what is known of a thing: "  Label      value", with a line break.
+  std::string labelled(std::string_view label, std::string_view value) const;
+  static constexpr std::size_t kLabelWidth = 11;
+
   /// Writes to standard error, as it is.
   void tell(std::string_view text);
   /// A hint for a person, on standard error; only on a terminal, and not when quiet.

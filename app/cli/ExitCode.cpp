@@ -1,5 +1,6 @@
 #include "cli/ExitCode.h"
 
+#include <cerrno>
 #include <string_view>
 
 #include "objectstore/StoreError.h"
@@ -31,6 +32,26 @@ ExitCode exitCodeForStoreError(StoreErrorCode code) {
   }
 }
 
+/// For errors of reading and writing the settings.
+ExitCode exitCodeForErrno(int code) {
+  switch (code) {
+    case EACCES:
+    case EPERM:
+      return kExitPermission;
+    case EROFS:
+    case EISDIR:
+    case ENOTDIR:
+    case EEXIST:
+    case ENOENT:
+      return kExitCannotCreate;
+    case EAGAIN:
+    case ENOLCK:
+      return kExitTryAgain;
+    default:
+      return kExitInputOutput;
+  }
+}
+
 }  // namespace
 
 Error failure(ExitCode code, const std::string& what, const std::string& why) {
@@ -40,6 +61,7 @@ Error failure(ExitCode code, const std::string& what, const std::string& why) {
 ExitCode exitCodeForError(const Error& error) {
   if (error.domain == kCommandDomain) return static_cast<ExitCode>(error.code);
   if (const auto code = storeErrorCode(error)) return exitCodeForStoreError(*code);
+  if (error.domain == "POSIX") return exitCodeForErrno(error.code);
   return kExitBadData;
 }
 

@@ -17,8 +17,6 @@ namespace vantrel::cli {
 namespace {
 
 constexpr const char* kPlanEntity = "Planning";
-constexpr int kMostLatitude = 90;
-constexpr int kMostLongitude = 180;
 
 /// A plan's attribute as it is given on the command line.
 struct Field {
@@ -55,10 +53,8 @@ Expected<Value> checkedValue(const std::string& key, const std::string& text,
   if (key == "timezone") {
     return timeZoneFromArgument(option, text).map([](const auto& z) { return Value(z.name()); });
   }
-  if (key == "latitude")
-    return degreesFromArgument(option, text, kMostLatitude).map(asValue<double>);
-  if (key == "longitude")
-    return degreesFromArgument(option, text, kMostLongitude).map(asValue<double>);
+  if (key == "latitude") return latitudeFromArgument(option, text).map(asValue<double>);
+  if (key == "longitude") return longitudeFromArgument(option, text).map(asValue<double>);
   return textFromArgument(option, text).map(asValue<std::string>);
 }
 

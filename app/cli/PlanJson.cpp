@@ -4,15 +4,13 @@
 
 #include "base/Iso8601.h"
 #include "base/PercentEncoding.h"
+#include "cli/JsonText.h"
 #include "cli/PlanText.h"
-#include "cli/TerminalText.h"
 #include "platform/Clock.h"
 
 namespace vantrel::cli {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 template <typename T>
 Json orNull(const std::optional<T>& value) {
@@ -43,11 +41,6 @@ Json jsonOfPlan(const Planning& plan) {
   };
 }
 
-std::string text(const Json& json) {
-  constexpr int kIndent = 2;
-  return printableJson(json.dump(kIndent, ' ', false, Json::error_handler_t::replace)) + "\n";
-}
-
 }  // namespace
 
 std::string deepLink(const Planning& plan) {
@@ -56,13 +49,13 @@ std::string deepLink(const Planning& plan) {
 }
 
 std::string jsonText(const Planning& plan) {
-  return text(jsonOfPlan(plan));
+  return jsonText(jsonOfPlan(plan));
 }
 
 std::string jsonText(const std::vector<std::shared_ptr<Planning>>& plans) {
   Json list = Json::array();
   for (const auto& plan : plans) list.push_back(jsonOfPlan(*plan));
-  return text({{"plans", std::move(list)}});
+  return jsonText(Json{{"plans", std::move(list)}});
 }
 
 std::string jsonText(const TodayList& today) {
@@ -74,9 +67,9 @@ std::string jsonText(const TodayList& today) {
     object["dateText"] = row.dateText;
     list.push_back(std::move(object));
   }
-  return text({{"plans", std::move(list)},
-               {"message", orNull(today.message)},
-               {"mode", today.isExpanded ? "expanded" : "compact"}});
+  return jsonText(Json{{"plans", std::move(list)},
+                       {"message", orNull(today.message)},
+                       {"mode", today.isExpanded ? "expanded" : "compact"}});
 }
 
 }  // namespace vantrel::cli

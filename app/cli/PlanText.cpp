@@ -14,7 +14,6 @@ namespace vantrel::cli {
 namespace {
 
 constexpr const char* kUnknown = "--";
-constexpr std::size_t kLabelWidth = 11;
 constexpr std::size_t kDayLength = 10;
 constexpr std::size_t kMinuteLength = 16;
 constexpr std::size_t kSecondLength = 19;
@@ -25,13 +24,6 @@ constexpr std::size_t kShortIdentifier = 8;
 
 std::string shown(const std::optional<std::string>& text) {
   return text && !text->empty() ? printable(*text) : kUnknown;
-}
-
-std::string degrees(std::optional<double> value) {
-  if (!value) return kUnknown;
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%.5f", *value);
-  return text.data();
 }
 
 struct TableRow {
@@ -72,6 +64,16 @@ TimeZone zoneOfPlan(const Planning& plan) {
   return TimeZone::defaultTimeZone();
 }
 
+std::string placeText(std::optional<double> latitude, std::optional<double> longitude) {
+  const auto degrees = [](std::optional<double> value) -> std::string {
+    if (!value) return kUnknown;
+    std::array<char, 512> text{};
+    std::snprintf(text.data(), text.size(), "%.5f", *value);
+    return text.data();
+  };
+  return degrees(latitude) + ", " + degrees(longitude);
+}
+
 std::string wallText(Date date, const TimeZone& zone) {
   std::string text = iso8601String(date, zone.secondsFromGMTForDate(date));
   if (text.size() < kSecondLength) return kUnknown;
@@ -92,7 +94,7 @@ std::optional<std::string> hereText(Date date, const TimeZone& zone) {
 std::string planDetails(const Planning& plan, const Console& console) {
   std::string text = console.bold(shown(plan.name())) + "\n";
   const auto line = [&](const char* label, const std::string& value) {
-    text += "  " + console.dim(paddedToCells(label, kLabelWidth)) + value + "\n";
+    text += console.labelled(label, value);
   };
   std::string when = kUnknown;
   if (const auto date = plan.date()) {
@@ -102,9 +104,9 @@ std::string planDetails(const Planning& plan, const Console& console) {
   }
   line("Date", when);
   line("Zone", shown(plan.timezone()));
-  line("Place", degrees(plan.latitude()) + ", " + degrees(plan.longitude()));
+  line("Place", placeText(plan.latitude(), plan.longitude()));
   if (const auto notes = plan.notes(); notes && !notes->empty()) {
-    line("Notes", printableLines(*notes, std::string(2 + kLabelWidth, ' ')));
+    line("Notes", printableLines(*notes, std::string(2 + Console::kLabelWidth, ' ')));
   }
   line("Pictures", std::to_string(plan.imageCount()));
   line("Identifier", shown(plan.uniqueIdentifier()));

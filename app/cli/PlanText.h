@@ -15,6 +15,9 @@ namespace vantrel::cli {
 /// The zone that the plan is told in: its own, else the device's.
 TimeZone zoneOfPlan(const Planning& plan);
 
+/// "41.39000, 2.17000"; "--" for what is unknown.
+std::string placeText(std::optional<double> latitude, std::optional<double> longitude);
+
 /// "2026-07-15 23:40" on that zone's clock; seconds only when there are some.
 std::string wallText(Date date, const TimeZone& zone);
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/ExitCode.h"
+#include "cli/JsonText.h"
 #include "cli/TerminalText.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "objectstore/SqliteStore.h"
@@ -57,8 +58,8 @@ std::string counted(const std::optional<std::size_t>& count) {
 }
 
 template <typename T>
-nlohmann::ordered_json orNull(const std::optional<T>& value) {
-  return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json(nullptr);
+Json orNull(const std::optional<T>& value) {
+  return value ? Json(*value) : Json(nullptr);
 }
 
 }  // namespace
@@ -119,7 +120,7 @@ std::string textForStoreInfo(const StoreInfo& info) {
 }
 
 std::string jsonForStoreInfo(const StoreInfo& info) {
-  const nlohmann::ordered_json json = {
+  const Json json = {
       {"path", info.path.string()},
       {"uuid", info.uuid},
       {"model", info.model},
@@ -133,10 +134,7 @@ std::string jsonForStoreInfo(const StoreInfo& info) {
       {"size", info.size},
       {"walSize", info.walSize},
   };
-  constexpr int kIndent = 2;
-  return printableJson(
-             json.dump(kIndent, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) +
-         "\n";
+  return jsonText(json);
 }
 
 }  // namespace vantrel::cli

@@ -21,6 +21,12 @@ constexpr std::array kGroups = {
     CommandGroup{"plan", "Add, list, show, edit and remove plans", &fillPlanCommands},
     CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},
     CommandGroup{"store", "Look into the store, or fill it with samples", &fillStoreCommands},
+    CommandGroup{"planner", "Preset the planner of the main application", &fillPlannerCommands},
+    CommandGroup{"observer", "Where the planner stands, how high, and its horizon",
+                 &fillObserverCommands},
+    CommandGroup{"obstacle", "A summit or a building, seen from the observer",
+                 &fillObstacleCommands},
+    CommandGroup{"defaults", "Read and write the settings", &fillDefaultsCommands},
 };
 
 constexpr const char* kExamples = R"(Examples:

@@ -1,0 +1,24 @@
+#include "cli/JsonText.h"
+
+#include <array>
+#include <charconv>
+#include <nlohmann/json.hpp>
+
+#include "cli/TerminalText.h"
+
+namespace vantrel::cli {
+
+std::string jsonText(const Json& json) {
+  constexpr int kIndent = 2;
+  return printableJson(json.dump(kIndent, ' ', false, Json::error_handler_t::replace)) + "\n";
+}
+
+double decimalOfFloat(float value) {
+  std::array<char, 64> digits{};
+  const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  double decimal = value;
+  std::from_chars(digits.data(), written.ptr, decimal);
+  return decimal;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+namespace vantrel::cli {
+
+using Json = nlohmann::ordered_json;
+
+/// The answer as programs read it: indented, safe for a terminal, with a line break at the end.
+/// Bytes that are no UTF-8 become U+FFFD, numbers that are not finite null.
+std::string jsonText(const Json& json);
+
+/// The shortest decimal number that single precision reads back as `value`: 100.6, where mere
+/// widening gives 100.5999984741211.
+double decimalOfFloat(float value);
+
+}  // namespace vantrel::cli
