@@ -131,7 +131,7 @@ std::string VTObserver::heightAboveHorizonString() const {
 }
 
 std::string VTObserver::pinSubtitle() const {
-  const auto altitude = stringWithFormat(
+  auto altitude = stringWithFormat(
       "%@: %@", {localized("planner_altitude_text", "Ephemeris"), altitudeString()});
   if (!adjustForHeightAboveHorizon_) return altitude;
   const auto height = stringWithFormat(

@@ -29,8 +29,8 @@ std::unique_ptr<icu::DecimalFormat> build(const Configuration& configuration,
       icu::NumberFormat::createInstance(locale, UNUM_DECIMAL, status));
   auto* decimal = dynamic_cast<icu::DecimalFormat*>(made.get());
   if (U_FAILURE(status) || !decimal) return nullptr;
-  made.release();
   std::unique_ptr<icu::DecimalFormat> formatter(decimal);
+  (void)made.release();
   formatter->setRoundingMode(configuration.roundingMode == NumberFormatter::RoundingMode::kHalfUp
                                  ? icu::NumberFormat::kRoundHalfUp
                                  : icu::NumberFormat::kRoundHalfEven);
