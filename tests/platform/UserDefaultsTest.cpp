@@ -5,9 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <atomic>
 #include <csignal>
 #include <limits>
+#include <thread>
+#include <vector>
 
 #include "support/Guards.h"
 #include "support/Python.h"
@@ -149,6 +151,30 @@ TEST(UserDefaults, WhatCannotBeWrittenWaits) {
   EXPECT_EQ(UserDefaults(file).integerForKey("key"), 1);
 }
 
+TEST(UserDefaults, ServesSeveralThreads) {
+  const test::TemporaryDirectory directory;
+  UserDefaults defaults(directory / "settings.plist");
+  constexpr int kThreads = 4;
+  constexpr int kTimes = 50;
+  std::atomic<int> lost = 0;
+  const auto work = [&](int number) {
+    const auto key = std::to_string(number);
+    for (int i = 1; i <= kTimes; ++i) {
+      defaults.setInteger(i, key);
+      if (i % 5 == 0) (void)defaults.synchronize();
+      const auto values = defaults.dictionaryRepresentation();
+      if (values[key].asInteger() != i || defaults.integerForKey(key) != i) ++lost;
+    }
+  };
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+  }
+  EXPECT_EQ(lost, 0);
+  EXPECT_EQ(test::python(directory / "settings.plist", "sum(p.values())"),
+            std::to_string(kThreads * kTimes));
+}
+
 /// A folder in memory where there is one: what the tests below are about is not the disk.
 class UserDefaultsOfProcesses : public ::testing::Test {
  protected:
@@ -193,25 +219,29 @@ TEST_F(UserDefaultsOfProcesses, AKilledWriterLeavesTheOldFileOrTheNew) {
   UserDefaults defaults(file());
   defaults.setObject(PropertyList::data(Data(100000)), "ballast");
   ASSERT_TRUE(defaults.synchronize());
+  const pid_t parent = ::getpid();
   for (int round = 0; round < 40; ++round) {
     const auto start = defaults.integerForKey("first");
     const pid_t writer = ::fork();
     ASSERT_GE(writer, 0);
     if (writer == 0) {
       UserDefaults own(file());
-      for (auto i = start + 1;; ++i) {
+      for (auto i = start + 1; ::getppid() == parent; ++i) {
         own.setInteger(i, "first");
         own.setInteger(i, "last");
         (void)own.synchronize();
       }
+      ::_exit(0);
     }
     // Killed at another step of its work each time.
-    std::int64_t reads = 0;
-    while (defaults.integerForKey("last") <= start || ++reads < round * 7) {
-      ASSERT_TRUE(defaults.checkReadable());
+    int reads = 0;
+    bool readable = true;
+    while (readable && (defaults.integerForKey("last") <= start || ++reads < round * 7)) {
+      readable = defaults.checkReadable().has_value();
     }
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
+    ASSERT_TRUE(readable);
     const auto values = defaults.dictionaryRepresentation();
     EXPECT_EQ(values["first"].asInteger(), values["last"].asInteger());
     EXPECT_EQ(values["ballast"].asData()->size(), 100000u);
