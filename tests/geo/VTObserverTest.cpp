@@ -141,21 +141,16 @@ TEST_F(VTObserverTest, DecodesWhatOthersEncoded) {
 }
 
 TEST_F(VTObserverTest, OlderArchivesSayWhoSetTheAltitude) {
-  struct Case {
-    const char* keys;
-    std::int32_t accuracy;
-  };
-  const Case cases[] = {
-      {"'altitude_manual': True", -1},
-      {"'altitude_manual': False, 'altitude_accuracy': 5", 0},
+  const std::pair<const char*, std::int32_t> cases[] = {
       {"'altitude_manual': True, 'altitude_accuracy': 5", -1},
+      {"'altitude_manual': False, 'altitude_accuracy': 5", 0},
       {"'altitude_accuracy': -1", -1},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.keys);
-    const auto observer = observerFromPython(c.keys);
+  for (const auto& [keys, accuracy] : cases) {
+    SCOPED_TRACE(keys);
+    const auto observer = observerFromPython(keys);
     ASSERT_TRUE(observer);
-    EXPECT_EQ(observer->altitudeAccuracy(), c.accuracy);
+    EXPECT_EQ(observer->altitudeAccuracy(), accuracy);
   }
 }
 

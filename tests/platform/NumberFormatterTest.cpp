@@ -5,81 +5,54 @@
 namespace vantrel {
 namespace {
 
-TEST(NumberFormatter, RoundsHalvesAwayFromZeroOnce) {
-  NumberFormatter formatter;
-  formatter.setLocale(Locale("en_US"));
-  formatter.setRoundingMode(NumberFormatter::RoundingMode::kHalfUp);
-  formatter.setUsesGroupingSeparator(false);
-  formatter.setRoundingIncrement(0.001);
+TEST(NumberFormatter, RoundsOnceAndWritesAsTheLocaleDoes) {
+  using Mode = NumberFormatter::RoundingMode;
   struct Case {
-    double number;
+    const char* locale;
+    Mode mode;
     int minimum;
     int maximum;
+    double number;
     const char* text;
   };
-  // Python: Decimal(repr(number)).quantize(…, ROUND_HALF_UP).
+  // Rounding: Python, Decimal(repr(number)).quantize with ROUND_HALF_UP or ROUND_HALF_EVEN.
+  // Signs, digits and separators: CLDR 42.
   const Case cases[] = {
-      {12.5, 0, 0, "13"},         {-12.5, 0, 0, "-13"},    {123.4996, 0, 0, "123"},
-      {0.125, 2, 2, "0.13"},      {-0.001, 2, 2, "-0.00"}, {-0.3, 0, 0, "-0"},
-      {3, 1, 2, "3.0"},           {3.456, 1, 2, "3.46"},   {1.005, 0, 2, "1.01"},
-      {1234567, 0, 0, "1234567"}, {0.0005, 0, 3, "0.001"}, {2.0004, 0, 3, "2"},
+      {"en_US", Mode::kHalfUp, 0, 0, -12.5, "-13"},
+      {"en_US", Mode::kHalfUp, 0, 0, 123.4996, "123"},
+      {"en_US", Mode::kHalfUp, 2, 2, 0.125, "0.13"},
+      {"en_US", Mode::kHalfUp, 2, 2, -0.001, "-0.00"},
+      {"en_US", Mode::kHalfUp, 1, 2, 3, "3.0"},
+      {"en_US", Mode::kHalfUp, 0, 2, 1.005, "1.01"},
+      {"en_US", Mode::kHalfUp, 0, 3, 0.0005, "0.001"},
+      {"en_US_POSIX", Mode::kHalfEven, 0, 20, 0.1, "0.1"},
+      {"en_US_POSIX", Mode::kHalfEven, 0, 20, -0.0, "-0"},
+      {"en_US_POSIX", Mode::kHalfEven, 0, 20, 1e21, "1000000000000000000000"},
+      {"en_US_POSIX", Mode::kHalfEven, 0, 20, 2.5e-20, "0.00000000000000000002"},
+      {"de_DE", Mode::kHalfEven, 0, 3, -1234.5, "-1.234,5"},
+      {"sv_SE", Mode::kHalfEven, 0, 3, -1234.5, "−1\u00a0234,5"},
+      {"ar_EG", Mode::kHalfEven, 0, 3, -1234.5, "\u061c-١٬٢٣٤٫٥"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
+    NumberFormatter formatter;
+    formatter.setLocale(Locale(c.locale));
+    formatter.setRoundingMode(c.mode);
+    if (c.mode == Mode::kHalfUp) formatter.setRoundingIncrement(0.001);
     formatter.setMaximumFractionDigits(c.maximum);
     formatter.setMinimumFractionDigits(c.minimum);
     EXPECT_EQ(formatter.stringFromNumber(c.number), c.text);
   }
 }
 
-TEST(NumberFormatter, TwentyDigitsAreTheShortestTextThatReadsBack) {
+TEST(NumberFormatter, ReadsOnlyWholeTexts) {
   NumberFormatter formatter;
   formatter.setLocale(Locale("en_US_POSIX"));
   formatter.setUsesGroupingSeparator(false);
-  formatter.setMaximumFractionDigits(20);
-  struct Case {
-    double number;
-    const char* text;
-  };
-  // Python: format(Decimal(repr(number)), "f"), quantized half-even at 20 digits where longer.
-  const Case cases[] = {
-      {0.1, "0.1"},
-      {1234.5, "1234.5"},
-      {-0.0, "-0"},
-      {1e21, "1000000000000000000000"},
-      {1.5e-20, "0.00000000000000000002"},
-      {2.5e-20, "0.00000000000000000002"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(formatter.stringFromNumber(c.number), c.text);
-  }
   EXPECT_EQ(formatter.numberFromString("-1234.5"), -1234.5);
   for (const char* text : {"", "x", "1.5x", "1,234"}) {
     SCOPED_TRACE(text);
     EXPECT_FALSE(formatter.numberFromString(text));
-  }
-}
-
-TEST(NumberFormatter, WritesAsTheLocaleDoes) {
-  struct Case {
-    const char* locale;
-    const char* text;
-    const char* minus;
-  };
-  // CLDR 42: decimal, grouping and minus of each locale.
-  const Case cases[] = {
-      {"de_DE", "-1.234,5", "-"},
-      {"sv_SE", "−1\u00a0234,5", "−"},
-      {"ar_EG", "\u061c-١٬٢٣٤٫٥", "\u061c-"},
-      {"en_US_POSIX", "-1234.5", "-"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.locale);
-    NumberFormatter formatter;
-    formatter.setLocale(Locale(c.locale));
-    EXPECT_EQ(formatter.stringFromNumber(-1234.5), c.text);
-    EXPECT_EQ(formatter.minusSign(), c.minus);
   }
 }
 
