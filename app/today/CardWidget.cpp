@@ -92,10 +92,7 @@ void CardWidget::touchRow(std::size_t row, WidgetHost::TouchPhase phase, QPointF
   const QPointF point = rows_[row]->geometry().topLeft() + position;
   const bool begins = phase == WidgetHost::TouchPhase::kBegan;
   // The label that a touch began on hears of it to the end.
-  if (begins) {
-    touchIsOnTitle_ = point.y() < (place.title.bottom() + place.date.top()) / 2;
-    emit rowTouchBegan();
-  }
+  if (begins) touchIsOnTitle_ = point.y() < (place.title.bottom() + place.date.top()) / 2;
   const QRectF& label = touchIsOnTitle_ ? place.title : place.date;
   const double x = content_.rightToLeft ? label.right() - point.x() : point.x() - label.left();
   host_.touch(row, touchIsOnTitle_, phase, {x, point.y() - label.top()});

@@ -41,7 +41,6 @@ class CardWidget : public QWidget {
  signals:
   void toggled();
   void barActed();
-  void rowTouchBegan();
   /// A row's touch has ended or was cancelled, and the widget has done what it does about it.
   void rowTouchFinished();
   void naturalHeightChanged();

@@ -69,10 +69,6 @@ void TodayWindow::connectTriggers() {
     probe_.failedToOpen() ? restart() : beginLife();
   });
   connect(card_, &CardWidget::rowTouchFinished, this, renew);
-  connect(card_, &CardWidget::rowTouchBegan, this, [this] {
-    linkBar_.reset();
-    showBar();
-  });
   connect(card_, &CardWidget::toggled, this, &TodayWindow::toggleMode);
   connect(card_, &CardWidget::barActed, this, &TodayWindow::actOnBar);
   connect(card_, &CardWidget::settled, this, &TodayWindow::fitHeight);
@@ -107,9 +103,11 @@ void TodayWindow::showStoreProblem(const Error& problem) {
 }
 
 void TodayWindow::openLink(const std::string& link) {
-  if (opener_.open(link) == LinkOpener::Result::kOpened) return;
-  linkToCopy_ = link;
-  linkBar_ = CardContent::Bar{text("today_no_handler"), text("today_copy_link")};
+  linkBar_.reset();
+  if (opener_.open(link) != LinkOpener::Result::kOpened) {
+    linkToCopy_ = link;
+    linkBar_ = CardContent::Bar{text("today_no_handler"), text("today_copy_link")};
+  }
   showBar();
 }
 
@@ -123,7 +121,8 @@ void TodayWindow::actOnBar() {
   linkBar_ = CardContent::Bar{text("today_link_copied"), {}};
   showBar();
   QTimer::singleShot(kCopiedNotice, this, [this, shown = linkBar_->text] {
-    if (!linkBar_ || linkBar_->text != shown) return;
+    // Rows must not move under a finger.
+    if (!linkBar_ || linkBar_->text != shown || card_->isTouched()) return;
     linkBar_.reset();
     showBar();
   });

@@ -251,6 +251,12 @@ TEST_F(TodayWindowTest, WithoutAHandlerTheLinkCanBeCopied) {
   EXPECT_TRUE(spokenTexts().contains("No application opens Vantrel links"));
   QTest::mouseClick(button("Copy link"), Qt::LeftButton);
   EXPECT_EQ(QApplication::clipboard()->text().toStdString(), opener_.links.at(0));
+
+  // A bar on the card takes nothing from the rows, and goes when a link could be opened.
+  opener_.result = LinkOpener::Result::kOpened;
+  QTest::mouseClick(row(1), Qt::LeftButton);
+  ASSERT_TRUE(handlesUntil([&] { return opener_.links.size() == 2; }));
+  EXPECT_EQ(spokenTexts(), QStringList());
 }
 
 TEST_F(TodayWindowTest, AStoreThatCannotBeOpenedIsNotTakenForAnEmptyOne) {
