@@ -176,16 +176,24 @@ TEST_F(TodayWindowTest, ScreenReadersHearPlansWithDateAndZone) {
 }
 
 TEST_F(TodayWindowTest, ACommitOfAnotherProgramMakesTheRowAppear) {
-  for (const char* journal : {"WAL", "DELETE"}) {
-    SCOPED_TRACE(journal);
-    addPlan("Milky Way", "2026-07-15T21:40:00Z", "Europe/Madrid");
-    test::sqlite(path(), std::string("PRAGMA journal_mode=") + journal);
-  }
+  addTwoPlans();
   openWindow({.dark = {}, .expanded = true});
   ASSERT_NE(row(1), nullptr);
-  addPlan("Sunrise", "2026-07-16T03:52:00Z", "Europe/Madrid");
+  ASSERT_EQ(test::sqlite(path(), "PRAGMA journal_mode"), "wal");
+  addPlan("Moon", "2026-07-17T19:00:00Z", "Europe/Madrid");
   EXPECT_TRUE(handlesUntil([&] { return row(2) != nullptr; }));
   EXPECT_EQ(restarts_, 0);
+}
+
+TEST_F(TodayWindowTest, ACommitThroughARollbackJournalMakesTheRowAppear) {
+  addTwoPlans();
+  store_.reset();
+  ASSERT_EQ(test::sqlite(path(), "PRAGMA journal_mode=DELETE"), "delete");
+  openWindow({.dark = {}, .expanded = true});
+  ASSERT_NE(row(1), nullptr);
+  addPlan("Moon", "2026-07-17T19:00:00Z", "Europe/Madrid");
+  EXPECT_TRUE(handlesUntil([&] { return row(2) != nullptr; }));
+  EXPECT_EQ(test::sqlite(path(), "PRAGMA journal_mode"), "delete");
 }
 
 TEST_F(TodayWindowTest, ANewLifeWithTheSameRowsLeavesEveryPixel) {
