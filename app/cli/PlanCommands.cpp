@@ -199,7 +199,11 @@ int listPlans(const std::optional<std::string>& from, const std::optional<std::s
   const auto plans = plansInRange(**context, *range);
   if (!plans) return console.fail(plans.error());
   if (plans->empty()) console.note("no plans");
-  console.print(console.isJson() ? jsonText(*plans) : planTable(*plans, console));
+  if (console.isJson()) {
+    printJson(*plans, console);
+  } else {
+    console.print(planTable(*plans, console));
+  }
   return kExitDone;
 }
 

@@ -52,12 +52,6 @@ std::string jsonText(const Planning& plan) {
   return jsonText(jsonOfPlan(plan));
 }
 
-std::string jsonText(const std::vector<std::shared_ptr<Planning>>& plans) {
-  Json list = Json::array();
-  for (const auto& plan : plans) list.push_back(jsonOfPlan(*plan));
-  return jsonText(Json{{"plans", std::move(list)}});
-}
-
 std::string jsonText(const TodayList& today) {
   Json list = Json::array();
   for (const auto& row : today.rows) {
@@ -70,6 +64,22 @@ std::string jsonText(const TodayList& today) {
   return jsonText(Json{{"plans", std::move(list)},
                        {"message", orNull(today.message)},
                        {"mode", today.isExpanded ? "expanded" : "compact"}});
+}
+
+void printJson(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {
+  console.print("{\n  \"plans\": [");
+  const char* lineBreak = "\n    ";
+  for (const auto& plan : plans) {
+    console.print(plan == plans.front() ? lineBreak : std::string(",") + lineBreak);
+    std::string text = jsonText(*plan);
+    text.pop_back();
+    // Within texts line breaks are escaped, so all of these are the layout's.
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) {
+      text.replace(at, 1, lineBreak);
+    }
+    console.print(text);
+  }
+  console.print(plans.empty() ? "]\n}\n" : "\n  ]\n}\n");
 }
 
 }  // namespace vantrel::cli
