@@ -13,7 +13,8 @@ ratio() {
   python3 - "$1" "$scratch/times.json" <<'PY'
 import json, sys
 ours, theirs = (result["median"] * 1000 for result in json.load(open(sys.argv[2]))["results"])
-print(f"{sys.argv[1]}: {ours:.2f} ms, compared with {theirs:.2f} ms: ratio {ours / theirs:.2f}")
+print(f"{sys.argv[1]}: {ours:.2f} ms, compared with {theirs:.2f} ms: "
+      f"{ours - theirs:+.2f} ms, ratio {ours / theirs:.2f}")
 PY
 }
 
@@ -31,6 +32,10 @@ for plans in 100 10000 1000000; do
   VANTREL_GROUP_CONTAINER="$scratch/$plans" ratio "vantrel today, $plans plans" 60 \
     "$build/vantrel today --expanded" "$build/minimal_today $scratch/$plans/Vantrel.sqlite"
 done
-VANTREL_GROUP_CONTAINER="$scratch/100" ratio "vantrel-today --render" 20 \
+export VANTREL_GROUP_CONTAINER="$scratch/100"
+"$build/vantrel" planner preset --latitude 41.39 --longitude 2.17 --date now
+ratio "vantrel defaults read" 100 "$build/vantrel defaults read planner_date" \
+  "$build/vantrel --version"
+ratio "vantrel-today --render" 20 \
   "$build/vantrel-today --render $scratch/card.png --expanded" \
   "$build/minimal_render $scratch/labels.png"
