@@ -55,7 +55,7 @@ int setObserver(const Changes& changes, Console& console) {
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
     auto stored = storedObserver(defaults);
     if (!stored) return tl::make_unexpected(stored.error());
-    if (const auto done = apply(changes, stored->observer); !done) return done;
+    if (auto done = apply(changes, stored->observer); !done) return done;
     defaults.setObject(PropertyList::data(stored->observer.archivedData()),
                        kUserDefaultsPlannerObserver);
     return {};
