@@ -105,7 +105,9 @@ StoreConnection::StoreConnection() = default;
 StoreConnection::~StoreConnection() = default;
 
 void StoreConnection::connect(const std::string& name, int flags) {
-  database_ = std::make_unique<SQLite::Database>(name, flags, kLockWaitMilliseconds);
+  // One thread uses a connection: locking inside it would only cost time.
+  database_ = std::make_unique<SQLite::Database>(name, flags | SQLite::OPEN_NOMUTEX,
+                                                 kLockWaitMilliseconds);
   sqlite3* handle = database_->getHandle();
   sqlite3_extended_result_codes(handle, 1);
   // A store may come from anywhere: its views and triggers get no dangerous functions.
@@ -192,7 +194,9 @@ void StoreConnection::setPragmas(const std::map<std::string, std::string>& pragm
     if (!isWord(name) || !isWord(value)) {
       failStore(StoreErrorCode::kInvalidRequest, "the store has no such setting: " + name);
     }
-    database_->exec("PRAGMA " + name + " = " + value);
+    std::string pragma = "PRAGMA ";
+    pragma.append(name).append(" = ").append(value);
+    database_->exec(pragma);
   }
 }
 

@@ -48,7 +48,8 @@ std::shared_ptr<ManagedObjectModel> loadModel(const std::optional<fs::path>& url
 std::pair<std::string, std::string> describe(const Error& error) {
   std::string userInfo;
   for (const auto& [key, value] : error.userInfo) {
-    userInfo += (userInfo.empty() ? "" : ", ") + key + " = " + value;
+    if (!userInfo.empty()) userInfo += ", ";
+    userInfo.append(key).append(" = ").append(value);
   }
   return {error.domain + " " + std::to_string(error.code) + ": " + error.localizedDescription,
           "{" + userInfo + "}"};
