@@ -39,3 +39,17 @@ ratio "vantrel defaults read" 100 "$build/vantrel defaults read planner_date" \
 ratio "vantrel-today --render" 20 \
   "$build/vantrel-today --render $scratch/card.png --expanded" \
   "$build/minimal_render $scratch/labels.png"
+
+python3 - "$scratch" <<'PY'
+import random, sys
+random.seed(1)
+globe = lambda: (random.uniform(-90, 90), random.uniform(-180, 180))
+with open(sys.argv[1] + "/pins", "w") as pins, open(sys.argv[1] + "/points", "w") as points:
+    for _ in range(1000000):
+        (lat1, lon1), (lat2, lon2) = globe(), globe()
+        pins.write(f"{lat1:.6f} {lon1:.6f} 120.5 {lat2:.6f} {lon2:.6f} 1403.0\n")
+        points.write(f"{lat1:.6f} {lon1:.6f} {lat2:.6f} {lon2:.6f}\n")
+PY
+ratio "vantrel geo curve --batch, 1000000 lines" 5 \
+  "$build/vantrel geo curve --batch $scratch/pins" \
+  "GeodSolve -i --input-file $scratch/points --output-file /dev/null"

@@ -116,9 +116,13 @@ Expected<double> longitudeFromArgument(const std::string& option, const std::str
   return degreesFromArgument(option, text, kMostLongitude);
 }
 
-Expected<double> realFromArgument(const std::string& option, const std::string& text) {
+std::optional<double> finiteNumber(std::string_view text) {
   const auto real = number<double>(text);
-  if (real && std::isfinite(*real)) return *real;
+  return real && std::isfinite(*real) ? real : std::nullopt;
+}
+
+Expected<double> realFromArgument(const std::string& option, const std::string& text) {
+  if (const auto real = finiteNumber(text)) return *real;
   return refused(option, text, "allowed are decimal numbers");
 }
 

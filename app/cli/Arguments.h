@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/Date.h"
 #include "base/Error.h"
@@ -31,7 +32,9 @@ Expected<double> degreesFromArgument(const std::string& option, const std::strin
 Expected<double> latitudeFromArgument(const std::string& option, const std::string& text);
 Expected<double> longitudeFromArgument(const std::string& option, const std::string& text);
 
-/// A finite decimal number.
+/// The finite decimal number that the whole text is.
+std::optional<double> finiteNumber(std::string_view text);
+/// The same of an argument.
 Expected<double> realFromArgument(const std::string& option, const std::string& text);
 /// One that single precision can hold.
 Expected<float> floatFromArgument(const std::string& option, const std::string& text);

@@ -29,6 +29,8 @@ struct CommandGroup {
 void fillTodayCommand(CLI::App& parser, Session& session);
 void fillPlanCommands(CLI::App& parser, Session& session);
 void fillOpenCommand(CLI::App& parser, Session& session);
+void fillGeoCommands(CLI::App& parser, Session& session);
+void fillUnitsCommands(CLI::App& parser, Session& session);
 void fillStoreCommands(CLI::App& parser, Session& session);
 void fillPlannerCommands(CLI::App& parser, Session& session);
 void fillObserverCommands(CLI::App& parser, Session& session);

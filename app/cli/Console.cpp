@@ -82,9 +82,10 @@ int Console::finish(int exitCode) {
   return fail(failure(kExitInputOutput, "standard output", std::strerror(outputError_)));
 }
 
-void Console::flush() {
+bool Console::flush() {
   if (outputError_ == 0) outputError_ = writeAll(STDOUT_FILENO, output_);
   output_.clear();
+  return outputError_ == 0;
 }
 
 }  // namespace vantrel::cli

@@ -21,6 +21,9 @@ class Console {
 
   /// Adds to standard output, as it is; written in large pieces.
   void print(std::string_view text);
+  /// Writes what was printed so far, for a reader that waits for it. False when nobody reads any
+  /// more or it cannot be written: more need not be printed.
+  bool flush();
   /// The text in bold or dimmed, where standard output shows that.
   std::string bold(std::string_view text) const;
   std::string dim(std::string_view text) const;
@@ -40,8 +43,6 @@ class Console {
   int finish(int exitCode);
 
  private:
-  void flush();
-
   bool json_ = false;
   bool quiet_ = false;
   bool color_ = false;

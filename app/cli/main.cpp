@@ -3,6 +3,9 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <charconv>
+#include <cmath>
 #include <exception>
 #include <numeric>
 #include <string>
@@ -20,6 +23,9 @@ constexpr std::array kGroups = {
     CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
     CommandGroup{"plan", "Add, list, show, edit and remove plans", &fillPlanCommands},
     CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},
+    CommandGroup{"geo", "Bearing, distance and elevation between two points", &fillGeoCommands},
+    CommandGroup{"units", "Choose metric or imperial units; write lengths in them",
+                 &fillUnitsCommands},
     CommandGroup{"store", "Look into the store, or fill it with samples", &fillStoreCommands},
     CommandGroup{"planner", "Preset the planner of the main application", &fillPlannerCommands},
     CommandGroup{"observer", "Where the planner stands, how high, and its horizon",
@@ -123,16 +129,18 @@ std::vector<std::string> optionNames(const CLI::App& parser) {
 }
 
 /// The words that name commands, walked down from `root`; what is filled on the way decides what
-/// can be parsed. Nothing to say when they lead to a command, else what is wrong.
-std::optional<Error> fillCommands(CLI::App& root, Session& session,
-                                  const std::vector<std::string>& arguments) {
+/// can be parsed. The command that they lead to, else what is wrong.
+Expected<CLI::App*> fillCommands(CLI::App& root, Session& session,
+                                 const std::vector<std::string>& arguments) {
   CLI::App* parser = &root;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& word = arguments[i];
     if (word == "--color") ++i;
     if (word.starts_with('-')) continue;
     CLI::App* below = commandNamed(*parser, word);
-    if (!below) return unknownWord(word, "command", commandNames(*parser), *parser);
+    if (!below) {
+      return tl::make_unexpected(unknownWord(word, "command", commandNames(*parser), *parser));
+    }
     if (parser == &root) {
       const auto group = std::find_if(kGroups.begin(), kGroups.end(),
                                       [&](const auto& one) { return one.name == word; });
@@ -141,7 +149,35 @@ std::optional<Error> fillCommands(CLI::App& root, Session& session,
     parser = below;
     if (parser->get_subcommands({}).empty()) break;
   }
-  return std::nullopt;
+  return parser;
+}
+
+/// Whether the word is an option behind which a value must stand.
+bool wantsValue(const CLI::App& parser, const std::string& word) {
+  for (const CLI::App* at = &parser; at; at = at->get_parent()) {
+    if (const auto* option = at->get_option_no_throw(word)) {
+      return option->get_items_expected_min() > 0;
+    }
+  }
+  return false;
+}
+
+/// The library takes "-.5" for an option, but not "-0.5".
+std::vector<std::string> withWrittenZeros(std::vector<std::string> arguments,
+                                          const CLI::App& parser) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    std::string& word = arguments[i];
+    const bool isNumber = word.size() > 2 && word.starts_with("-.") && std::isdigit(word[2]);
+    if (isNumber && !(i > 0 && wantsValue(parser, arguments[i - 1]))) word.insert(1, "0");
+  }
+  return arguments;
+}
+
+bool isInfiniteOrNaN(const std::string& word) {
+  double number = 0;
+  const char* end = word.data() + word.size();
+  const auto [stop, error] = std::from_chars(word.data(), end, number);
+  return stop == end && error == std::errc() && !std::isfinite(number);
 }
 
 /// The command that the line named, or the last word on the way to one.
@@ -154,6 +190,9 @@ const CLI::App& deepestParsed(const CLI::App& root) {
 int failUsage(const CLI::ParseError& error, const CLI::App& root, Session& session) {
   const CLI::App& parser = deepestParsed(root);
   for (const auto& word : root.remaining(true)) {
+    if (isInfiniteOrNaN(word)) {
+      return session.console.fail(failure(kExitUsage, word, "allowed are finite numbers"));
+    }
     if (word.starts_with('-')) {
       return session.console.fail(
           unknownWord(word.substr(0, word.find('=')), "option", optionNames(parser), parser));
@@ -205,10 +244,11 @@ int run(const std::vector<std::string>& arguments) {
   for (const auto& group : kGroups) root.add_subcommand(group.name, group.description);
   root.footer(kExamples);
   try {
-    if (const auto wrong = fillCommands(root, session, arguments)) {
-      return session.console.finish(session.console.fail(*wrong));
-    }
-    root.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    const auto parser = fillCommands(root, session, arguments);
+    if (!parser) return session.console.finish(session.console.fail(parser.error()));
+    auto words = withWrittenZeros(arguments, **parser);
+    std::reverse(words.begin(), words.end());
+    root.parse(std::move(words));
   } catch (const CLI::CallForHelp&) {
     session.console.print(root.help());
   } catch (const CLI::CallForVersion& version) {

@@ -14,7 +14,8 @@ namespace vantrel::test {
 class CommandLineTest : public testing::Test {
  protected:
   ProgramResult run(const std::vector<std::string>& arguments,
-                    const std::map<std::string, std::string>& more = {}) const {
+                    const std::map<std::string, std::string>& more = {},
+                    const std::string& input = {}) const {
     std::map<std::string, std::string> environment = {
         {"VANTREL_GROUP_CONTAINER", container_.string()},
         {"VANTREL_NOW", "2026-07-15T10:00:00Z"},
@@ -27,7 +28,7 @@ class CommandLineTest : public testing::Test {
     for (const auto& [name, value] : more) environment[name] = value;
     std::vector<std::string> command = {"vantrel"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return runProgram(command, environment);
+    return runProgram(command, environment, input);
   }
 
   /// Adds a plan and gives its identifier.
