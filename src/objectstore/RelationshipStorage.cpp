@@ -17,6 +17,7 @@ constexpr std::size_t kLargestModel = std::size_t{16} << 20;
 
 /// Raw DEFLATE, without header; nothing for damaged or oversized data.
 std::optional<std::vector<std::byte>> inflated(std::span<const std::byte> data) {
+  if (data.size() > kLargestModel) return std::nullopt;
   z_stream stream = {};
   constexpr int kRaw = -15;
   if (inflateInit2(&stream, kRaw) != Z_OK) return std::nullopt;
