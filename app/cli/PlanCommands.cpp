@@ -168,25 +168,44 @@ Expected<Range> checkedRange(const std::optional<std::string>& from,
 
 using Plans = std::vector<std::shared_ptr<Planning>>;
 
-/// By date, those without one last; with a range, only those that lie in it.
-Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) {
+Plans asPlans(const ManagedObjectContext::Objects& objects) {
+  Plans plans;
+  plans.reserve(objects.size());
+  for (const auto& object : objects) {
+    if (auto plan = std::dynamic_pointer_cast<Planning>(object)) plans.push_back(std::move(plan));
+  }
+  return plans;
+}
+
+/// Every plan by date, those without one last.
+Expected<Plans> allPlans(ManagedObjectContext& context) {
   FetchRequest request;
   request.entityName = kPlanEntity;
   request.sortDescriptors = {{"date", true}};
-  if (range.first) request.predicate = Predicate::greaterThanOrEqual("date", *range.first);
-  const auto objects = context.executeFetchRequest(request);
-  if (!objects) return tl::make_unexpected(objects.error());
-  Plans plans;
-  for (const auto& object : *objects) {
-    auto plan = std::dynamic_pointer_cast<Planning>(object);
-    if (plan) plans.push_back(std::move(plan));
+  return context.executeFetchRequest(request).map(asPlans).map([](Plans plans) {
+    std::stable_partition(plans.begin(), plans.end(),
+                          [](const auto& plan) { return plan->date().has_value(); });
+    return plans;
+  });
+}
+
+/// The dated plans from `first` to `last`, by date.
+Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) {
+  constexpr double kEarliest = -1e300;
+  constexpr std::size_t kFewPlans = 100;
+  FetchRequest request;
+  request.entityName = kPlanEntity;
+  request.predicate = Predicate::greaterThanOrEqual("date", range.first.value_or(Date(kEarliest)));
+  request.sortDescriptors = {{"date", true}};
+  const auto isLater = [&](const auto& plan) { return range.last && plan->date() > range.last; };
+  // A predicate has no upper end: some plans first, and more while none of them lies behind it.
+  if (range.last) request.fetchLimit = kFewPlans;
+  auto plans = context.executeFetchRequest(request).map(asPlans);
+  while (plans && range.last && plans->size() == request.fetchLimit && !isLater(plans->back())) {
+    request.fetchLimit *= 10;
+    plans = context.executeFetchRequest(request).map(asPlans);
   }
-  const auto dated = std::stable_partition(
-      plans.begin(), plans.end(), [](const auto& plan) { return plan->date().has_value(); });
-  if (range.first || range.last) plans.erase(dated, plans.end());
-  if (range.last) {
-    std::erase_if(plans, [&](const auto& plan) { return *plan->date() > *range.last; });
-  }
+  if (plans) std::erase_if(*plans, isLater);
   return plans;
 }
 
@@ -196,7 +215,8 @@ int listPlans(const std::optional<std::string>& from, const std::optional<std::s
   if (!range) return console.fail(range.error());
   const auto context = contextForReading();
   if (!context) return console.fail(context.error());
-  const auto plans = plansInRange(**context, *range);
+  const auto plans =
+      range->first || range->last ? plansInRange(**context, *range) : allPlans(**context);
   if (!plans) return console.fail(plans.error());
   if (plans->empty()) console.note("no plans");
   if (console.isJson()) {

@@ -26,6 +26,12 @@ std::string shown(const std::optional<std::string>& text) {
   return text && !text->empty() ? printable(*text) : kUnknown;
 }
 
+/// Asked for by every row, and the same for the program's short life.
+const TimeZone& deviceZone() {
+  static const TimeZone zone = TimeZone::defaultTimeZone();
+  return zone;
+}
+
 struct TableRow {
   std::string when;
   std::string name;
@@ -61,7 +67,7 @@ TimeZone zoneOfPlan(const Planning& plan) {
   if (const auto name = plan.timezone()) {
     if (auto zone = TimeZone::timeZoneWithName(*name)) return *zone;
   }
-  return TimeZone::defaultTimeZone();
+  return deviceZone();
 }
 
 std::string placeText(std::optional<double> latitude, std::optional<double> longitude) {
@@ -83,7 +89,7 @@ std::string wallText(Date date, const TimeZone& zone) {
 }
 
 std::optional<std::string> hereText(Date date, const TimeZone& zone) {
-  const TimeZone here = TimeZone::defaultTimeZone();
+  const TimeZone& here = deviceZone();
   if (here.secondsFromGMTForDate(date) == zone.secondsFromGMTForDate(date)) return std::nullopt;
   const std::string there = wallText(date, zone);
   const std::string text = wallText(date, here);

@@ -16,12 +16,13 @@ Expected<std::filesystem::path> storePath() {
       failure(kExitMissing, "store", "no place for it; set HOME or VANTREL_GROUP_CONTAINER"));
 }
 
-/// The widget takes a store that cannot be read for an empty one; a fetch of our own tells.
-Expected<ManagedObjectContext*> context(const std::filesystem::path& path) {
-  ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
-  if (!context) {
-    return tl::make_unexpected(failure(kExitInternal, path.string(), "the model is missing"));
+/// A store that could not be opened still has a context; a first fetch tells.
+Expected<ManagedObjectContext*> context() {
+  if (!Database::sharedInstance().modelURL()) {
+    return tl::make_unexpected(
+        failure(kExitInternal, "the program's resources", "not there; is it installed whole?"));
   }
+  ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
   FetchRequest request;
   request.entityName = kPlanEntity;
   request.fetchLimit = 1;
@@ -33,7 +34,7 @@ Expected<ManagedObjectContext*> context(const std::filesystem::path& path) {
 }  // namespace
 
 Expected<std::filesystem::path> existingStore() {
-  const auto path = storePath();
+  auto path = storePath();
   std::error_code error;
   if (path && std::filesystem::status(*path, error).type() == std::filesystem::file_type::not_found)
     return tl::make_unexpected(failure(kExitMissing, path->string(),
@@ -43,11 +44,11 @@ Expected<std::filesystem::path> existingStore() {
 }
 
 Expected<ManagedObjectContext*> contextForReading() {
-  return existingStore().and_then(context);
+  return existingStore().and_then([](const auto& /*path*/) { return context(); });
 }
 
 Expected<ManagedObjectContext*> contextForWriting() {
-  return storePath().and_then(context);
+  return storePath().and_then([](const auto& /*path*/) { return context(); });
 }
 
 }  // namespace vantrel::cli

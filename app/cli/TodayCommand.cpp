@@ -7,6 +7,7 @@
 #include "cli/PlanText.h"
 #include "cli/StoreAccess.h"
 #include "cli/TerminalText.h"
+#include "platform/DateFormatter.h"
 #include "time/DeviceSystemMajorVersion.h"
 #include "widget/TodayEventsViewController.h"
 
@@ -56,31 +57,47 @@ TodayList todayList(bool expanded) {
   return today;
 }
 
+/// The clock here, where it shows something else than the plan's: "Europe/Athens, 5:20 AM here".
+std::optional<std::string> localText(const Planning& plan, DateFormatter& formatter) {
+  const auto date = plan.date();
+  const TimeZone zone = zoneOfPlan(plan);
+  if (!date || !hereText(*date, zone)) return std::nullopt;
+  using Style = DateFormatter::Style;
+  const auto styled = [&](Style day, Style time, const std::optional<TimeZone>& shown) {
+    formatter.setTimeZone(shown);
+    formatter.setDateStyle(day);
+    formatter.setTimeStyle(time);
+    return formatter.stringFromDate(*date);
+  };
+  const std::string day = styled(Style::kShort, Style::kNone, std::nullopt);
+  const bool sameDay = day == styled(Style::kShort, Style::kNone, zone);
+  const std::string time = styled(Style::kNone, Style::kShort, std::nullopt);
+  return zone.name() + ", " + (sameDay ? "" : day + " ") + time + " here";
+}
+
 /// Two lines for each row, as on the card. The card tells each plan in its own zone without saying
-/// so; here it is said where the clock here shows something else.
+/// so; here that is said.
 std::string todayText(const TodayList& today, const Console& console) {
+  DateFormatter formatter;
   std::string text;
   if (today.message) text += *today.message + "\n";
   for (const auto& row : today.rows) {
     if (!text.empty()) text += "\n";
-    text += console.bold(row.title.empty() ? "--" : printable(row.title)) + "\n";
-    text += "  " + row.dateText;
-    if (const auto date = row.plan->date()) {
-      const TimeZone zone = zoneOfPlan(*row.plan);
-      if (const auto here = hereText(*date, zone)) {
-        text += "  " + console.dim(zone.name() + ", " + *here);
-      }
-    }
+    text += console.bold(row.title.empty() ? "--" : printable(row.title)) + "\n  " + row.dateText;
+    if (const auto local = localText(*row.plan, formatter)) text += "  " + console.dim(*local);
     text += "\n";
   }
   return text;
 }
 
-int showToday(bool expanded, Console& console) {
-  // The widget shows a store that cannot be read as an empty one.
-  const auto context = contextForReading();
-  if (!context) return console.fail(context.error());
-  const TodayList today = todayList(expanded);
+int showToday(bool isExpanded, Console& console) {
+  if (const auto store = existingStore(); !store) return console.fail(store.error());
+  const TodayList today = todayList(isExpanded);
+  if (today.rows.empty()) {
+    // The widget takes a store that cannot be read for an empty one; a fetch of our own tells.
+    const auto context = contextForReading();
+    if (!context) return console.fail(context.error());
+  }
   console.print(console.isJson() ? jsonText(today) : todayText(today, console));
   return kExitDone;
 }

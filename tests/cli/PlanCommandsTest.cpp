@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "cli/CommandLineFixture.h"
+#include "support/TestStore.h"
 
 namespace vantrel {
 namespace {
@@ -145,6 +146,20 @@ TEST_F(PlanCommands, ListInColumnsThatLineUp) {
   // Not even JSON hands a terminal what it would act on.
   const std::string text = run({"plan", "show", ids[2], "--json"}).output;
   EXPECT_THAT(text, HasSubstr(R"(Blue\u001b]0;hour\u0007 \u202ebridge\n)"));
+}
+
+TEST_F(PlanCommands, ListARangeOfAnyNumberOfPlans) {
+  add({"--name", "Undated"});
+  // An hour apart from 2026-07-15 10:00 UTC on, as seconds since 2001.
+  test::sqlite(store(),
+               "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 299) "
+               "INSERT INTO ZPLANNING (Z_ENT, Z_OPT, ZDATE) SELECT 4, 1, 805802400 + i * 3600 "
+               "FROM n");
+  for (const auto& [last, count] : std::map<std::string, std::size_t>{
+           {"2026-07-19T13:00:00Z", 100}, {"2026-07-25T19:59:59Z", 250}, {"2027-01-01", 300}}) {
+    const auto list = json::parse(run({"plan", "list", "--to", last, "--json"}).output);
+    EXPECT_EQ(list["plans"].size(), count) << last;
+  }
 }
 
 TEST_F(PlanCommands, ShowEverythingToAPerson) {
