@@ -106,8 +106,8 @@ StoreConnection::~StoreConnection() = default;
 
 void StoreConnection::connect(const std::string& name, int flags) {
   // One thread uses a connection: locking inside it would only cost time.
-  database_ = std::make_unique<SQLite::Database>(name, flags | SQLite::OPEN_NOMUTEX,
-                                                 kLockWaitMilliseconds);
+  database_ =
+      std::make_unique<SQLite::Database>(name, flags | SQLite::OPEN_NOMUTEX, kLockWaitMilliseconds);
   sqlite3* handle = database_->getHandle();
   sqlite3_extended_result_codes(handle, 1);
   // A store may come from anywhere: its views and triggers get no dangerous functions.
