@@ -89,7 +89,7 @@ QString handlerForScheme(const QString& scheme) {
   // Without a choice the desktop takes an application that declares the scheme.
   const auto folders = applicationFolders();
   for (const auto& folder : folders) {
-    const auto handler =
+    auto handler =
         firstListed(folder + QStringLiteral("/mimeinfo.cache"), QStringLiteral("MIME Cache"), type);
     if (!handler.isEmpty()) return handler;
   }
