@@ -88,7 +88,7 @@ std::string textOfObserver(const StoredObserver& stored, const Console& console)
                                          ? placeText(horizon.latitude, horizon.longitude)
                                          : "--") +
          console.labelled("  altitude", observer.stringForAltitude(observer.altitudeAtHorizon())) +
-         console.labelled("  pin above", heightText(observer)) +
+         console.labelled("  height", heightText(observer)) +
          console.labelled("  adjusted", observer.adjustForHeightAboveHorizon() ? "on" : "off");
 }
 
