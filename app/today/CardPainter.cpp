@@ -74,8 +74,13 @@ void CardPainter::paint(QPainter& painter, const QSize& pictureSize, const CardC
 void CardPainter::paintShadow(QPainter& painter, const QSize& pictureSize, const CardLayout& layout,
                               const Theme& theme) {
   const double scale = painter.device()->devicePixelRatioF();
-  painter.drawImage(QPointF(0, 0),
-                    shadow_.imageFor(pictureSize, scale, layout.card, theme.shadowOpacity));
+  const QImage& shadow = shadow_.imageFor(pictureSize, scale, layout.card, theme.shadowOpacity);
+  // In bands, as a large image would be drawn by several threads, whose start takes longer.
+  constexpr int kPixelsPerBand = 1 << 15;
+  const int height = std::max(1, kPixelsPerBand / std::max(1, shadow.width()));
+  for (int y = 0; y < shadow.height(); y += height) {
+    painter.drawImage(QPointF(0, y / scale), shadow, QRectF(0, y, shadow.width(), height));
+  }
 }
 
 void CardPainter::paintHeader(QPainter& painter, const CardContent& content,

@@ -35,14 +35,17 @@ const QImage& CardShadow::imageFor(const QSize& size, double scale, const QRectF
   card_ = card;
   scale_ = scale;
   opacity_ = opacity;
-  image_ = QImage(pixels, QImage::Format_Alpha8);
+  // The painter's own format: any other is converted, by threads that a small picture waits for.
+  image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
   image_.setDevicePixelRatio(scale);
   const auto across = blurredBar(pixels.width(), scale, card.left(), card.right());
   const auto down = blurredBar(pixels.height(), scale, card.top() + kDrop, card.bottom() + kDrop);
   for (int y = 0; y < pixels.height(); ++y) {
-    uchar* line = image_.scanLine(y);
-    const double strength = down[static_cast<std::size_t>(y)] * opacity * 255;
-    for (const double share : across) *line++ = static_cast<uchar>(std::lround(share * strength));
+    auto* line = reinterpret_cast<QRgb*>(image_.scanLine(y));
+    const double strength = down[static_cast<std::size_t>(y)] * opacity * 256;
+    for (const double share : across) {
+      *line++ = qRgba(0, 0, 0, static_cast<int>(share * strength));
+    }
   }
   return image_;
 }

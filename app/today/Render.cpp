@@ -1,5 +1,7 @@
 #include "today/Render.h"
 
+#include <unistd.h>
+
 #include <QBuffer>
 #include <QByteArray>
 #include <QFile>
@@ -7,7 +9,6 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
-#include <QSaveFile>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -65,17 +66,30 @@ QImage paint(const Options& options, const QtTextMeasurer& measurer) {
   return image;
 }
 
-/// The picture in the file's place, or the code to exit with.
-template <typename File>
-int writeInto(File& file, const QByteArray& picture, const std::string& name,
-              bool (*finish)(File&)) {
-  if (!file.isOpen() && !file.open(QIODevice::WriteOnly)) {
+int writeInto(QFile& file, const QByteArray& picture, const std::string& name) {
+  if (file.write(picture) == picture.size() && file.flush()) return cli::kExitDone;
+  return fail(cli::kExitInputOutput, name + ": " + file.errorString().toStdString());
+}
+
+/// Puts the file in its place whole, or not at all. Not forced to the disk: a picture can be drawn
+/// again, and waiting for the disk takes longer than drawing.
+int replaceFile(const QByteArray& picture, const std::string& name) {
+  std::error_code error;
+  const auto canonical = std::filesystem::weakly_canonical(name, error);
+  const std::filesystem::path target = error ? std::filesystem::path(name) : canonical;
+  const std::string part = target.string() + ".part" + std::to_string(::getpid());
+  QFile file(QString::fromStdString(part));
+  if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
     return fail(cli::kExitCannotCreate, name + ": " + file.errorString().toStdString());
   }
-  if (file.write(picture) != picture.size() || !finish(file)) {
-    return fail(cli::kExitInputOutput, name + ": " + file.errorString().toStdString());
+  int result = writeInto(file, picture, name);
+  file.close();
+  if (result == cli::kExitDone) {
+    std::filesystem::rename(part, target, error);
+    if (error) result = fail(cli::kExitInputOutput, name + ": " + error.message());
   }
-  return cli::kExitDone;
+  if (result != cli::kExitDone) file.remove();
+  return result;
 }
 
 int write(const QImage& image, const std::string& name) {
@@ -84,21 +98,16 @@ int write(const QImage& image, const std::string& name) {
   if (!image.save(&buffer, "PNG")) {
     return fail(cli::kExitInternal, "the picture cannot be encoded");
   }
-  const QString path = QString::fromStdString(name);
-  const auto flush = +[](QFile& file) { return file.flush(); };
+  const QFileInfo existing(QString::fromStdString(name));
+  QFile file(existing.filePath());
   if (name == "-") {
-    QFile output;
-    output.open(stdout, QIODevice::WriteOnly);
-    return writeInto(output, picture, "standard output", flush);
+    file.open(stdout, QIODevice::WriteOnly);
+    return writeInto(file, picture, "standard output");
   }
   // A device or a pipe is written to; to put a file in its place would be a bad surprise.
-  if (const QFileInfo existing(path); existing.exists() && !existing.isFile()) {
-    QFile file(path);
-    return writeInto(file, picture, name, flush);
-  }
-  QSaveFile file(path);
-  return writeInto(
-      file, picture, name, +[](QSaveFile& whole) { return whole.commit(); });
+  if (!existing.exists() || existing.isFile()) return replaceFile(picture, name);
+  if (file.open(QIODevice::WriteOnly)) return writeInto(file, picture, name);
+  return fail(cli::kExitCannotCreate, name + ": " + file.errorString().toStdString());
 }
 
 }  // namespace
