@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <QFile>
 #include <QImage>
 #include <filesystem>
 
@@ -48,6 +51,17 @@ TEST(Render, DrawsThePictureThatIsAskedFor) {
   }
   const auto piped = test::runProgram({"vantrel-today", "--render", "-"}, environment);
   EXPECT_EQ(piped.output.substr(0, 4), "\x89PNG");
+
+  // What is no plain file is written to, never replaced.
+  const auto fifo = home / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  QFile reader(QString::fromStdString(fifo.string()));
+  ASSERT_TRUE(reader.open(::open(fifo.c_str(), O_RDWR | O_NONBLOCK), QIODevice::ReadOnly,
+                          QFile::AutoCloseHandle));
+  EXPECT_EQ(test::runProgram({"vantrel-today", "--render", fifo.string()}, environment).exitCode,
+            0);
+  EXPECT_EQ(reader.read(4), "\x89PNG");
+  EXPECT_TRUE(std::filesystem::is_fifo(fifo));
 }
 
 TEST(Render, SaysWhatIsWrongInOneLineAndLeavesNothingBehind) {

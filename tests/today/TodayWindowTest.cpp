@@ -278,6 +278,17 @@ TEST_F(TodayWindowTest, AStoreThatCannotBeOpenedIsNotTakenForAnEmptyOne) {
   EXPECT_EQ(test::readFile(path()).substr(0, 19), "this is no database");
 }
 
+TEST_F(TodayWindowTest, AStoreThatFailsLaterKeepsTheRowsOnTheCard) {
+  addTwoPlans();
+  openWindow();
+  test::sqlite(path(), "ALTER TABLE ZPLANNING RENAME TO ZGONE");
+  ASSERT_TRUE(handlesUntil([&] { return button("Retry") != nullptr; }));
+  EXPECT_NE(row(1), nullptr);
+  test::sqlite(path(), "ALTER TABLE ZGONE RENAME TO ZPLANNING");
+  EXPECT_TRUE(handlesUntil([&] { return button("Retry") == nullptr; }));
+  EXPECT_EQ(restarts_, 0);
+}
+
 TEST_F(TodayWindowTest, AnotherFileInTheStoresPlaceRestartsTheProgram) {
   addTwoPlans();
   openWindow();
