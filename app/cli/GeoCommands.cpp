@@ -126,7 +126,7 @@ struct SightOptions {
 /// The options of both line-of-sight commands, which differ in one.
 std::shared_ptr<SightOptions> addSight(CLI::App& parser, const char* name, const char* valueName,
                                        const char* description) {
-  const auto options = std::make_shared<SightOptions>();
+  auto options = std::make_shared<SightOptions>();
   const auto add = [&](const char* option, Number& target, const char* unit, const char* what) {
     addValueOption(parser, option, target, &realFromArgument, unit, what)->required();
   };

@@ -125,7 +125,7 @@ int withUnits(Console& console, Action action) {
 }
 
 std::shared_ptr<std::optional<float>> addLength(CLI::App& parser, const char* description) {
-  const auto value = std::make_shared<std::optional<float>>();
+  auto value = std::make_shared<std::optional<float>>();
   addValueOption(parser, "VALUE", *value, &floatFromArgument, "", description);
   return value;
 }
