@@ -29,7 +29,9 @@ bool insertPlans(sqlite3* file, long count) {
       "ZUNIQUEIDENTIFIER) SELECT ?1, Z_ENT, 1, ?2, 41.39, 2.17, ?3, 'Europe/Madrid', ?4 "
       "FROM Z_PRIMARYKEY WHERE Z_NAME = 'Planning'";
   sqlite3_stmt* insert = nullptr;
-  if (sqlite3_exec(file, "BEGIN", nullptr, nullptr, nullptr) != SQLITE_OK ||
+  const long before = count / 2;
+  if (sqlite3_exec(file, "PRAGMA synchronous = OFF; BEGIN", nullptr, nullptr, nullptr) !=
+          SQLITE_OK ||
       sqlite3_prepare_v2(file, kInsert, -1, &insert, nullptr) != SQLITE_OK) {
     return false;
   }
@@ -40,7 +42,7 @@ bool insertPlans(sqlite3* file, long count) {
     const std::string name = "Plan " + std::to_string(key);
     const std::string identifier = vantrel::uuidString();
     sqlite3_bind_int64(insert, 1, key);
-    sqlite3_bind_double(insert, 2, (now + static_cast<double>(key - count / 2)) * kHour);
+    sqlite3_bind_double(insert, 2, (now + static_cast<double>(key - before)) * kHour);
     sqlite3_bind_text(insert, 3, name.c_str(), -1, SQLITE_STATIC);
     sqlite3_bind_text(insert, 4, identifier.c_str(), -1, SQLITE_STATIC);
     ok = sqlite3_step(insert) == SQLITE_DONE && sqlite3_reset(insert) == SQLITE_OK;

@@ -7,13 +7,13 @@
 #include <charconv>
 #include <cmath>
 #include <exception>
-#include <numeric>
 #include <string>
 #include <vector>
 
 #include "base/Log.h"
 #include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
+#include "cli/Suggestion.h"
 
 namespace vantrel::cli {
 
@@ -58,25 +58,6 @@ class HelpFormatter : public CLI::Formatter {
   }
 };
 
-/// How many letters must be added, removed, replaced or swapped with their neighbour.
-std::size_t editDistance(const std::string& a, const std::string& b) {
-  std::vector<std::size_t> before;
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::vector<std::size_t> next(b.size() + 1);
-    next[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      next[j] = std::min({row[j] + 1, next[j - 1] + 1, row[j - 1] + (a[i - 1] != b[j - 1])});
-      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-        next[j] = std::min(next[j], before[j - 2] + 1);
-      }
-    }
-    before = std::exchange(row, std::move(next));
-  }
-  return row.back();
-}
-
 /// "plan add"; empty for the program itself.
 std::string commandPath(const CLI::App& parser) {
   const CLI::App* above = parser.get_parent();
@@ -93,16 +74,29 @@ std::string helpCommand(const CLI::App& parser) {
 /// The error for a word that none of `known` is.
 Error unknownWord(const std::string& word, const char* kind, const std::vector<std::string>& known,
                   const CLI::App& parser) {
-  const auto nearest = std::min_element(
-      known.begin(), known.end(),
-      [&](const auto& a, const auto& b) { return editDistance(word, a) < editDistance(word, b); });
   std::string why = std::string("no such ") + kind;
-  if (nearest != known.end() && editDistance(word, *nearest) * 3 <= nearest->size() + 1) {
+  const auto nearest = nearestWord(word, known);
+  if (nearest == word) {
+    why = "belongs behind " + commandPath(parser);
+  } else if (nearest) {
     why += "; did you mean " + *nearest + "?";
   } else {
     why += "; see " + helpCommand(parser);
   }
   return failure(kExitUsage, word, why);
+}
+
+/// The group that the first word of the line names; null for none.
+const CommandGroup* groupAskedFor(const std::vector<std::string>& arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& word = arguments[i];
+    if (word == "--color") ++i;
+    if (word.starts_with('-')) continue;
+    const auto group = std::find_if(kGroups.begin(), kGroups.end(),
+                                    [&](const auto& one) { return one.name == word; });
+    return group == kGroups.end() ? nullptr : &*group;
+  }
+  return nullptr;
 }
 
 CLI::App* commandNamed(CLI::App& parser, const std::string& name) {
@@ -141,11 +135,7 @@ Expected<CLI::App*> fillCommands(CLI::App& root, Session& session,
     if (!below) {
       return tl::make_unexpected(unknownWord(word, "command", commandNames(*parser), *parser));
     }
-    if (parser == &root) {
-      const auto group = std::find_if(kGroups.begin(), kGroups.end(),
-                                      [&](const auto& one) { return one.name == word; });
-      group->fill(*below, session);
-    }
+    if (parser == &root) groupAskedFor(arguments)->fill(*below, session);
     parser = below;
     if (parser->get_subcommands({}).empty()) break;
   }
@@ -241,7 +231,11 @@ int run(const std::vector<std::string>& arguments) {
   root.formatter(std::make_shared<HelpFormatter>());
   root.footer(kEverywhere);
   addEverywhere(root, session);
-  for (const auto& group : kGroups) root.add_subcommand(group.name, group.description);
+  // Each costs time at every start: the others only to be listed, or to suggest one of them.
+  const CommandGroup* asked = groupAskedFor(arguments);
+  for (const auto& group : kGroups) {
+    if (!asked || asked == &group) root.add_subcommand(group.name, group.description);
+  }
   root.footer(kExamples);
   try {
     const auto parser = fillCommands(root, session, arguments);

@@ -1,0 +1,44 @@
+#include "cli/Suggestion.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace vantrel::cli {
+
+namespace {
+
+/// How many letters must be added, removed, replaced or swapped with their neighbour.
+std::size_t editDistance(const std::string& a, const std::string& b) {
+  std::vector<std::size_t> before;
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    std::vector<std::size_t> next(b.size() + 1);
+    next[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      next[j] = std::min({row[j] + 1, next[j - 1] + 1, row[j - 1] + (a[i - 1] != b[j - 1])});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+        next[j] = std::min(next[j], before[j - 2] + 1);
+      }
+    }
+    before = std::exchange(row, std::move(next));
+  }
+  return row.back();
+}
+
+}  // namespace
+
+std::optional<std::string> nearestWord(const std::string& word,
+                                       const std::vector<std::string>& known) {
+  const auto nearest = std::min_element(
+      known.begin(), known.end(),
+      [&](const auto& a, const auto& b) { return editDistance(word, a) < editDistance(word, b); });
+  // A third of the letters may be wrong; beyond that, a guess would only confuse.
+  if (nearest == known.end() || editDistance(word, *nearest) * 3 > nearest->size() + 1) {
+    return std::nullopt;
+  }
+  return *nearest;
+}
+
+}  // namespace vantrel::cli
