@@ -399,6 +399,8 @@ TEST_F(SqliteStoreTest, ReadsAndWritesOnlyWhatItMay) {
   constexpr auto kReadFile = fs::perms::owner_read | fs::perms::others_read;
   constexpr auto kNothing = fs::perms::none;
   fs::permissions(directory_.path(), kAll);
+  // Read beforehand: the build may lie where only its owner may look.
+  const auto model = test::mainModel();
   struct Case {
     const char* name;
     bool isMade;
@@ -432,7 +434,7 @@ TEST_F(SqliteStoreTest, ReadsAndWritesOnlyWhatItMay) {
         return storeErrorCode(error) == StoreErrorCode::kPermission ? "permission"
                                                                     : error.localizedDescription;
       };
-      OpenStore store(file);
+      OpenStore store(file, test::mainOptions(), model);
       if (!store.store) return tell(store.store.error());
       const auto count = store.context.countForFetchRequest({.entityName = "Planning"});
       if (!count) return tell(count.error());
