@@ -1,8 +1,10 @@
 #include "cli/Arguments.h"
 
+#include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <string_view>
 
 #include "base/Iso8601.h"
@@ -15,7 +17,10 @@ namespace vantrel::cli {
 namespace {
 
 constexpr double kSecondsPerDay = 86400;
+constexpr int kDaysPerWeek = 7;
 constexpr int kMostDaysAhead = 36500;
+constexpr std::array<std::string_view, kDaysPerWeek> kWeekdays = {
+    "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
 /// "2026-07-15"
 constexpr std::size_t kDayLength = 10;
 
@@ -36,27 +41,40 @@ std::optional<Number> number(std::string_view text) {
   return value;
 }
 
-/// How many days ahead "today", "tomorrow" or "+3d" is.
-std::optional<int> daysAhead(std::string_view word) {
+/// The days that "+3d" or "-2w" counts.
+std::optional<int> countedDays(std::string_view word) {
+  if (word.size() < 3 || (word.front() != '+' && word.front() != '-')) return std::nullopt;
+  const int unit = word.back() == 'd' ? 1 : word.back() == 'w' ? kDaysPerWeek : 0;
+  const auto count = number<int>(word.substr(0, word.size() - 1));
+  if (unit == 0 || !count || std::abs(*count) > kMostDaysAhead / unit) return std::nullopt;
+  return *count * unit;
+}
+
+/// How many days after `today` (days since 2001-01-01, a Monday) the word's day is. A weekday is
+/// the coming one, today included.
+std::optional<int> daysAhead(std::string_view word, int today) {
   if (word == "today") return 0;
   if (word == "tomorrow") return 1;
-  if (word.size() < 3 || word.front() != '+' || word.back() != 'd') return std::nullopt;
-  int days = 0;
-  const char* end = word.data() + word.size() - 1;
-  const auto [stop, error] = std::from_chars(word.data() + 1, end, days);
-  if (error != std::errc() || stop != end || days < 0 || days > kMostDaysAhead) return std::nullopt;
-  return days;
+  if (word == "yesterday") return -1;
+  constexpr std::size_t kShortName = 3;
+  for (int day = 0; day < kDaysPerWeek; ++day) {
+    const std::string_view name = kWeekdays[static_cast<std::size_t>(day)];
+    if (word != name && word != name.substr(0, kShortName)) continue;
+    return ((day - today) % kDaysPerWeek + kDaysPerWeek) % kDaysPerWeek;
+  }
+  return countedDays(word);
 }
 
 /// The text with a leading relative day replaced by that day on the zone's calendar.
 std::string withCalendarDay(const std::string& text, const TimeZone& zone) {
   const std::size_t wordEnd = text.find(' ');
-  const auto days = daysAhead(std::string_view(text).substr(0, wordEnd));
-  if (!days) return text;
   const Date now = Clock::sharedClock().now();
-  const double wallSeconds = now.timeIntervalSinceReferenceDate() +
-                             zone.secondsFromGMTForDate(now) + *days * kSecondsPerDay;
-  const std::string day = iso8601String(Date(wallSeconds)).substr(0, kDayLength);
+  const double wallSeconds = now.timeIntervalSinceReferenceDate() + zone.secondsFromGMTForDate(now);
+  const auto today = static_cast<int>(std::floor(wallSeconds / kSecondsPerDay));
+  const auto days = daysAhead(std::string_view(text).substr(0, wordEnd), today);
+  if (!days) return text;
+  const Date then(wallSeconds + *days * kSecondsPerDay);
+  const std::string day = iso8601String(then).substr(0, kDayLength);
   return wordEnd == std::string::npos ? day : day + text.substr(wordEnd);
 }
 
@@ -90,7 +108,7 @@ Expected<Moment> momentFromArgument(const std::string& option, const std::string
   }
   return refused(option, text,
                  "no such date; allowed are 2026-07-15T21:40:00Z, \"2026-07-15 23:40\", "
-                 "2026-07-15, \"tomorrow 05:30\", +3d, now");
+                 "2026-07-15, \"tomorrow 05:30\", friday, +3d, now");
 }
 
 Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::string& text) {

@@ -18,8 +18,8 @@ struct Moment {
   Date first;
   Date last;  ///< The last instant of the day when only a day was given, else the same as `first`.
 };
-/// An ISO 8601 instant, or wall time in `zone`: "2026-07-15 23:40", "2026-07-15", "tomorrow 05:30",
-/// "+3d", "now".
+/// "now", an ISO 8601 instant, or a day with or without wall time in `zone`: "2026-07-15 23:40",
+/// "2026-07-15", "tomorrow 05:30", "yesterday", "friday" or "fri" (today or later), "+3d", "-2w".
 Expected<Moment> momentFromArgument(const std::string& option, const std::string& text,
                                     const TimeZone& zone);
 

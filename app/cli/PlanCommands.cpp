@@ -27,7 +27,7 @@ struct Field {
 constexpr std::array kFields = {
     Field{"name", "TEXT", "Title"},
     Field{"notes", "TEXT", "Notes"},
-    Field{"date", "WHEN", "2026-07-15T21:40:00Z, or wall time as \"2026-07-15 23:40\""},
+    Field{"date", "WHEN", "\"2026-07-15 23:40\", \"friday 05:30\", +3d, 2026-07-15T21:40:00Z"},
     Field{"timezone", "ZONE", "Zone of the place, as Europe/Madrid (when new: else the device's)"},
     Field{"latitude", "DEGREES", "-90 to 90, north positive"},
     Field{"longitude", "DEGREES", "-180 to 180, east positive"},
@@ -210,7 +210,10 @@ Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) 
 }
 
 int listPlans(const std::optional<std::string>& from, const std::optional<std::string>& to,
-              Console& console) {
+              bool isPlain, Console& console) {
+  if (isPlain && console.isJson()) {
+    return console.fail(failure(kExitUsage, "plan list", "either --plain or --json"));
+  }
   const auto range = checkedRange(from, to);
   if (!range) return console.fail(range.error());
   const auto context = contextForReading();
@@ -221,6 +224,8 @@ int listPlans(const std::optional<std::string>& from, const std::optional<std::s
   if (plans->empty()) console.note("no plans");
   if (console.isJson()) {
     printJson(*plans, console);
+  } else if (isPlain) {
+    for (const auto& plan : *plans) console.print(plainLine(*plan));
   } else {
     console.print(planTable(*plans, console));
   }
@@ -256,10 +261,15 @@ std::shared_ptr<std::string> addPlanName(CLI::App& parser) {
 void fillList(CLI::App& parser, Session& session) {
   const auto from = std::make_shared<std::optional<std::string>>();
   const auto to = std::make_shared<std::optional<std::string>>();
-  const std::string when = "now, today, +7d, 2026-07-15, \"2026-07-15 23:40\"";
+  const auto plain = std::make_shared<bool>(false);
+  const std::string when = "now, today, friday, +2w, 2026-07-15, \"2026-07-15 23:40\"";
   addTextOption(parser, "--from", *from, "WHEN", "No earlier than this: " + when);
   addTextOption(parser, "--to", *to, "WHEN", "No later than this; a day counts to its end");
-  parser.callback([=, &session] { session.exitCode = listPlans(*from, *to, session.console); });
+  parser.add_flag("--plain", *plain,
+                  "Lines for programs, columns divided by tabs: identifier, date, the same in the "
+                  "plan's zone, zone, latitude, longitude, name");
+  parser.callback(
+      [=, &session] { session.exitCode = listPlans(*from, *to, *plain, session.console); });
 }
 
 }  // namespace

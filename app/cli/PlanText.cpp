@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 
@@ -135,6 +137,25 @@ std::string planTable(const std::vector<std::shared_ptr<Planning>>& plans, const
     text += console.dim(row.identifier) + "\n";
   }
   return text;
+}
+
+std::string plainLine(const Planning& plan) {
+  const auto number = [](std::optional<double> value) -> std::string {
+    if (!value || !std::isfinite(*value)) return "";
+    std::array<char, 64> digits{};
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), *value).ptr};
+  };
+  const auto date = plan.date();
+  const int offset = date ? zoneOfPlan(plan).secondsFromGMTForDate(*date) : 0;
+  const auto identifier = plan.uniqueIdentifier();
+  std::string line = identifier ? printable(*identifier) : plan.objectID().URIRepresentation();
+  for (const std::string& column :
+       {date ? iso8601String(*date) : "", date ? iso8601String(*date, offset) : "",
+        printable(plan.timezone().value_or("")), number(plan.latitude()), number(plan.longitude()),
+        printable(plan.name().value_or(""))}) {
+    line += "\t" + column;
+  }
+  return line + "\n";
 }
 
 std::string candidateText(const Planning& plan) {

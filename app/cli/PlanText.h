@@ -31,6 +31,11 @@ std::string planDetails(const Planning& plan, const Console& console);
 /// One line for each plan, in columns: when, what, in which zone, when that is here, identifier.
 std::string planTable(const std::vector<std::shared_ptr<Planning>>& plans, const Console& console);
 
+/// One line for programs, the same in every locale: identifier (without one, the URI), instant, the
+/// same with the offset of the plan's zone, zone, latitude, longitude, name, divided by tabs; what
+/// is unknown is empty. More columns may come behind these.
+std::string plainLine(const Planning& plan);
+
 /// One line that tells plans of nearly the same identifier apart.
 std::string candidateText(const Planning& plan);
 

@@ -49,6 +49,18 @@ bool isUnsafe(UChar32 c) {
   return control || lineBreak || directionOverride;
 }
 
+std::size_t cellsOf(UChar32 c) {
+  constexpr UChar32 kSoftHyphen = 0xad;
+  const auto category = u_getIntPropertyValue(c, UCHAR_GENERAL_CATEGORY);
+  const auto syllable = u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE);
+  const bool joinsTheOneBefore = category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK ||
+                                 (category == U_FORMAT_CHAR && c != kSoftHyphen) ||
+                                 syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO;
+  if (joinsTheOneBefore) return 0;
+  const auto width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
+  return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
 void appendPrintable(std::string& result, const CodePoints& at) {
   if (at.value() == '\t' || at.value() == '\n' || at.value() == '\r') {
     result += ' ';
@@ -97,15 +109,14 @@ std::string printableJson(std::string_view json) {
 }
 
 std::size_t cellWidth(std::string_view text) {
+  constexpr UChar32 kEmojiStyle = 0xfe0f;
   std::size_t cells = 0;
+  bool isNarrowEmoji = false;
   for (CodePoints at(text); at.next();) {
-    const auto category = u_getIntPropertyValue(at.value(), UCHAR_GENERAL_CATEGORY);
-    if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK ||
-        category == U_FORMAT_CHAR) {
-      continue;
-    }
-    const auto width = u_getIntPropertyValue(at.value(), UCHAR_EAST_ASIAN_WIDTH);
-    cells += width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+    if (isNarrowEmoji && at.value() == kEmojiStyle) ++cells;
+    const std::size_t width = cellsOf(at.value());
+    isNarrowEmoji = width == 1 && u_hasBinaryProperty(at.value(), UCHAR_EMOJI);
+    cells += width;
   }
   return cells;
 }

@@ -84,6 +84,11 @@ TEST_F(PlanCommands, PlaceDatesInTheirZone) {
       {"now", "Europe/Madrid", "2026-07-15T10:00:00Z"},
       {"tomorrow 05:30", "Pacific/Auckland", "2026-07-15T17:30:00Z"},
       {"+3d 21:00", "Pacific/Honolulu", "2026-07-19T07:00:00Z"},
+      {"yesterday 08:00", "Pacific/Honolulu", "2026-07-14T18:00:00Z"},
+      {"-2w 12:00", "", "2026-07-01T10:00:00Z"},
+      {"wednesday 12:00", "", "2026-07-15T10:00:00Z"},
+      {"tue 12:00", "", "2026-07-21T10:00:00Z"},
+      {"sunday", "Asia/Tokyo", "2026-07-18T15:00:00Z"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -104,7 +109,7 @@ TEST_F(PlanCommands, ListInColumnsThatLineUp) {
            "bridge\n",
            "--date", "2026-07-16 22:05"}),
       add({"--name", "Cafe\xcc\x81 🌉", "--date", "2026-07-17T00:30:00Z", "--timezone",
-           "America/New_York"}),
+           "America/New_York", "--latitude", "-0.5", "--longitude", "2.25"}),
   };
   const auto shortId = [&](std::size_t i) { return ids[i].substr(0, 8) + "\n"; };
   // Widths by Python's unicodedata.east_asian_width: the widest name takes 22 cells.
@@ -143,6 +148,15 @@ TEST_F(PlanCommands, ListInColumnsThatLineUp) {
       EXPECT_THAT(plans[i]["name"].get<std::string>(), testing::StartsWith(c.names[i]));
     }
   }
+  EXPECT_EQ(
+      run({"plan", "list", "--plain"}, {{"LC_ALL", "ar_EG.UTF-8"}}).output,
+      ids[1] + "\t2026-07-15T20:00:00Z\t2026-07-16T05:00:00+09:00\tAsia/Tokyo\t\t\t" +
+          "富士山の夜明け\n" + ids[2] +
+          "\t2026-07-16T20:05:00Z\t2026-07-16T22:05:00+02:00\tEurope/Madrid\t\t\tBlue\xef" +
+          "\xbf\xbd]0;hour\xef\xbf\xbd \xef\xbf\xbd" + "bridge \n" + ids[3] +
+          "\t2026-07-17T00:30:00Z\t2026-07-16T20:30:00-04:00\tAmerica/New_York\t-0.5\t2.25\t" +
+          "Cafe\xcc\x81 🌉\n" + ids[0] + "\t\t\tEurope/Madrid\t\t\tUndated\n");
+  EXPECT_EQ(run({"plan", "list", "--plain", "--json"}).exitCode, 64);
   // Not even JSON hands a terminal what it would act on.
   const std::string text = run({"plan", "show", ids[2], "--json"}).output;
   EXPECT_THAT(text, HasSubstr(R"(Blue\u001b]0;hour\u0007 \u202ebridge\n)"));
