@@ -17,7 +17,7 @@ void KeyedArchiver::Object::encodeDouble(double value, std::string_view key) con
 }
 
 void KeyedArchiver::Object::encodeFloat(float value, std::string_view key) const {
-  encode(PropertyList::real(static_cast<double>(value)), key);
+  encode(PropertyList::realOfSinglePrecision(value), key);
 }
 
 void KeyedArchiver::Object::encodeInt32(std::int32_t value, std::string_view key) const {

@@ -21,9 +21,7 @@ class KeyedArchiver {
   class Object {
    public:
     Object() = default;
-    /// Scalars stand inline in the object, the others as references. A real that single precision
-    /// holds exactly is written in 32 bits even when it is encoded as a double; readers take either
-    /// for the other.
+    /// Scalars stand inline in the object, the others as references.
     void encodeDouble(double value, std::string_view key) const;
     void encodeFloat(float value, std::string_view key) const;
     void encodeInt32(std::int32_t value, std::string_view key) const;

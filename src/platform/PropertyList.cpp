@@ -10,7 +10,9 @@
 #include <fstream>
 #include <system_error>
 
+#include "platform/BinaryTrailer.h"
 #include "platform/PropertyListCheck.h"
+#include "platform/WideReal.h"
 
 namespace vantrel {
 
@@ -73,12 +75,13 @@ plist_t nodeWithDate(double seconds) {
 }
 
 double secondsOfDate(plist_t node) {
-  const Data list = binaryData(node);
-  std::uint64_t bits = 0;
-  for (std::size_t i = 0; i < 8; ++i) {
-    bits = bits << 8 | std::to_integer<std::uint64_t>(list[kDateAt + i]);
-  }
-  return std::bit_cast<double>(bits);
+  return std::bit_cast<double>(bigEndianNumber(binaryData(node), kDateAt, sizeof(double)));
+}
+
+/// The real that a date in the library's hands stands for.
+std::optional<double> wideReal(plist_t node) {
+  if (plist_get_node_type(node) != PLIST_DATE) return std::nullopt;
+  return wideRealForDate(secondsOfDate(node));
 }
 
 }  // namespace
@@ -118,7 +121,12 @@ PropertyList PropertyList::integer(std::int64_t value) {
 }
 
 PropertyList PropertyList::real(double value) {
-  return owning(plist_new_real(value));
+  const auto date = dateForWideReal(value);
+  return owning(date ? nodeWithDate(*date) : plist_new_real(value));
+}
+
+PropertyList PropertyList::realOfSinglePrecision(float value) {
+  return owning(plist_new_real(static_cast<double>(value)));
 }
 
 PropertyList PropertyList::string(const std::string& value) {
@@ -152,7 +160,9 @@ Expected<PropertyList> PropertyList::propertyListWithData(std::span<const std::b
   plist_t node = nullptr;
   if (std::memcmp(data.data(), kBinaryMark.data(), std::min(data.size(), kBinaryMark.size())) ==
       0) {
-    if (binaryPropertyListIsBounded(data)) node = nodeWithBinary(data);
+    Data list(data.begin(), data.end());
+    hideWideReals(list);
+    if (binaryPropertyListIsBounded(list)) node = nodeWithBinary(list);
   } else if (xmlPropertyListIsBounded(data)) {
     plist_from_xml(reinterpret_cast<const char*>(data.data()),
                    static_cast<std::uint32_t>(data.size()), &node);
@@ -171,7 +181,10 @@ Expected<PropertyList> PropertyList::propertyListWithContentsOfURL(
 }
 
 Data PropertyList::binaryData() const {
-  return node_ ? vantrel::binaryData(node_.get()) : Data();
+  if (!node_) return {};
+  Data list = vantrel::binaryData(node_.get());
+  showWideReals(list);
+  return list;
 }
 
 PropertyList::Kind PropertyList::kind() const {
@@ -187,7 +200,7 @@ PropertyList::Kind PropertyList::kind() const {
     case PLIST_KEY:
       return Kind::kString;
     case PLIST_DATE:
-      return Kind::kDate;
+      return wideReal(node_.get()) ? Kind::kReal : Kind::kDate;
     case PLIST_DATA:
       return Kind::kData;
     case PLIST_UID:
@@ -218,6 +231,7 @@ std::optional<std::int64_t> PropertyList::asInteger() const {
 
 std::optional<double> PropertyList::asReal() const {
   if (kind() != Kind::kReal) return std::nullopt;
+  if (const auto wide = wideReal(node_.get())) return wide;
   double value = 0;
   plist_get_real_val(node_.get(), &value);
   return value;

@@ -24,8 +24,8 @@ Expected<Data> dataWithContentsOfURL(const std::filesystem::path& url);
 
 /// A property list or a value inside one. A value: copies share what they hold until one of them is
 /// changed, and a value taken out of a list stays good when the list is gone. A value that was read
-/// keeps its exact type when it is written again, but for reals: those that single precision holds
-/// are written in 32 bits. One thread at a time per list.
+/// keeps its exact type when it is written again, reals their 32 or 64 bits; those of XML, which
+/// does not tell, are written in 32 bits where these hold them. One thread at a time per list.
 class PropertyList {
  public:
   enum class Kind {
@@ -50,7 +50,10 @@ class PropertyList {
   PropertyList() = default;
   static PropertyList boolean(bool value);
   static PropertyList integer(std::int64_t value);
+  /// Of 64 bits.
   static PropertyList real(double value);
+  /// Of 32 bits; 64 for what is not a number.
+  static PropertyList realOfSinglePrecision(float value);
   /// UTF-8; ends at its first NUL.
   static PropertyList string(const std::string& value);
   static PropertyList date(Date value);

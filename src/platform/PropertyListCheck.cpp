@@ -8,14 +8,13 @@
 #include <utility>
 #include <vector>
 
+#include "platform/BinaryTrailer.h"
 #include "platform/PropertyList.h"
 
 namespace vantrel {
 
 namespace {
 
-constexpr std::size_t kHeaderSize = 8;
-constexpr std::size_t kTrailerSize = 32;
 /// What a value takes in memory besides its own bytes; an estimate on the high side.
 constexpr std::size_t kNodeCost = 160;
 
@@ -45,68 +44,43 @@ class BinaryCheck {
     std::size_t cost = 0;
   };
 
-  bool readTrailer();
   std::optional<Object> objectAt(std::size_t index) const;
   bool open(std::size_t index);
   void close();
-  /// A big-endian number; the caller has checked the bounds.
-  std::uint64_t number(std::size_t at, std::size_t size) const;
+  std::uint64_t number(std::size_t at, std::size_t size) const {
+    return bigEndianNumber(data_, at, size);
+  }
 
   std::span<const std::byte> data_;
-  std::size_t offsetSize_ = 0;
-  std::size_t referenceSize_ = 0;
-  std::size_t objectCount_ = 0;
-  std::size_t root_ = 0;
-  std::size_t table_ = 0;
+  BinaryTrailer trailer_;
   std::vector<Known> known_;
   std::vector<Visit> path_;
 };
 
-std::uint64_t BinaryCheck::number(std::size_t at, std::size_t size) const {
-  std::uint64_t value = 0;
-  for (std::size_t i = 0; i < size; ++i) {
-    value = value << 8 | std::to_integer<std::uint64_t>(data_[at + i]);
-  }
-  return value;
-}
-
-bool BinaryCheck::readTrailer() {
-  if (data_.size() < kHeaderSize + kTrailerSize + 2) return false;
-  const std::size_t trailer = data_.size() - kTrailerSize;
-  offsetSize_ = number(trailer + 6, 1);
-  referenceSize_ = number(trailer + 7, 1);
-  objectCount_ = number(trailer + 8, 8);
-  root_ = number(trailer + 16, 8);
-  table_ = number(trailer + 24, 8);
-  if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) return false;
-  if (table_ < kHeaderSize || table_ > trailer) return false;
-  return objectCount_ > 0 && objectCount_ <= (trailer - table_) / offsetSize_ &&
-         root_ < objectCount_;
-}
-
 std::optional<BinaryCheck::Object> BinaryCheck::objectAt(std::size_t index) const {
-  std::size_t at = number(table_ + index * offsetSize_, offsetSize_);
-  if (at < kHeaderSize || at >= table_) return std::nullopt;
+  const std::size_t end = trailer_.table;
+  std::size_t at = trailer_.offsetOfObject(data_, index);
+  if (at < BinaryTrailer::kHeaderSize || at >= end) return std::nullopt;
   const auto type = number(at, 1) >> 4;
   std::size_t count = number(at, 1) & 0xf;
   ++at;
   if (type >= 0x4 && type != 0x8 && count == 0xf) {
-    if (at >= table_ || number(at, 1) >> 4 != 0x1) return std::nullopt;
+    if (at >= end || number(at, 1) >> 4 != 0x1) return std::nullopt;
     const std::size_t size = std::size_t{1} << (number(at, 1) & 0xf);
     ++at;
-    if (size > 8 || size > table_ - at) return std::nullopt;
+    if (size > 8 || size > end - at) return std::nullopt;
     count = number(at, size);
     at += size;
   }
-  const std::size_t room = table_ - at;
+  const std::size_t room = end - at;
   std::size_t unit = 1;
   if (type == 0x6) unit = 2;
-  if (type == 0xa || type == 0xc) unit = referenceSize_;
-  if (type == 0xd) unit = 2 * referenceSize_;
+  if (type == 0xa || type == 0xc) unit = trailer_.referenceSize;
+  if (type == 0xd) unit = 2 * trailer_.referenceSize;
   if (type < 0x4 || type == 0x8) return Object{};  // at most 16 bytes, which the library checks
   if (count > room / unit) return std::nullopt;
   if (type < 0xa) return Object{count * unit, 0, 0};
-  return Object{0, at, count * unit / referenceSize_};
+  return Object{0, at, count * unit / trailer_.referenceSize};
 }
 
 bool BinaryCheck::open(std::size_t index) {
@@ -124,18 +98,20 @@ void BinaryCheck::close() {
 }
 
 bool BinaryCheck::isBounded() {
-  if (!readTrailer()) return false;
-  known_.resize(objectCount_);
-  if (!open(root_)) return false;
+  const auto trailer = BinaryTrailer::ofPropertyList(data_);
+  if (!trailer) return false;
+  trailer_ = *trailer;
+  known_.resize(trailer_.objectCount);
+  if (!open(trailer_.root)) return false;
   while (!path_.empty()) {
     Visit& visit = path_.back();
     if (visit.next == visit.object.references) {
       close();
       continue;
     }
-    const std::size_t child =
-        number(visit.object.firstReference + visit.next * referenceSize_, referenceSize_);
-    if (child >= objectCount_ || known_[child].state == State::kOpen) return false;
+    const std::size_t child = number(
+        visit.object.firstReference + visit.next * trailer_.referenceSize, trailer_.referenceSize);
+    if (child >= trailer_.objectCount || known_[child].state == State::kOpen) return false;
     if (known_[child].state == State::kUnseen) {
       if (!open(child)) return false;
       continue;

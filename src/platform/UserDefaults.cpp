@@ -320,7 +320,7 @@ void UserDefaults::setInteger(std::int64_t value, std::string_view key) {
 }
 
 void UserDefaults::setFloat(float value, std::string_view key) {
-  setObject(PropertyList::real(value), key);
+  setObject(PropertyList::realOfSinglePrecision(value), key);
 }
 
 void UserDefaults::setDouble(double value, std::string_view key) {

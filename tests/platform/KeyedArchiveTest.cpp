@@ -70,8 +70,8 @@ TEST(KeyedArchiver, WritesScalarsInline) {
   using namespace std::string_literals;
   for (const auto& form :
        {"\x23\x40\x44\xB1\xEB\x85\x1E\xB8\x52"s, "\x23\x40\x01\x5C\x28\xF5\xC2\x8F\x5C"s,
-        "\x22\xCF\0\0\0"s, "\x22\0\0\0\0"s, "\x22\0\x80\0\0"s, "\x10\0"s,
-        "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s}) {
+        "\x23\xC0\x66\x80\0\0\0\0\0"s, "\x22\xCF\0\0\0"s, "\x22\0\0\0\0"s, "\x22\0\x80\0\0"s,
+        "\x10\0"s, "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s}) {
     EXPECT_NE(bytes.find(form), std::string::npos) << testing::PrintToString(form);
   }
 }

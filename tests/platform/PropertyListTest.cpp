@@ -108,6 +108,34 @@ TEST(PropertyList, KeepsNumbersBitByBit) {
   }
 }
 
+TEST(PropertyList, KeepsRealsInTheBitsTheyStoodIn) {
+  using namespace std::string_literals;
+  // 1.5 and 0, which single precision holds as well, in both forms, and a date of the same bits.
+  const std::vector<std::string> objects = {
+      "\x22\x3f\xc0\0\0"s,     "\x23\x3f\xf8\0\0\0\0\0\0"s, "\x22\0\0\0\0"s,
+      "\x23\0\0\0\0\0\0\0\0"s, "\x33\x3f\xf8\0\0\0\0\0\0"s,
+  };
+  std::string array = "\xa5";
+  for (std::size_t i = 1; i <= objects.size(); ++i) array += reference(i);
+  std::vector<std::string> all = {array};
+  all.insert(all.end(), objects.begin(), objects.end());
+  const auto read = parse(binaryList(all));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->items().at(1).asReal(), 1.5);
+  EXPECT_FALSE(read->items().at(1).asDate());
+  EXPECT_EQ(read->items().at(4).asDate(), Date(1.5));
+  const std::vector made = {PropertyList::realOfSinglePrecision(1.5F), PropertyList::real(1.5),
+                            PropertyList::realOfSinglePrecision(0), PropertyList::real(0),
+                            PropertyList::date(Date(1.5))};
+  for (const auto& list : {*read, PropertyList::array(made)}) {
+    const auto written = textOf(list.binaryData());
+    for (const auto& object : objects) {
+      EXPECT_NE(written.find(object), std::string::npos) << testing::PrintToString(object);
+    }
+    EXPECT_EQ(parse(written)->items().at(1).asReal(), 1.5);
+  }
+}
+
 TEST(PropertyList, LeavesUntouchedKeysAsTheyWere) {
   const auto path = test::testData("defaults/group.BeReal.plist");
   auto list = PropertyList::propertyListWithContentsOfURL(path);
