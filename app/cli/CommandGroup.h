@@ -37,6 +37,9 @@ void fillObserverCommands(CLI::App& parser, Session& session);
 void fillObstacleCommands(CLI::App& parser, Session& session);
 void fillDefaultsCommands(CLI::App& parser, Session& session);
 
+/// What was typed for an argument without a name, as the parser has it: "-.5" comes in disguise.
+std::string typedText(const std::string& word);
+
 /// An option with one value; "" is a value like any other. `target` outlives the parsing.
 void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
                    const std::string& valueName, const std::string& description);

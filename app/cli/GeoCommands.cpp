@@ -95,14 +95,14 @@ void fillCurve(CLI::App& parser, Session& session) {
   };
   for (const auto& [name, description] : kPositionals) {
     const auto keep = [options](const CLI::results_t& values) {
-      options->points.push_back(values.front());
+      options->points.push_back(typedText(values.front()));
       return true;
     };
     parser.add_option(name, keep, description)->type_name("");
   }
   parser.add_flag("--lonlat", options->isLonLat, "Longitudes come before latitudes");
   const auto keepBatch = [options](const CLI::results_t& values) {
-    options->batch = values.empty() || values.front().empty() ? "-" : values.front();
+    options->batch = values.empty() || values.front().empty() ? "-" : typedText(values.front());
     return true;
   };
   parser

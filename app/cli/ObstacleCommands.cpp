@@ -40,6 +40,12 @@ std::string degrees(float value) {
   return text.data();
 }
 
+/// Rounding does not reach the full turn.
+std::string bearingText(float bearing) {
+  constexpr float kRoundedToFullTurn = 359.995F;
+  return degrees(bearing < kRoundedToFullTurn ? bearing : 0);
+}
+
 struct Sight {
   Obstacle obstacle;
   bool isPlaced = false;
@@ -91,7 +97,7 @@ std::string textOfSight(const Sight& sight, const Console& console) {
   return console.bold(obstacle.isVisible() ? "Obstacle (shown)" : "Obstacle (hidden)") + "\n" +
          console.labelled("Place", placeText(place.latitude, place.longitude)) +
          console.labelled("Altitude", obstacle.altitudeString()) +
-         console.labelled("Bearing", sight.hasBearing ? degrees(obstacle.bearing()) : "--") +
+         console.labelled("Bearing", sight.hasBearing ? bearingText(obstacle.bearing()) : "--") +
          console.labelled("Distance", obstacle.pin2pinDistanceString()) +
          console.labelled("Difference", obstacle.altitudeDifferenceString()) +
          console.labelled("Elevation", sight.hasDifference ? degrees(obstacle.elevation()) : "--");

@@ -45,7 +45,11 @@ int openLink(const std::string& link, Console& console) {
 
 void fillOpenCommand(CLI::App& parser, Session& session) {
   const auto link = std::make_shared<std::string>();
-  parser.add_option("LINK", *link, "vantrel://plan?id=…")->required()->type_name("");
+  const auto keep = [link](const CLI::results_t& values) {
+    *link = typedText(values.front());
+    return true;
+  };
+  parser.add_option("LINK", keep, "vantrel://plan?id=…")->required()->type_name("");
   parser.callback([link, &session] { session.exitCode = openLink(*link, session.console); });
 }
 

@@ -252,7 +252,11 @@ std::shared_ptr<Given> addFields(CLI::App& parser, bool clearing) {
 
 std::shared_ptr<std::string> addPlanName(CLI::App& parser) {
   auto name = std::make_shared<std::string>();
-  parser.add_option("PLAN", *name, "Identifier, the first four or more of its characters, or URI")
+  const auto keep = [name](const CLI::results_t& values) {
+    *name = typedText(values.front());
+    return true;
+  };
+  parser.add_option("PLAN", keep, "Identifier, the first four or more of its characters, or URI")
       ->required()
       ->type_name("");
   return name;

@@ -37,7 +37,8 @@ int changeSettings(Console& console, const std::function<Expected<void>(UserDefa
   if (const auto changed = change(defaults); !changed) return console.fail(changed.error());
   // Where `change` did this already, and could not, it is tried again for the reason.
   if (const auto written = defaults.synchronize(); !written) return console.fail(written.error());
-  if (damaged) {
+  // With nothing to write they would stay as they are.
+  if (damaged && defaults.checkReadable()) {
     console.tell("vantrel: " + readable.error().localizedDescription +
                  " They were moved aside, and new ones begun.\n");
   }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/Error.h"
+#include "cli/CommandGroup.h"
 
 namespace vantrel::cli {
 
@@ -15,7 +16,7 @@ CLI::Option* addValueOption(CLI::App& parser, const std::string& name, std::opti
                             Parse parse, const std::string& valueName,
                             const std::string& description) {
   const auto keep = [&target, parse, name](const CLI::results_t& values) {
-    const Expected<T> value = parse(name, values.front());
+    const Expected<T> value = parse(name, typedText(values.front()));
     if (!value) throw CLI::ValidationError(value.error().localizedDescription);
     target = *value;
     return true;

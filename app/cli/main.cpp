@@ -152,13 +152,16 @@ bool wantsValue(const CLI::App& parser, const std::string& word) {
   return false;
 }
 
-/// The library takes "-.5" for an option, but not "-0.5".
-std::vector<std::string> withWrittenZeros(std::vector<std::string> arguments,
-                                          const CLI::App& parser) {
+/// The library takes "-.5" for an option. No argument of a program holds a NUL, so that one in
+/// front hides the sign until typedText() takes it away.
+constexpr char kHidden = '\0';
+
+std::vector<std::string> withHiddenSigns(std::vector<std::string> arguments,
+                                         const CLI::App& parser) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string& word = arguments[i];
     const bool isNumber = word.size() > 2 && word.starts_with("-.") && std::isdigit(word[2]);
-    if (isNumber && !(i > 0 && wantsValue(parser, arguments[i - 1]))) word.insert(1, "0");
+    if (isNumber && !(i > 0 && wantsValue(parser, arguments[i - 1]))) word.insert(0, 1, kHidden);
   }
   return arguments;
 }
@@ -179,11 +182,12 @@ const CLI::App& deepestParsed(const CLI::App& root) {
 
 int failUsage(const CLI::ParseError& error, const CLI::App& root, Session& session) {
   const CLI::App& parser = deepestParsed(root);
-  for (const auto& word : root.remaining(true)) {
+  for (const auto& left : root.remaining(true)) {
+    const std::string word = typedText(left);
     if (isInfiniteOrNaN(word)) {
       return session.console.fail(failure(kExitUsage, word, "allowed are finite numbers"));
     }
-    if (word.starts_with('-')) {
+    if (left.starts_with('-')) {
       return session.console.fail(
           unknownWord(word.substr(0, word.find('=')), "option", optionNames(parser), parser));
     }
@@ -240,7 +244,7 @@ int run(const std::vector<std::string>& arguments) {
   try {
     const auto parser = fillCommands(root, session, arguments);
     if (!parser) return session.console.finish(session.console.fail(parser.error()));
-    auto words = withWrittenZeros(arguments, **parser);
+    auto words = withHiddenSigns(arguments, **parser);
     std::reverse(words.begin(), words.end());
     root.parse(std::move(words));
   } catch (const CLI::CallForHelp&) {
@@ -256,6 +260,10 @@ int run(const std::vector<std::string>& arguments) {
 }
 
 }  // namespace
+
+std::string typedText(const std::string& word) {
+  return word.substr(word.starts_with(kHidden) ? 1 : 0);
+}
 
 void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
                    const std::string& valueName, const std::string& description) {

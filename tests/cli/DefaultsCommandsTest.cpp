@@ -32,6 +32,8 @@ TEST_F(DefaultsCommands, WriteValuesThatAnotherReaderFindsToTheBit) {
       {"double", "-1.5e-300", "-1.5e-300", -1.5e-300, "-1.5e-300"},
       {"string", "Ω \x1b[2J\n-1", R"('Ω \x1b[2J\n-1')", "Ω \x1b[2J\n-1", "Ω �[2J\n-1"},
       {"string", "", "''", "", ""},
+      {"string", "-.5", "'-.5'", "-.5", "-.5"},
+      {"double", "-.5", "-0.5", -0.5, "-0.5"},
       {"date", "2026-07-15T21:40:00.5Z", "datetime.datetime(2026, 7, 15, 21, 40, 0, 500000)",
        "2026-07-15T21:40:00.5Z", "2026-07-15T21:40:00.5Z"},
       {"date", "2026-07-15 23:40", "datetime.datetime(2026, 7, 15, 21, 40)", "2026-07-15T21:40:00Z",
