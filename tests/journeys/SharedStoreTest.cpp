@@ -1,12 +1,10 @@
 // Several programs on one store at the same time, each a process of its own.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <functional>
 
-#include "support/Guards.h"
 #include "support/TestStore.h"
 
 namespace vantrel {
@@ -27,15 +25,15 @@ bool succeeded(pid_t child) {
   return ::waitpid(child, &status, 0) == child && status == 0;
 }
 
-TEST(SharedStore, SeveralProgramsMakeAndFillOneStore) {
+class SharedStoreTest : public test::StoreTest {};
+
+TEST_F(SharedStoreTest, SeveralProgramsMakeAndFillOneStore) {
   constexpr int kPrograms = 4;
   constexpr int kPlans = 20;
-  const test::TemporaryDirectory directory;
-  const auto file = directory / "Vantrel.sqlite";
   std::vector<pid_t> children;
   for (int program = 0; program < kPrograms; ++program) {
     children.push_back(start([&] {
-      OpenStore store(file);
+      OpenStore store(file_);
       for (int plan = 0; plan < kPlans && store.store; ++plan) {
         store.insertPlan(std::to_string(program * kPlans + plan), plan);
         if (!store.context.save()) return false;
@@ -44,38 +42,36 @@ TEST(SharedStore, SeveralProgramsMakeAndFillOneStore) {
     }));
   }
   for (const pid_t child : children) EXPECT_TRUE(succeeded(child));
-  EXPECT_EQ(sqlite(file,
+  EXPECT_EQ(sqlite(file_,
                    "SELECT count(*), count(DISTINCT ZNAME), count(DISTINCT ZUNIQUEIDENTIFIER),"
                    " min(Z_PK), max(Z_PK) FROM ZPLANNING; SELECT Z_MAX FROM Z_PRIMARYKEY WHERE"
                    " Z_NAME = 'Planning'; SELECT count(*) FROM Z_METADATA; PRAGMA integrity_check"),
             "80|80|80|1|80\n80\n1\nok");
 }
 
-TEST(SharedStore, AProgramSeesWhatAnotherSavedAtItsNextFetch) {
-  for (const char* mode : {"WAL", "DELETE"}) {
+TEST_F(SharedStoreTest, AProgramSeesWhatAnotherSavedAtItsNextFetch) {
+  for (const std::string mode : {"wal", "delete"}) {
     SCOPED_TRACE(mode);
-    const test::TemporaryDirectory directory;
-    const auto file = directory / "Vantrel.sqlite";
-    { OpenStore store(file); }
-    sqlite(file, std::string("PRAGMA journal_mode = ") + mode);
-    OpenStore reader(file);
+    std::filesystem::remove(file_);
+    { OpenStore store(file_); }
+    ASSERT_EQ(sqlite(file_, "PRAGMA journal_mode = " + mode), mode);
+    OpenStore reader(file_);
     EXPECT_EQ(reader.names(), "");
-    EXPECT_EQ(sqlite(file,
+    EXPECT_EQ(sqlite(file_,
                      "BEGIN IMMEDIATE; UPDATE Z_PRIMARYKEY SET Z_MAX = 2 WHERE Z_ENT = 4;"
                      "INSERT INTO ZPLANNING (Z_PK, Z_ENT, Z_OPT, ZNAME) VALUES (1, 4, 1, 'a'),"
                      " (2, 4, 1, 'b'); COMMIT"),
               "");
     EXPECT_EQ(reader.names(), "a b");
     const auto a = reader.planNamed("a");
-    EXPECT_EQ(sqlite(file,
+    EXPECT_EQ(sqlite(file_,
                      "UPDATE ZPLANNING SET ZNAME = 'c', Z_OPT = 2 WHERE Z_PK = 1;"
                      "DELETE FROM ZPLANNING WHERE Z_PK = 2"),
               "");
     EXPECT_EQ(reader.names(), "c");
-    EXPECT_EQ(a->name(), "c");
     a->setNotes("and on");
     EXPECT_TRUE(reader.context.save());
-    EXPECT_EQ(sqlite(file, "SELECT ZNAME, ZNOTES, Z_OPT FROM ZPLANNING"), "c|and on|3");
+    EXPECT_EQ(sqlite(file_, "SELECT ZNAME, ZNOTES, Z_OPT FROM ZPLANNING"), "c|and on|3");
   }
 }
 

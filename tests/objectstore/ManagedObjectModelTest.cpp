@@ -9,7 +9,7 @@
 #include "platform/Bundle.h"
 #include "platform/KeyedArchiver.h"
 #include "platform/PropertyList.h"
-#include "support/Guards.h"
+#include "support/TestStore.h"
 
 namespace vantrel {
 namespace {
@@ -44,36 +44,28 @@ std::string description(const ManagedObjectModel& model) {
   return text.str() + "\n";
 }
 
-std::string seenByPython(const fs::path& model, const fs::path& copy = {}) {
-  std::vector<std::string> command = {"python3", test::testData("describe_model.py"), model};
-  if (!copy.empty()) command.push_back(copy);
-  const auto result = test::runProgram(command);
-  return result.output + result.errors;
-}
-
 TEST(ManagedObjectModel, ReadsModelsAsPythonDoes) {
-  std::vector<fs::path> files;
+  const std::string script = test::testData("describe_model.py");
+  int count = 0;
   for (const auto& root : {test::testData("models"), Bundle::mainBundle().root()}) {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-      if (entry.path().extension() == ".mom") files.push_back(entry.path());
+      if (entry.path().extension() != ".mom") continue;
+      SCOPED_TRACE(entry.path());
+      const auto model = ManagedObjectModel::modelWithContentsOfURL(entry.path());
+      ASSERT_TRUE(model) << model.error().localizedDescription;
+      EXPECT_EQ(description(*model), test::pythonSays({script, entry.path()}));
+      EXPECT_TRUE(model->versionHashes().empty());
+      ++count;
     }
   }
-  EXPECT_EQ(files.size(), 9U);
-  for (const auto& file : files) {
-    SCOPED_TRACE(file);
-    const auto model = ManagedObjectModel::modelWithContentsOfURL(file);
-    ASSERT_TRUE(model) << model.error().localizedDescription;
-    EXPECT_EQ(description(*model), seenByPython(file));
-    EXPECT_TRUE(model->versionHashes().empty());
-  }
-}
+  EXPECT_EQ(count, 9);
 
-TEST(ManagedObjectModel, ReadsTheCopyInAStore) {
+  // The copies in stores of the phone.
   const test::TemporaryDirectory directory;
   for (const char* store : {"SampleModel_V1", "SampleModel_V2", "SampleModel3_V1"}) {
     SCOPED_TRACE(store);
     const auto path = test::testData("stores/" + std::string(store) + ".sqlite");
-    const auto expected = seenByPython(path, directory / "copy");
+    const auto expected = test::pythonSays({script, path, directory / "copy"});
     const auto model = modelWithText(test::readFile(directory / "copy"));
     ASSERT_TRUE(model) << model.error().localizedDescription;
     EXPECT_EQ(description(*model), expected);
@@ -141,8 +133,10 @@ TEST(ManagedObjectModel, ChoosesAVersionOrSaysWhyNot) {
   EXPECT_FALSE(ManagedObjectModel::modelWithContentsOfURL("/no/such/model.mom"));
 }
 
+using Family = std::vector<std::pair<std::string, std::string>>;
+
 /// An archived model of entities, each with the name of its parent or an empty one.
-Data familyTree(const std::vector<std::pair<std::string, std::string>>& family) {
+Data familyTree(const Family& family) {
   KeyedArchiver archiver;
   const auto model = archiver.addObject({"NSManagedObjectModel", "NSObject"});
   std::vector<std::pair<KeyedArchiver::Object, KeyedArchiver::Object>> entities;
@@ -159,7 +153,7 @@ Data familyTree(const std::vector<std::pair<std::string, std::string>>& family) 
   return archiver.archivedDataWithRootObject(model);
 }
 
-TEST(ManagedObjectModel, NumbersTheTreeDepthFirst) {
+TEST(ManagedObjectModel, NumbersTheTreeDepthFirstAndRefusesWhatIsNone) {
   const auto model = ManagedObjectModel::modelWithData(familyTree({{"NWActivity", ""},
                                                                    {"b", ""},
                                                                    {"NetworkAttachment", ""},
@@ -170,15 +164,13 @@ TEST(ManagedObjectModel, NumbersTheTreeDepthFirst) {
   std::vector<std::string> names;
   for (const auto& entity : model->entities()) names.push_back(entity.name);
   EXPECT_THAT(names, testing::ElementsAre("b", "A", "m", "z", "NetworkAttachment", "NWActivity"));
-}
 
-TEST(ManagedObjectModel, RefusesEntitiesThatFormNoTree) {
-  EXPECT_FALSE(ManagedObjectModel::modelWithData(familyTree({{"A", "A"}})));
-  EXPECT_FALSE(ManagedObjectModel::modelWithData(familyTree({{"A", "B"}, {"B", "A"}, {"C", ""}})));
-  EXPECT_FALSE(ManagedObjectModel::modelWithData(familyTree({{"A", ""}, {"", ""}})));
-  std::vector<std::pair<std::string, std::string>> chain = {{"0", ""}};
+  Family chain = {{"0", ""}};
   for (int i = 1; i < 5000; ++i) chain.emplace_back(std::to_string(i), std::to_string(i - 1));
-  EXPECT_FALSE(ManagedObjectModel::modelWithData(familyTree(chain)));
+  for (const Family& family : {Family{{"A", "A"}}, Family{{"A", "B"}, {"B", "A"}, {"C", ""}},
+                               Family{{"A", ""}, {"", ""}}, chain}) {
+    EXPECT_FALSE(ManagedObjectModel::modelWithData(familyTree(family)));
+  }
 }
 
 TEST(ManagedObjectModel, SurvivesDamage) {
@@ -202,20 +194,8 @@ TEST(ModelCompiler, MakesTheMainModel) {
   const auto model = ManagedObjectModel::modelWithContentsOfURL(*url);
   ASSERT_TRUE(model) << model.error().localizedDescription;
   EXPECT_THAT(model->versionIdentifiers(), testing::ElementsAre("4"));
-  // Types, in this order: Double 500, Float 600, String 700, Boolean 800, Date 900, Binary 1000.
-  EXPECT_EQ(description(*model),
-            "entity CustomCamera -\n  aperture 600 1 0 0 -\n  coc 600 1 0 0 -\n"
-            "  focalLength 600 1 0 0 -\n  isFilm 800 1 0 0 -\n  megapixels 600 1 0 0 -\n"
-            "  model 700 1 0 0 -\n  sensorHeight 600 1 0 0 -\n  sensorWidth 600 1 0 0 -\n"
-            "  uniqueIdentifier 700 1 0 0 -\n"
-            "entity CustomPoi -\n  latitude 500 1 0 0 -\n  longitude 500 1 0 0 -\n"
-            "  name 700 1 0 0 -\n  uniqueIdentifier 700 1 0 0 -\n  images Image customPoi 1 2\n"
-            "entity Image -\n  data 1000 1 0 4 -\n  uniqueIdentifier 700 1 0 0 -\n"
-            "  customPoi CustomPoi images 0 1\n  planning Planning images 0 1\n"
-            "entity Planning -\n  date 900 1 0 0 -\n  latitude 500 1 0 0 -\n"
-            "  longitude 500 1 0 0 -\n  name 700 1 0 0 -\n  notes 700 1 0 0 -\n"
-            "  timezone 700 1 0 0 -\n  uniqueIdentifier 700 1 0 0 -\n  images Image planning 1 2\n"
-            "versions 4\n");
+  // Types in there: Double 500, Float 600, String 700, Boolean 800, Date 900, Binary 1000.
+  EXPECT_EQ(description(*model), test::readFile(test::testData("main_model.txt")));
   EXPECT_THAT(model->entityNamed("Planning")->indexedAttributes, testing::ElementsAre("date"));
 
   const auto before = ManagedObjectModel::modelWithContentsOfURL(*url / "Vantrel3.mom");
@@ -280,19 +260,19 @@ TEST(ModelCompiler, WritesDefaultsAndChecksums) {
   EXPECT_EQ(entity->attribute("s")->defaultValue, Value("x"));
   EXPECT_EQ(entity->relationship("other")->inverseName, "");
   // The digest over a version's hashes, by Python.
-  const auto check = test::runProgram(
-      {"python3", "-c",
-       "import base64, hashlib, plistlib, sys\n"
-       "for path in sys.argv[1:]:\n"
-       "  info = plistlib.load(open(path, 'rb'))\n"
-       "  for version, hashes in info['NSManagedObjectModel_VersionHashes'].items():\n"
-       "    digest = hashlib.sha256(b''.join(hashes[e] for e in sorted(hashes))).digest()\n"
-       "    checksums = info['NSManagedObjectModel_VersionChecksums']\n"
-       "    print(base64.b64encode(digest).decode() == checksums[version], end=' ')\n",
-       directory / "M.momd/VersionInfo.plist",
-       Bundle::mainBundle().root() / "Vantrel.momd/VersionInfo.plist",
-       test::testData("models/SampleModel3.momd/VersionInfo.plist")});
-  EXPECT_EQ(check.output, "True True True True True True ");
+  const char* compare = R"(
+import base64, hashlib, plistlib, sys
+for path in sys.argv[1:]:
+    info = plistlib.load(open(path, 'rb'))
+    for version, hashes in info['NSManagedObjectModel_VersionHashes'].items():
+        digest = hashlib.sha256(b''.join(hashes[e] for e in sorted(hashes))).digest()
+        checksum = info['NSManagedObjectModel_VersionChecksums'][version]
+        print(base64.b64encode(digest).decode() == checksum, end=' ')
+)";
+  EXPECT_EQ(test::pythonSays({"-c", compare, directory / "M.momd/VersionInfo.plist",
+                              Bundle::mainBundle().root() / "Vantrel.momd/VersionInfo.plist",
+                              test::testData("models/SampleModel3.momd/VersionInfo.plist")}),
+            "True True True True True True ");
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/Guards.h"
 #include "support/TestStore.h"
 
 namespace vantrel {
@@ -16,10 +15,9 @@ std::shared_ptr<CustomCamera> insertCamera(OpenStore& store) {
   return std::dynamic_pointer_cast<CustomCamera>(store.context.insertNewObject("CustomCamera"));
 }
 
-class CustomCameraTest : public testing::Test {
+class CustomCameraTest : public test::StoreTest {
  protected:
-  const test::TemporaryDirectory directory_;
-  OpenStore store_{directory_ / "Vantrel.sqlite"};
+  OpenStore store_{file_};
 };
 
 // Every step rounded to single precision by Python's struct module.

@@ -44,6 +44,12 @@ StoreOptions mainOptions() {
   return options;
 }
 
+StoreOptions readOnlyOptions() {
+  StoreOptions options = mainOptions();
+  options.readOnly = true;
+  return options;
+}
+
 OpenStore::OpenStore(const std::filesystem::path& path, const StoreOptions& options,
                      const std::shared_ptr<ManagedObjectModel>& model)
     : coordinator(std::make_shared<PersistentStoreCoordinator>(model)),
@@ -81,6 +87,25 @@ std::string sqlite(const std::filesystem::path& file, const std::string& sql) {
   std::string text = result.exitCode == 0 ? result.output : result.errors;
   while (!text.empty() && text.back() == '\n') text.pop_back();
   return text;
+}
+
+std::string pythonSays(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "python3");
+  const auto result = runProgram(arguments);
+  return result.output + result.errors;
+}
+
+void StoreTest::savePlans(const std::vector<std::pair<std::string, double>>& namesAndDates) {
+  OpenStore store(file_);
+  for (const auto& [name, date] : namesAndDates) store.insertPlan(name, date);
+  ASSERT_TRUE(store.context.save());
+}
+
+std::filesystem::path StoreTest::copyOfFile() {
+  const auto copy = directory_ / "Copy.sqlite";
+  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
+  std::filesystem::copy_file(file_, copy, std::filesystem::copy_options::overwrite_existing);
+  return copy;
 }
 
 }  // namespace vantrel::test

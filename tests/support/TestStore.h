@@ -1,12 +1,17 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "objectstore/ManagedObjectContext.h"
 #include "objectstore/ManagedObjectModel.h"
 #include "objectstore/SqliteStore.h"
+#include "objectstore/StoreError.h"
 #include "store/Planning.h"
 #include "support/Guards.h"
 
@@ -17,8 +22,9 @@ std::shared_ptr<ManagedObjectModel> mainModel();
 /// The same in an older version, as the program had it then.
 std::shared_ptr<ManagedObjectModel> mainModelOfVersion(const std::string& version);
 
-/// How the program opens its main store.
+/// How the program opens its main store, to write or only to read.
 StoreOptions mainOptions();
+StoreOptions readOnlyOptions();
 
 /// One program's view of a store file: what stands between two of them is only the file.
 struct OpenStore {
@@ -35,7 +41,26 @@ struct OpenStore {
   ManagedObjectContext context;
 };
 
+/// Why it failed; nothing when it did not.
+template <typename T>
+std::optional<StoreErrorCode> codeOf(const Expected<T>& result) {
+  return result ? std::nullopt : storeErrorCode(result.error());
+}
+
 /// What the sqlite3 program says of a file; its messages when it fails.
 std::string sqlite(const std::filesystem::path& file, const std::string& sql);
+/// What a Python program writes, to either of its outputs.
+std::string pythonSays(std::vector<std::string> arguments);
+
+/// A folder with the place of a store in it.
+class StoreTest : public ::testing::Test {
+ protected:
+  void savePlans(const std::vector<std::pair<std::string, double>>& namesAndDates);
+  /// The closed store once more.
+  std::filesystem::path copyOfFile();
+
+  const TemporaryDirectory directory_;
+  const std::filesystem::path file_ = directory_ / "Vantrel.sqlite";
+};
 
 }  // namespace vantrel::test
