@@ -1,14 +1,21 @@
 #include "platform/DateFormatter.h"
 
 #include <unicode/datefmt.h>
+#include <unicode/dcfmtsym.h>
+#include <unicode/decimfmt.h>
+#include <unicode/dtfmtsym.h>
+#include <unicode/dtptngen.h>
 #include <unicode/locid.h>
 #include <unicode/simpletz.h>
 #include <unicode/smpdtfmt.h>
 
+#include <algorithm>
 #include <cmath>
 #include <mutex>
 #include <utility>
 #include <vector>
+
+#include "platform/NumericDatePattern.h"
 
 namespace vantrel {
 
@@ -67,34 +74,105 @@ std::unique_ptr<icu::SimpleDateFormat> build(const Configuration& configuration,
   return std::unique_ptr<icu::SimpleDateFormat>(simple);
 }
 
-/// Whether texts of that pattern tell their own offset from Greenwich.
-bool hasZoneField(const icu::SimpleDateFormat& formatter) {
+std::string utf8(const icu::UnicodeString& text) {
+  std::string result;
+  return text.toUTF8String(result);
+}
+
+std::string patternOf(const icu::SimpleDateFormat& formatter) {
   icu::UnicodeString pattern;
-  formatter.toPattern(pattern);
+  return utf8(formatter.toPattern(pattern));
+}
+
+/// The letters of a pattern that stand for fields.
+std::string fieldsOf(std::string_view pattern) {
+  std::string fields;
   bool quoted = false;
-  for (int32_t i = 0; i < pattern.length(); ++i) {
-    const char16_t c = pattern[i];
-    if (c == u'\'') quoted = !quoted;
-    if (!quoted && std::u16string_view(u"zZOvVXx").find(c) != std::u16string_view::npos) {
-      return true;
+  for (const char c : pattern) {
+    if (c == '\'') quoted = !quoted;
+    if (!quoted && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) fields += c;
+  }
+  return fields;
+}
+
+/// Whether texts of that pattern tell their own offset from Greenwich.
+bool hasZoneField(std::string_view pattern) {
+  return fieldsOf(pattern).find_first_of("zZOvVXx") != std::string::npos;
+}
+
+/// The formatter's pattern for the short way, where its texts take no more.
+std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& formatter) {
+  const auto pattern = patternOf(formatter);
+  const auto* numbers = dynamic_cast<const icu::DecimalFormat*>(formatter.getNumberFormat());
+  if (!numbers || std::string_view(formatter.getCalendar()->getType()) != "gregorian") {
+    return std::nullopt;
+  }
+  // A locale may have numbers of another kind for some fields.
+  for (const char field : fieldsOf(pattern)) {
+    if (formatter.getNumberFormatForField(static_cast<char16_t>(field)) != numbers) {
+      return std::nullopt;
     }
   }
-  return false;
+  NumericDatePattern::Symbols symbols;
+  using Names = icu::DecimalFormatSymbols;
+  const auto digit = [&](int name) {
+    return utf8(numbers->getDecimalFormatSymbols()->getConstSymbol(
+        static_cast<Names::ENumberFormatSymbol>(name)));
+  };
+  symbols.digits[0] = digit(Names::kZeroDigitSymbol);
+  for (int i = 1; i < 10; ++i) {
+    symbols.digits.at(static_cast<std::size_t>(i)) = digit(Names::kOneDigitSymbol + i - 1);
+  }
+  int32_t count = 0;
+  const auto* halves = formatter.getDateFormatSymbols()->getAmPmStrings(count);
+  for (int32_t i = 0; i < std::min(count, 2); ++i) {
+    symbols.halves.at(static_cast<std::size_t>(i)) = utf8(halves[i]);
+  }
+  return NumericDatePattern::parsed(pattern, std::move(symbols));
 }
 
 }  // namespace
 
 struct DateFormatter::State {
   struct Built {
+    Built(Configuration c, std::unique_ptr<icu::SimpleDateFormat> f)
+        : configuration(std::move(c)),
+          formatter(std::move(f)),
+          numeric(numericPattern(*formatter)),
+          tellsZone(hasZoneField(patternOf(*formatter))),
+          calendar(formatter->getCalendar()->clone()) {
+      formatter->setTimeZone(fixedZone(0));
+      formatter->setLenient(false);
+      calendar->setTimeZone(fixedZone(0));
+    }
+
+    /// Named zones are ours to resolve: the library's own rules are older than the system's. A text
+    /// that does not name its zone is that of the wall time in Greenwich, which spares the library
+    /// a new zone for each offset; a calendar of our own spares it a copy for each text.
+    std::string text(Date date, int offset) {
+      double seconds = date.timeIntervalSince1970();
+      if (!tellsZone) {
+        seconds += offset;
+      } else if (offset != calendarOffset) {
+        calendar->setTimeZone(fixedZone(offset));
+        calendarOffset = offset;
+      }
+      if (numeric) {
+        if (auto text = numeric->text(seconds)) return *std::move(text);
+      }
+      UErrorCode status = U_ZERO_ERROR;
+      calendar->setTime(seconds * U_MILLIS_PER_SECOND, status);
+      icu::UnicodeString result;
+      icu::FieldPosition none(icu::FieldPosition::DONT_CARE);
+      return utf8(formatter->format(*calendar, result, none));
+    }
+
     Configuration configuration;
     std::unique_ptr<icu::SimpleDateFormat> formatter;
-    std::optional<int> offset;
-
-    /// Named zones are ours to resolve: the library's own rules are older than the system's.
-    void setOffset(int seconds) {
-      if (offset != seconds) formatter->setTimeZone(fixedZone(seconds));
-      offset = seconds;
-    }
+    std::optional<NumericDatePattern> numeric;
+    bool tellsZone;
+    std::unique_ptr<icu::Calendar> calendar;
+    int calendarOffset = 0;
   };
 
   Locale locale = Locale::currentLocale();
@@ -112,7 +190,7 @@ struct DateFormatter::State {
     }
     auto formatter = build(configuration, icu::Locale(locale.localeIdentifier().c_str()));
     if (!formatter) return nullptr;
-    return &built.emplace_back(Built{configuration, std::move(formatter), std::nullopt});
+    return &built.emplace_back(configuration, std::move(formatter));
   }
 };
 
@@ -145,31 +223,31 @@ void DateFormatter::setDateFormat(std::string_view pattern) {
   state_->built.clear();
 }
 
-std::string DateFormatter::dateFormat() const {
+std::string DateFormatter::dateFormatFromTemplate(std::string_view fields, const Locale& locale) {
   std::string text;
-  if (const auto* built = state_->current()) {
-    icu::UnicodeString pattern;
-    built->formatter->toPattern(pattern).toUTF8String(text);
-  }
-  return text;
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+      icu::DateTimePatternGenerator::createInstance(icu::Locale(locale.localeIdentifier().c_str()),
+                                                    status));
+  if (U_FAILURE(status)) return text;
+  const auto pattern = generator->getBestPattern(icu::UnicodeString::fromUTF8(fields), status);
+  return U_FAILURE(status) ? text : pattern.toUTF8String(text);
+}
+
+std::string DateFormatter::dateFormat() const {
+  const auto* built = state_->current();
+  return built ? patternOf(*built->formatter) : std::string();
 }
 
 std::string DateFormatter::stringFromDate(Date date) const {
-  std::string text;
   auto* built = state_->current();
-  if (!built || !std::isfinite(date.timeIntervalSinceReferenceDate())) return text;
-  built->setOffset(state_->timeZone().secondsFromGMTForDate(date));
-  icu::UnicodeString result;
-  built->formatter->format(date.timeIntervalSince1970() * U_MILLIS_PER_SECOND, result);
-  result.toUTF8String(text);
-  return text;
+  if (!built || !std::isfinite(date.timeIntervalSinceReferenceDate())) return {};
+  return built->text(date, state_->timeZone().secondsFromGMTForDate(date));
 }
 
 std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
-  auto* built = state_->current();
+  const auto* built = state_->current();
   if (!built) return std::nullopt;
-  built->setOffset(0);
-  built->formatter->setLenient(false);
   const auto source = icu::UnicodeString::fromUTF8(text);
   icu::ParsePosition position;
   const UDate instant = built->formatter->parse(source, position);
@@ -177,7 +255,7 @@ std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
     return std::nullopt;
   }
   const auto date = Date::dateWithTimeIntervalSince1970(instant / U_MILLIS_PER_SECOND);
-  if (hasZoneField(*built->formatter)) return date;
+  if (built->tellsZone) return date;
   return state_->timeZone().dateForWallSeconds(date.timeIntervalSinceReferenceDate());
 }
 

@@ -30,6 +30,9 @@ class DateFormatter {
   void setTimeStyle(Style style);
   /// A pattern; it takes the place of the styles.
   void setDateFormat(std::string_view pattern);
+  /// The locale's pattern for the fields of a template, which are those of patterns in any order;
+  /// "j" is the hour as the locale prefers it. Empty when the library has none.
+  static std::string dateFormatFromTemplate(std::string_view fields, const Locale& locale);
   /// The pattern in force.
   std::string dateFormat() const;
 

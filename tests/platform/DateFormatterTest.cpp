@@ -1,43 +1,22 @@
 #include "platform/DateFormatter.h"
 
 #include <gtest/gtest.h>
-#include <unicode/udat.h>
-#include <unicode/unistr.h>
 
-#include <array>
 #include <cmath>
 
 #include "base/Iso8601.h"
 #include "support/Guards.h"
+#include "support/IcuText.h"
 
 namespace vantrel {
 namespace {
 
 using Style = DateFormatter::Style;
 using test::EnvironmentGuard;
+using test::icuText;
 
 Date at(const char* text) {
   return *dateFromIso8601String(text);
-}
-
-std::string plain(const icu::UnicodeString& text) {
-  std::string result;
-  text.toUTF8String(result);
-  return result;
-}
-
-/// What ICU itself writes, with its own rules for the zone.
-std::string icuText(const char* locale, const char* zone, UDateFormatStyle dateStyle,
-                    UDateFormatStyle timeStyle, Date date) {
-  UErrorCode status = U_ZERO_ERROR;
-  const auto zoneId = icu::UnicodeString::fromUTF8(zone);
-  UDateFormat* format = udat_open(timeStyle, dateStyle, locale, zoneId.getBuffer(), zoneId.length(),
-                                  nullptr, 0, &status);
-  std::array<char16_t, 200> text{};
-  const auto length = udat_format(format, date.timeIntervalSince1970() * 1000, text.data(),
-                                  int32_t{text.size()}, nullptr, &status);
-  udat_close(format);
-  return plain({text.data(), length});
 }
 
 TEST(DateFormatter, WritesTheStylesOfALocaleInAZone) {
@@ -98,6 +77,9 @@ TEST(DateFormatter, WritesPatternsUntilAStyleIsSet) {
   EXPECT_EQ(formatter.dateFormat(), "dd/MM/y");
   formatter.setDateFormat("dd/MM/yy");
   EXPECT_EQ(formatter.stringFromDate(at("2024-03-05T12:00:00Z")), "05/03/24");
+  formatter.setDateFormat("h:m:s 'o''clock' a''d.M.y");
+  EXPECT_EQ(formatter.stringFromDate(Date(-0.25)), "11:59:59 o'clock pm'31.12.2000");
+  EXPECT_EQ(formatter.stringFromDate(at("1582-10-14T00:00:00Z")), "12:0:0 o'clock am'4.10.1582");
   formatter.setDateFormat("y-MM-dd HH:mm:ss 'o''clock' ZZZZZ");
   EXPECT_EQ(formatter.stringFromDate(Date(-0.25)), "2000-12-31 23:59:59 o'clock Z");
   EXPECT_EQ(formatter.stringFromDate(at("1582-10-14T00:00:00Z")), "1582-10-04 00:00:00 o'clock Z");
