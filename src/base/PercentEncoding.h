@@ -11,6 +11,10 @@ namespace vantrel {
 inline constexpr std::string_view kUrlHostAllowedCharacterSet =
     "!$&'()*+,-.0123456789:;=ABCDEFGHIJKLMNOPQRSTUVWXYZ[]_abcdefghijklmnopqrstuvwxyz~";
 
+/// Those that may stand anywhere in a URL: ASCII letters and digits and "-._~".
+inline constexpr std::string_view kUrlUnreservedCharacterSet =
+    "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~";
+
 /// Every byte of `text` (UTF-8) outside `allowed` becomes "%XX", upper-case hexadecimal.
 std::string percentEncoded(std::string_view text, std::string_view allowed);
 

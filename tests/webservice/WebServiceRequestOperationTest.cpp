@@ -1,0 +1,325 @@
+#include "webservice/WebServiceRequestOperation.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <stdexcept>
+
+#include "platform/UrlSession.h"
+#include "platform/qt/QtMainQueue.h"
+#include "platform/qt/QtOperationQueue.h"
+#include "platform/qt/QtUrlSession.h"
+#include "support/Guards.h"
+#include "today/Application.h"
+#include "webservice/LoopbackServer.h"
+
+namespace vantrel {
+namespace {
+
+using test::httpReply;
+using test::Reply;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using Notices = std::vector<std::string>;
+
+/// Writes down what it hears, and from which thread.
+struct Listener : WebServiceRequestOperationDelegate {
+  void webServiceRequestOperationNetworkIsActive(WebServiceRequestOperation& operation,
+                                                 bool isActive) override {
+    hear(isActive ? "active" : "idle");
+    if (isActive && cancels) operation.cancel();
+  }
+  void webServiceRequestOperationDidFailWithError(WebServiceRequestOperation& /*operation*/,
+                                                  const std::optional<Error>& error) override {
+    hear(!error ? "error"
+                : error->domain + " " +
+                      (error->domain == "org.geonames" ? std::to_string(error->code) + " " : "") +
+                      error->localizedDescription);
+  }
+  void hear(const std::string& notice) {
+    notices.push_back((QThread::currentThread() == qApp->thread() ? "" : "off the main thread: ") +
+                      notice);
+  }
+  Notices notices;
+  bool cancels = false;
+};
+
+class Request : public WebServiceRequestOperation {
+ public:
+  Request(std::string url, std::shared_ptr<Listener> listener)
+      : url_(std::move(url)), listener_(std::move(listener)) {
+    setDelegate(listener_);
+  }
+  std::string urlString() const override { return url_; }
+  std::string getCheckDataKey() const override { return "srtm3"; }
+  void processResponseWithResult(const JsonAnswer& result) override {
+    const auto number = result["srtm3"].asNumber();
+    listener_->hear("result " + (number ? std::to_string(int(*number)) : "null"));
+  }
+
+ private:
+  std::string url_;
+  std::shared_ptr<Listener> listener_;
+};
+
+class WebServiceRequest : public testing::Test {
+ protected:
+  WebServiceRequest() {
+    test::needApplication();
+    MainQueue::install(std::make_shared<QtMainQueue>());
+    setTimeout(WebServiceRequestOperation::kTimeout);
+  }
+  ~WebServiceRequest() override {
+    UrlSession::install(nullptr);
+    MainQueue::install(nullptr);
+  }
+
+  void setTimeout(double seconds) {
+    QtUrlSession::Limits limits;
+    limits.mostTimeout = seconds;
+    UrlSession::install(std::make_shared<QtUrlSession>(cache_ / "urls", limits));
+  }
+  void start(const std::string& url, std::int32_t serverType = 0) {
+    auto operation = std::make_shared<Request>(url, listener_);
+    operation->setServerType(serverType);
+    last_ = operation;
+    queue_.addOperation(std::move(operation));
+  }
+  /// What a request brings. Whatever is under way for it keeps it, so that nothing can follow.
+  Notices noticesOf(const std::string& url, std::int32_t serverType = 0) {
+    listener_->notices.clear();
+    start(url, serverType);
+    EXPECT_TRUE(test::waitFor([this] { return last_.expired(); }));
+    return listener_->notices;
+  }
+
+  test::TemporaryDirectory cache_;
+  std::shared_ptr<Listener> listener_ = std::make_shared<Listener>();
+  QtOperationQueue queue_;
+  std::weak_ptr<Request> last_;
+};
+
+TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
+  const std::string refused = R"({"status": {"message": "limit exceeded", "value": 18}})";
+  const std::string unknown = "org.geonames 15 Geonames unkowin lookup error";
+  const std::string notJson = "JSON The answer is not JSON: ";
+  const struct {
+    const char* name;
+    std::string reply;
+    Notices expected;  ///< Behind "active"; the last may be a beginning.
+    std::int32_t serverType = 0;
+    std::string log = {};
+  } cases[] = {
+      {"result", httpReply(R"({"srtm3": 12})"), {"idle", "result 12"}},
+      {"result of another type",
+       httpReply(R"({"srtm3": 12})", "200 OK", "Content-Type: text/html\r\n"),
+       {"idle", "result 12"}},
+      {"null counts as a result", httpReply(R"({"srtm3": null})"), {"idle", "result null"}},
+      {"refused", httpReply(refused), {"idle", "org.geonames 18 limit exceeded"}},
+      {"refused with a status of HTTP",
+       httpReply(refused, "401 Unauthorized"),
+       {"idle", "org.geonames 18 limit exceeded"}},
+      {"value as text, no message",
+       httpReply(R"({"status": {"value": "19"}})"),
+       {"idle", "org.geonames 19 "}},
+      {"neither", httpReply("{}"), {"idle", unknown}},
+      {"status is no object", httpReply(R"({"status": "18"})"), {"idle", unknown}},
+      {"a list", httpReply("[1]"), {"idle", unknown}},
+      {"no JSON", httpReply("<html>busy</html>", "503 Busy"), {"idle", notJson + "parse error"}},
+      {"nothing", httpReply(""), {"idle", notJson}},
+      {"a fragment", httpReply("12"), {"idle", notJson + "neither"}},
+      {"cut, without a length", "HTTP/1.1 200 OK\r\n\r\n{\"srtm3\": 1", {"idle", notJson}},
+      {"5 MB of nested lists", httpReply(std::string(5 << 20, '[')), {"idle", notJson + "nested"}},
+      {"Google's result",
+       httpReply(R"({"status": "OK", "results": [{"srtm3": 3}, 4]})"),
+       {"idle", "result 3"},
+       1},
+      {"Google's OK without results", httpReply(R"({"status": "OK", "results": []})"), {}, 1},
+      {"Google's OK alone", httpReply(R"({"status": "OK"})"), {}, 2},
+      {"Google refused",
+       httpReply(R"({"status": "REQUEST_DENIED", "error_message": "no key"})"),
+       {"idle", "error"},
+       1,
+       "Google API Error: no key\n"},
+      {"Google's list", httpReply("[]"), {"idle", "error"}, -1, "Google API Error: (null)\n"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    test::LoopbackServer server({{"/", {c.reply}}});
+    test::LogCapture log;
+    auto notices = noticesOf(server.address() + "/", c.serverType);
+    Notices expected = c.expected;
+    expected.insert(expected.begin(), "active");
+    ASSERT_EQ(notices.size(), expected.size()) << testing::PrintToString(notices);
+    EXPECT_THAT(notices.back(), testing::StartsWith(expected.back()));
+    notices.pop_back();
+    expected.pop_back();
+    EXPECT_EQ(notices, expected);
+    EXPECT_EQ(log.text(), c.log);
+  }
+}
+
+TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
+  using After = Reply::After;
+  const std::string head = "HTTP/1.1 200 OK\r\nConnection: close\r\n";
+  const struct {
+    const char* name;
+    Reply reply;
+    const char* error;
+  } cases[] = {
+      {"cut in the middle", {head + "Content-Length: 99\r\n\r\n{\"srtm3\": 1"}, "closed"},
+      {"closed at once", {""}, "closed"},
+      {"no HTTP", {"220 mail.example ESMTP\r\n\r\n"}, ""},
+      {"silent", {"", After::kHang}, "timed out"},
+      {"never ends", {head + "\r\n{\"srtm3\": 1}", After::kDrip}, "timed out"},
+      {"too large", {head + "\r\n" + std::string(9 << 20, ' '), After::kHang}, "too large"},
+      {"length of 9 MB", {httpReply(std::string(9 << 20, ' '))}, "too large"},
+      {"redirect to http",
+       {httpReply("", "302 Found", "Location: http://127.0.0.1:1/\r\n")},
+       "not https"},
+      {"redirect to a file",
+       {httpReply("", "301 Moved", "Location: file:///etc/passwd\r\n")},
+       "protocol"},
+      {"redirect to https",
+       {httpReply("", "302 Found", "Location: https://127.0.0.1:1/\r\n")},
+       "refused"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    setTimeout(c.error == std::string("timed out") ? 0.2 : WebServiceRequestOperation::kTimeout);
+    test::LoopbackServer server({{"/", c.reply}});
+    test::LogCapture log;
+    const auto notices =
+        noticesOf(server.address() + "/?username=vantrel&token=xwQ_2016torrelabas&lat=1");
+    EXPECT_THAT(notices, ElementsAre("active", "idle", HasSubstr(c.error)));
+    EXPECT_THAT(notices.back(), testing::StartsWith("UrlSession "));
+    EXPECT_THAT(log.text(),
+                testing::MatchesRegex("Connection failed! Error - .* http://127.0.0.1:"
+                                      ".*/\\?username=\\*\\*\\*&token=\\*\\*\\*&lat=1\n"));
+  }
+  // Whether Qt notices depends on when it hears of the end.
+  const Reply cut{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n20\r\n{\"srtm3\": 1"};
+  test::LoopbackServer server(std::map<std::string, Reply>{{"/", cut}});
+  EXPECT_THAT(noticesOf(server.address() + "/"),
+              ElementsAre("active", "idle", testing::ContainsRegex("closed|not JSON")));
+  EXPECT_THAT(noticesOf("http://127.0.0.1:1/"),
+              ElementsAre("active", "idle", HasSubstr("refused")));
+}
+
+TEST_F(WebServiceRequest, RefusesACertificateThatNobodyVouchesFor) {
+  const auto key = (cache_ / "key.pem").string();
+  const auto certificate = (cache_ / "cert.pem").string();
+  const auto made = test::runProgram(
+      {"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=127.0.0.1",
+       "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  auto tls = QSslConfiguration::defaultConfiguration();
+  tls.setLocalCertificate(QSslCertificate(QByteArray::fromStdString(test::readFile(certificate))));
+  tls.setPrivateKey(QSslKey(QByteArray::fromStdString(test::readFile(key)), QSsl::Rsa));
+  test::LoopbackServer server({{"/", {httpReply(R"({"srtm3": 1})")}}}, &tls);
+  test::LogCapture log;
+  EXPECT_THAT(noticesOf(server.address("https") + "/"),
+              ElementsAre("active", "idle", HasSubstr("self-signed")));
+  EXPECT_TRUE(server.requests().empty());
+}
+
+TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
+  const std::string body = R"({"srtm3": 7})";
+  const struct {
+    const char* name;
+    std::string headers;
+    bool isKept;
+  } cases[] = {
+      {"fresh", "Cache-Control: max-age=3600\r\n", true},
+      {"fresh until a day", "Expires: Fri, 01 Jan 2100 00:00:00 GMT\r\n", true},
+      {"says nothing", "", false},
+      {"stale at once", "Cache-Control: max-age=0\r\n", false},
+      {"old", "Expires: Thu, 01 Jan 1998 00:00:00 GMT\r\n", false},
+      {"not to be stored", "Cache-Control: no-store, max-age=3600\r\n", false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    test::LoopbackServer server({{"/", {httpReply(body, "200 OK", c.headers)}}});
+    const std::string url = server.address() + "/?token=xwQ_2016torrelabas";
+    EXPECT_THAT(noticesOf(url), ElementsAre("active", "idle", "result 7"));
+    const auto again = noticesOf(url);
+    EXPECT_EQ(server.requests().size(), c.isKept ? 1u : 2u);
+    EXPECT_EQ(again,
+              c.isKept ? Notices({"idle", "result 7"}) : Notices({"active", "idle", "result 7"}));
+  }
+}
+
+TEST_F(WebServiceRequest, KeepsNoAccountInItsCacheAndSurvivesGarbageThere) {
+  const auto reply = httpReply(R"({"srtm3": 7})", "200 OK", "Cache-Control: max-age=3600\r\n");
+  test::LoopbackServer server({{"/", {reply}}});
+  const std::string url = server.address() + "/?token=xwQ_2016torrelabas";
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_THAT(noticesOf(url), ElementsAre("active", "idle", "result 7"));
+    int files = 0;
+    for (const auto& file : std::filesystem::recursive_directory_iterator(cache_.path())) {
+      if (!file.is_regular_file()) continue;
+      ++files;
+      EXPECT_EQ(test::readFile(file).find("torrelabas"), std::string::npos) << file;
+      EXPECT_EQ(file.status().permissions() & std::filesystem::perms(077),
+                std::filesystem::perms::none);
+      test::writeFile(file, "garbage");
+    }
+    EXPECT_EQ(files, 1);
+  }
+}
+
+TEST_F(WebServiceRequest, AnswersAHundredAtOnce) {
+  test::LoopbackServer server({{"/", {httpReply(R"({"srtm3": 1})")}}});
+  for (int i = 0; i < 100; ++i) start(server.address() + "/?" + std::to_string(i));
+  auto& notices = listener_->notices;
+  EXPECT_TRUE(test::waitFor([&] { return notices.size() == 300; }));
+  EXPECT_EQ(std::count(notices.begin(), notices.end(), "result 1"), 100);
+}
+
+TEST_F(WebServiceRequest, IsSilentOnceCancelled) {
+  listener_->cancels = true;
+  test::LoopbackServer server({{"/", {httpReply(R"({"srtm3": 1})")}}});
+  EXPECT_THAT(noticesOf(server.address() + "/"), ElementsAre("active"));
+  EXPECT_THAT(noticesOf("http://127.0.0.1:1/"), ElementsAre("active"));
+
+  const auto operation = std::make_shared<Request>(server.address() + "/", listener_);
+  operation->processData(R"({"srtm3": 1})");
+  operation->cancel();
+  listener_->notices.clear();
+  noticesOf(server.address() + "/");
+  EXPECT_THAT(listener_->notices, ElementsAre("active"));
+}
+
+TEST_F(WebServiceRequest, EndsWithItsSession) {
+  test::LoopbackServer server(std::map<std::string, Reply>{{"/", {"", Reply::After::kHang}}});
+  start(server.address() + "/");
+  EXPECT_TRUE(test::waitFor([&] { return !server.requests().empty(); }));
+  UrlSession::install(nullptr);
+  EXPECT_TRUE(test::waitFor([this] { return last_.expired(); }));
+  EXPECT_THAT(listener_->notices, ElementsAre("active"));
+}
+
+TEST(WebServiceRequestOperation, LeavesTheAskingToSubclasses) {
+  WebServiceRequestOperation operation;
+  EXPECT_EQ(operation.username(), "vantrel");
+  EXPECT_EQ(operation.token().size(), 18u);
+  const auto reason = [](auto call) -> std::string {
+    try {
+      call();
+    } catch (const std::logic_error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  EXPECT_EQ(reason([&] { operation.urlString(); }), "You must override urlString in a subclass");
+  EXPECT_EQ(reason([&] { operation.getCheckDataKey(); }),
+            "You must override getCheckDataKey in a subclass");
+  EXPECT_EQ(reason([&] { operation.processResponseWithResult(*JsonAnswer::answerWithData("[]")); }),
+            "You must override processResponseWithResult: in a subclass");
+}
+
+}  // namespace
+}  // namespace vantrel
