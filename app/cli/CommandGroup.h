@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 
 #include "cli/Console.h"
@@ -37,6 +38,16 @@ void fillObserverCommands(CLI::App& parser, Session& session);
 void fillObstacleCommands(CLI::App& parser, Session& session);
 void fillDefaultsCommands(CLI::App& parser, Session& session);
 
+/// All of them, in the order of the help.
+std::span<const CommandGroup> commandGroups();
+
+/// What `vantrel` knows everywhere, and the words of its groups, none of them filled yet: of `only`
+/// where that is given, since each costs time at every start. `session` outlives the parser.
+void describeProgram(CLI::App& root, Session& session, const CommandGroup* only);
+
+/// The library takes "-.5" for an option. No argument of a program holds a NUL, so that one in
+/// front hides the sign until typedText() takes it away.
+constexpr char kHiddenSign = '\0';
 /// What was typed for an argument without a name, as the parser has it: "-.5" comes in disguise.
 std::string typedText(const std::string& word);
 

@@ -1,8 +1,5 @@
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -18,45 +15,6 @@
 namespace vantrel::cli {
 
 namespace {
-
-constexpr std::array kGroups = {
-    CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
-    CommandGroup{"plan", "Add, list, show, edit and remove plans", &fillPlanCommands},
-    CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},
-    CommandGroup{"geo", "Bearing, distance and elevation between two points", &fillGeoCommands},
-    CommandGroup{"units", "Choose metric or imperial units; write lengths in them",
-                 &fillUnitsCommands},
-    CommandGroup{"store", "Look into the store, or fill it with samples", &fillStoreCommands},
-    CommandGroup{"planner", "Preset the planner of the main application", &fillPlannerCommands},
-    CommandGroup{"observer", "Where the planner stands, how high, and its horizon",
-                 &fillObserverCommands},
-    CommandGroup{"obstacle", "A summit or a building, seen from the observer",
-                 &fillObstacleCommands},
-    CommandGroup{"defaults", "Read and write the settings", &fillDefaultsCommands},
-};
-
-constexpr const char* kExamples = R"(Examples:
-  vantrel today --expanded
-  vantrel plan add --name "Blue hour from the bridge" --date "2026-07-21 22:05"
-  vantrel plan list --from now
-  vantrel store sample)";
-
-constexpr const char* kEverywhere =
-    "Everywhere: --json, --quiet, --color auto|always|never, --help. See vantrel --help.";
-
-/// Help without the remarks that the library adds to options; descriptions say what is needed.
-class HelpFormatter : public CLI::Formatter {
- public:
-  HelpFormatter() {
-    column_width(30);
-    label("SUBCOMMAND", "COMMAND");
-    label("Positionals", "Arguments");
-  }
-  std::string make_option_opts(const CLI::Option* option) const override {
-    const bool takesValue = option->get_type_size() != 0 && !option->get_type_name().empty();
-    return takesValue ? " " + option->get_type_name() : "";
-  }
-};
 
 /// "plan add"; empty for the program itself.
 std::string commandPath(const CLI::App& parser) {
@@ -92,9 +50,10 @@ const CommandGroup* groupAskedFor(const std::vector<std::string>& arguments) {
     const std::string& word = arguments[i];
     if (word == "--color") ++i;
     if (word.starts_with('-')) continue;
-    const auto group = std::find_if(kGroups.begin(), kGroups.end(),
+    const auto groups = commandGroups();
+    const auto group = std::find_if(groups.begin(), groups.end(),
                                     [&](const auto& one) { return one.name == word; });
-    return group == kGroups.end() ? nullptr : &*group;
+    return group == groups.end() ? nullptr : &*group;
   }
   return nullptr;
 }
@@ -152,16 +111,13 @@ bool wantsValue(const CLI::App& parser, const std::string& word) {
   return false;
 }
 
-/// The library takes "-.5" for an option. No argument of a program holds a NUL, so that one in
-/// front hides the sign until typedText() takes it away.
-constexpr char kHidden = '\0';
-
 std::vector<std::string> withHiddenSigns(std::vector<std::string> arguments,
                                          const CLI::App& parser) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string& word = arguments[i];
     const bool isNumber = word.size() > 2 && word.starts_with("-.") && std::isdigit(word[2]);
-    if (isNumber && !(i > 0 && wantsValue(parser, arguments[i - 1]))) word.insert(0, 1, kHidden);
+    if (isNumber && !(i > 0 && wantsValue(parser, arguments[i - 1])))
+      word.insert(0, 1, kHiddenSign);
   }
   return arguments;
 }
@@ -202,45 +158,11 @@ int failUsage(const CLI::ParseError& error, const CLI::App& root, Session& sessi
                                       std::string(error.what()) + "; see " + helpCommand(parser)));
 }
 
-void addEverywhere(CLI::App& root, Session& session) {
-  root.set_help_flag("-h,--help", "Show this help and end");
-  root.set_version_flag("--version", std::string("vantrel ") + VANTREL_VERSION,
-                        "Show the version and end");
-  root.add_flag_callback(
-      "--json", [&] { session.console.setJson(true); }, "Answer in JSON");
-  root.add_flag_callback(
-      "-q,--quiet", [&] { session.console.setQuiet(true); }, "No hints on standard error");
-  const auto setColor = [&](const CLI::results_t& values) {
-    const std::string& mode = values.front();
-    if (mode == "always") {
-      session.console.setColorMode(Console::ColorMode::kAlways);
-    } else if (mode == "never") {
-      session.console.setColorMode(Console::ColorMode::kNever);
-    } else if (mode != "auto") {
-      throw CLI::ValidationError("--color \"" + mode + "\": allowed are auto, always, never");
-    }
-    return true;
-  };
-  root.add_option("--color", setColor, "Colour: auto (on a terminal), always, never")
-      ->type_name("WHEN");
-}
-
 int run(const std::vector<std::string>& arguments) {
   Session session;
   session.console.setColorMode(Console::ColorMode::kAuto);
-  CLI::App root("The next photo shoots that you planned", "vantrel");
-  root.fallthrough();
-  root.require_subcommand(1);
-  root.group("Commands");
-  root.formatter(std::make_shared<HelpFormatter>());
-  root.footer(kEverywhere);
-  addEverywhere(root, session);
-  // Each costs time at every start: the others only to be listed, or to suggest one of them.
-  const CommandGroup* asked = groupAskedFor(arguments);
-  for (const auto& group : kGroups) {
-    if (!asked || asked == &group) root.add_subcommand(group.name, group.description);
-  }
-  root.footer(kExamples);
+  CLI::App root;
+  describeProgram(root, session, groupAskedFor(arguments));
   try {
     const auto parser = fillCommands(root, session, arguments);
     if (!parser) return session.console.finish(session.console.fail(parser.error()));
@@ -260,19 +182,6 @@ int run(const std::vector<std::string>& arguments) {
 }
 
 }  // namespace
-
-std::string typedText(const std::string& word) {
-  return word.substr(word.starts_with(kHidden) ? 1 : 0);
-}
-
-void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
-                   const std::string& valueName, const std::string& description) {
-  const auto keep = [&target](const CLI::results_t& values) {
-    target = values.front();
-    return true;
-  };
-  parser.add_option(name, keep, description)->type_name(valueName);
-}
 
 }  // namespace vantrel::cli
 

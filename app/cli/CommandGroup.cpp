@@ -1,0 +1,109 @@
+#include "cli/CommandGroup.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <array>
+#include <memory>
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr std::array kGroups = {
+    CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
+    CommandGroup{"plan", "Add, list, show, edit and remove plans", &fillPlanCommands},
+    CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},
+    CommandGroup{"geo", "Bearing, distance and elevation between two points", &fillGeoCommands},
+    CommandGroup{"units", "Choose metric or imperial units; write lengths in them",
+                 &fillUnitsCommands},
+    CommandGroup{"store", "Look into the store, or fill it with samples", &fillStoreCommands},
+    CommandGroup{"planner", "Preset the planner of the main application", &fillPlannerCommands},
+    CommandGroup{"observer", "Where the planner stands, how high, and its horizon",
+                 &fillObserverCommands},
+    CommandGroup{"obstacle", "A summit or a building, seen from the observer",
+                 &fillObstacleCommands},
+    CommandGroup{"defaults", "Read and write the settings", &fillDefaultsCommands},
+};
+
+constexpr const char* kExamples = R"(Examples:
+  vantrel today --expanded
+  vantrel plan add --name "Blue hour from the bridge" --date "2026-07-21 22:05"
+  vantrel plan list --from now
+  vantrel store sample)";
+
+constexpr const char* kEverywhere =
+    "Everywhere: --json, --quiet, --color auto|always|never, --help. See vantrel --help.";
+
+/// Help without the remarks that the library adds to options; descriptions say what is needed.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  HelpFormatter() {
+    column_width(30);
+    label("SUBCOMMAND", "COMMAND");
+    label("Positionals", "Arguments");
+  }
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const bool takesValue = option->get_type_size() != 0 && !option->get_type_name().empty();
+    return takesValue ? " " + option->get_type_name() : "";
+  }
+};
+
+void addEverywhere(CLI::App& root, Session& session) {
+  root.set_help_flag("-h,--help", "Show this help and end");
+  root.set_version_flag("--version", std::string("vantrel ") + VANTREL_VERSION,
+                        "Show the version and end");
+  root.add_flag_callback(
+      "--json", [&] { session.console.setJson(true); }, "Answer in JSON");
+  root.add_flag_callback(
+      "-q,--quiet", [&] { session.console.setQuiet(true); }, "No hints on standard error");
+  const auto setColor = [&](const CLI::results_t& values) {
+    const std::string& mode = values.front();
+    if (mode == "always") {
+      session.console.setColorMode(Console::ColorMode::kAlways);
+    } else if (mode == "never") {
+      session.console.setColorMode(Console::ColorMode::kNever);
+    } else if (mode != "auto") {
+      throw CLI::ValidationError("--color \"" + mode + "\": allowed are auto, always, never");
+    }
+    return true;
+  };
+  root.add_option("--color", setColor, "Colour; auto is on a terminal that shows it")
+      ->type_name("auto|always|never");
+}
+
+}  // namespace
+
+std::span<const CommandGroup> commandGroups() {
+  return kGroups;
+}
+
+void describeProgram(CLI::App& root, Session& session, const CommandGroup* only) {
+  root.name("vantrel");
+  root.description("The next photo shoots that you planned");
+  root.fallthrough();
+  root.require_subcommand(1);
+  root.group("Commands");
+  root.formatter(std::make_shared<HelpFormatter>());
+  root.footer(kEverywhere);
+  addEverywhere(root, session);
+  for (const auto& group : kGroups) {
+    if (!only || only == &group) root.add_subcommand(group.name, group.description);
+  }
+  root.footer(kExamples);
+}
+
+std::string typedText(const std::string& word) {
+  return word.substr(word.starts_with(kHiddenSign) ? 1 : 0);
+}
+
+void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
+                   const std::string& valueName, const std::string& description) {
+  const auto keep = [&target](const CLI::results_t& values) {
+    target = values.front();
+    return true;
+  };
+  parser.add_option(name, keep, description)->type_name(valueName);
+}
+
+}  // namespace vantrel::cli
