@@ -9,8 +9,10 @@
 #include "cli/ExitCode.h"
 #include "cli/PlanJson.h"
 #include "cli/PlanLookup.h"
+#include "cli/PlanTemplate.h"
 #include "cli/PlanText.h"
 #include "cli/StoreAccess.h"
+#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 
@@ -209,12 +211,20 @@ Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) 
   return plans;
 }
 
-int listPlans(const std::optional<std::string>& from, const std::optional<std::string>& to,
-              bool isPlain, Console& console) {
-  if (isPlain && console.isJson()) {
-    return console.fail(failure(kExitUsage, "plan list", "either --plain or --json"));
+/// What `plan list` is given.
+struct Listing {
+  std::optional<std::string> from;
+  std::optional<std::string> to;
+  std::optional<PlanTemplate> format;
+  bool isPlain = false;
+};
+
+int listPlans(const Listing& listing, Console& console) {
+  if (int{listing.isPlain} + int{listing.format.has_value()} + int{console.isJson()} > 1) {
+    return console.fail(
+        failure(kExitUsage, "plan list", "only one of --plain, --format and --json"));
   }
-  const auto range = checkedRange(from, to);
+  const auto range = checkedRange(listing.from, listing.to);
   if (!range) return console.fail(range.error());
   const auto context = contextForReading();
   if (!context) return console.fail(context.error());
@@ -224,10 +234,12 @@ int listPlans(const std::optional<std::string>& from, const std::optional<std::s
   if (plans->empty()) console.note("no plans");
   if (console.isJson()) {
     printJson(*plans, console);
-  } else if (isPlain) {
+  } else if (listing.isPlain) {
     for (const auto& plan : *plans) console.print(plainLine(*plan));
+  } else if (listing.format) {
+    for (const auto& plan : *plans) console.print(listing.format->line(*plan));
   } else {
-    console.print(planTable(*plans, console));
+    printTable(*plans, console);
   }
   return kExitDone;
 }
@@ -263,17 +275,17 @@ std::shared_ptr<std::string> addPlanName(CLI::App& parser) {
 }
 
 void fillList(CLI::App& parser, Session& session) {
-  const auto from = std::make_shared<std::optional<std::string>>();
-  const auto to = std::make_shared<std::optional<std::string>>();
-  const auto plain = std::make_shared<bool>(false);
+  const auto listing = std::make_shared<Listing>();
   const std::string when = "now, today, friday, +2w, 2026-07-15, \"2026-07-15 23:40\"";
-  addTextOption(parser, "--from", *from, "WHEN", "No earlier than this: " + when);
-  addTextOption(parser, "--to", *to, "WHEN", "No later than this; a day counts to its end");
-  parser.add_flag("--plain", *plain,
+  addTextOption(parser, "--from", listing->from, "WHEN", "No earlier than this: " + when);
+  addTextOption(parser, "--to", listing->to, "WHEN", "No later than this; a day counts to its end");
+  addValueOption(parser, "--format", listing->format, &PlanTemplate::parsed, "TEMPLATE",
+                 "A line for each plan, as \"{day} {time}\\t{name}\"; in braces may stand " +
+                     PlanTemplate::fieldNames() + "; {{ is a brace");
+  parser.add_flag("--plain", listing->isPlain,
                   "Lines for programs, columns divided by tabs: identifier, date, the same in the "
                   "plan's zone, zone, latitude, longitude, name");
-  parser.callback(
-      [=, &session] { session.exitCode = listPlans(*from, *to, *plain, session.console); });
+  parser.callback([=, &session] { session.exitCode = listPlans(*listing, session.console); });
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "base/Iso8601.h"
 #include "cli/PlanJson.h"
@@ -56,12 +57,8 @@ TableRow tableRow(const Planning& plan) {
   return row;
 }
 
-/// Pads one column of all rows to the widest of them.
-void alignColumn(std::vector<TableRow>& rows, std::string TableRow::*column) {
-  std::size_t width = 0;
-  for (const auto& row : rows) width = std::max(width, cellWidth(row.*column));
-  for (auto& row : rows) row.*column = paddedToCells(row.*column, std::min(width, kWidestColumn));
-}
+constexpr std::array kColumns = {&TableRow::when, &TableRow::name, &TableRow::zone,
+                                 &TableRow::here};
 
 }  // namespace
 
@@ -123,20 +120,24 @@ std::string planDetails(const Planning& plan, const Console& console) {
   return text;
 }
 
-std::string planTable(const std::vector<std::shared_ptr<Planning>>& plans, const Console& console) {
-  std::vector<TableRow> rows;
-  rows.reserve(plans.size());
-  for (const auto& plan : plans) rows.push_back(tableRow(*plan));
-  for (auto column : {&TableRow::when, &TableRow::name, &TableRow::zone, &TableRow::here}) {
-    alignColumn(rows, column);
+void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {
+  // Each row is made twice, since a million of them would fill the memory.
+  std::array<std::size_t, kColumns.size()> widths{};
+  for (const auto& plan : plans) {
+    const TableRow row = tableRow(*plan);
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      widths[i] = std::min(std::max(widths[i], cellWidth(row.*kColumns[i])), kWidestColumn);
+    }
   }
-  std::string text;
-  for (const auto& row : rows) {
-    text += row.when + "  " + console.bold(row.name) + "  " + row.zone + "  ";
-    if (!row.here.empty()) text += row.here + "  ";
-    text += console.dim(row.identifier) + "\n";
+  for (const auto& plan : plans) {
+    TableRow row = tableRow(*plan);
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      row.*kColumns[i] = paddedToCells(std::move(row.*kColumns[i]), widths[i]);
+    }
+    const std::string here = row.here.empty() ? "" : row.here + "  ";
+    console.print(row.when + "  " + console.bold(row.name) + "  " + row.zone + "  " + here +
+                  console.dim(row.identifier) + "\n");
   }
-  return text;
 }
 
 std::string plainLine(const Planning& plan) {

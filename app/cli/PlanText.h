@@ -29,7 +29,8 @@ std::optional<std::string> hereText(Date date, const TimeZone& zone);
 std::string planDetails(const Planning& plan, const Console& console);
 
 /// One line for each plan, in columns: when, what, in which zone, when that is here, identifier.
-std::string planTable(const std::vector<std::shared_ptr<Planning>>& plans, const Console& console);
+/// Each is printed before the next is made.
+void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console);
 
 /// One line for programs, the same in every locale: identifier (without one, the URI), instant, the
 /// same with the offset of the plan's zone, zone, latitude, longitude, name, divided by tabs; what

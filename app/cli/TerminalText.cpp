@@ -51,6 +51,7 @@ bool isUnsafe(UChar32 c) {
 
 std::size_t cellsOf(UChar32 c) {
   constexpr UChar32 kSoftHyphen = 0xad;
+  if (c >= ' ' && c <= '~') return 1;
   const auto category = u_getIntPropertyValue(c, UCHAR_GENERAL_CATEGORY);
   const auto syllable = u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE);
   const bool joinsTheOneBefore = category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK ||
@@ -111,12 +112,13 @@ std::string printableJson(std::string_view json) {
 std::size_t cellWidth(std::string_view text) {
   constexpr UChar32 kEmojiStyle = 0xfe0f;
   std::size_t cells = 0;
-  bool isNarrowEmoji = false;
-  for (CodePoints at(text); at.next();) {
-    if (isNarrowEmoji && at.value() == kEmojiStyle) ++cells;
-    const std::size_t width = cellsOf(at.value());
-    isNarrowEmoji = width == 1 && u_hasBinaryProperty(at.value(), UCHAR_EMOJI);
-    cells += width;
+  UChar32 before = 0;
+  for (CodePoints at(text); at.next(); before = at.value()) {
+    if (at.value() == kEmojiStyle && cellsOf(before) == 1 &&
+        u_hasBinaryProperty(before, UCHAR_EMOJI)) {
+      ++cells;
+    }
+    cells += cellsOf(at.value());
   }
   return cells;
 }
