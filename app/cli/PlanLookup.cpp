@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "cli/ExitCode.h"
+#include "cli/PlanLink.h"
 #include "cli/PlanText.h"
-#include "objectstore/StoreError.h"
 
 namespace vantrel::cli {
 
@@ -71,21 +71,6 @@ Expected<Plans> candidates(ManagedObjectContext& context, const std::string& tex
   return plans;
 }
 
-/// Whether the text is an object URI of a saved plan: "x-coredata://<store UUID>/Planning/p7".
-bool isPlanUri(std::string_view text) {
-  constexpr std::string_view kEntityPart = "/Planning/p";
-  constexpr std::size_t kUuidLength = 36;
-  constexpr std::size_t kMostDigits = 18;
-  if (!text.starts_with(kUriScheme)) return false;
-  text.remove_prefix(kUriScheme.size());
-  if (text.find_first_not_of("0123456789ABCDEFabcdef-") != kUuidLength) return false;
-  text.remove_prefix(kUuidLength);
-  if (!text.starts_with(kEntityPart)) return false;
-  text.remove_prefix(kEntityPart.size());
-  return !text.empty() && text.size() <= kMostDigits && text.front() != '0' &&
-         text.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
 Error listed(const std::string& text, const std::string& why, const Plans& plans) {
   std::string lines = why;
   for (std::size_t i = 0; i < plans.size() && i < kMostCandidates; ++i) {
@@ -96,18 +81,6 @@ Error listed(const std::string& text, const std::string& why, const Plans& plans
 }
 
 }  // namespace
-
-Expected<std::shared_ptr<Planning>> planWithURI(ManagedObjectContext& context,
-                                                const std::string& uri) {
-  if (!isPlanUri(uri)) return tl::make_unexpected(failure(kExitBadData, uri, "names no plan"));
-  const auto object = context.objectWithURI(uri);
-  if (!object && storeErrorCode(object.error()) != StoreErrorCode::kInvalidURI) {
-    return tl::make_unexpected(object.error());
-  }
-  auto plan = std::dynamic_pointer_cast<Planning>(object.value_or(nullptr));
-  if (!plan) return tl::make_unexpected(failure(kExitMissing, uri, "no such plan in this store"));
-  return plan;
-}
 
 Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
                                               const std::string& text) {

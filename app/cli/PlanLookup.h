@@ -15,9 +15,4 @@ namespace vantrel::cli {
 Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
                                               const std::string& text);
 
-/// The plan of an object URI; kExitMissing when it is gone or in another store, kExitBadData when
-/// the text names no plan.
-Expected<std::shared_ptr<Planning>> planWithURI(ManagedObjectContext& context,
-                                                const std::string& uri);
-
 }  // namespace vantrel::cli
