@@ -1,8 +1,6 @@
 #include "today/CardWidget.h"
 
-#include <QAccessible>
 #include <QEasingCurve>
-#include <QLabel>
 #include <QPainter>
 #include <QPointer>
 #include <QResizeEvent>
@@ -13,32 +11,15 @@
 #include "platform/MainQueue.h"
 #include "platform/qt/QtParagraph.h"
 #include "platform/qt/QtTextMeasurer.h"
+#include "today/SpokenText.h"
 #include "today/TouchButton.h"
 
 namespace vantrel {
 
 namespace {
 
-/// A text for screen readers where the card draws the same text.
-class SpokenText : public QLabel {
- public:
-  explicit SpokenText(QWidget* parent) : QLabel(parent) {
-    setTextFormat(Qt::PlainText);
-    setAttribute(Qt::WA_TransparentForMouseEvents);
-    hide();
-  }
-
- protected:
-  void paintEvent(QPaintEvent* /*event*/) override {}
-};
-
 QString localized(std::string_view key) {
   return QString::fromStdString(Bundle::mainBundle().localizedString(key, "", "Today"));
-}
-
-void announce(QWidget* widget) {
-  QAccessibleEvent event(widget, QAccessible::Alert);
-  QAccessible::updateAccessibility(&event);
 }
 
 }  // namespace

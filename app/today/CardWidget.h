@@ -9,10 +9,9 @@
 #include "today/PlanDescription.h"
 #include "today/WidgetHost.h"
 
-class QLabel;
-
 namespace vantrel {
 
+class SpokenText;
 class TouchButton;
 
 /// The card in a window: draws it, and lays a button over every part that can be pressed. Main
@@ -75,8 +74,8 @@ class CardWidget : public QWidget {
   bool touchIsOnTitle_ = false;
   TouchButton* toggle_;
   TouchButton* barAction_;
-  QLabel* barText_;
-  QLabel* message_;
+  SpokenText* barText_;
+  SpokenText* message_;
   std::array<TouchButton*, kRowSlots> rows_{};
 };
 

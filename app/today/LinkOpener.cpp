@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include "today/AppId.h"
 #include "today/SchemeHandler.h"
 
 namespace vantrel {
@@ -11,7 +12,11 @@ LinkOpener::Result LinkOpener::open(const std::string& link) {
   const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(link), QUrl::StrictMode);
   if (!url.isValid()) return Result::kFailed;
   // Asked first: the desktop's opener may fail long after it was started, and silently.
-  if (handlerForScheme(url.scheme()).isEmpty()) return Result::kNoHandler;
+  const QString handler = handlerForScheme(url.scheme());
+  if (handler.isEmpty()) return Result::kNoHandler;
+  if (showPlan_ && handler == QLatin1String(kLinkEntry)) {
+    return showPlan_(link) ? Result::kOpened : Result::kNoPlan;
+  }
   return QDesktopServices::openUrl(url) ? Result::kOpened : Result::kFailed;
 }
 

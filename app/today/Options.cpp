@@ -29,6 +29,22 @@ bool parseSize(const std::string& text, int& width, int& height) {
 void describe(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION);
   app.set_help_flag("-h,--help", "Show this help and exit");
+  auto* open = app.add_option("--open", options.link,
+                              "Show the plan that a link names (vantrel://plan?id=...)")
+                   ->option_text("LINK");
+  auto* autostart = app.add_option_function<std::string>(
+                           "--autostart",
+                           [&options](const std::string& text) {
+                             if (text != "on" && text != "off") {
+                               throw CLI::ValidationError("--autostart", "takes on or off");
+                             }
+                             options.autostart = text == "on";
+                           },
+                           "Open the window with every session, or no more, and exit")
+                        ->option_text("on|off");
+  auto* service = app.add_flag("--service", options.service,
+                               "Wait for the desktop to tell what to show (it starts the program "
+                               "so)");
   auto* render =
       app.add_option("--render", options.renderFile,
                      "Draw the card into a PNG file, without a display (- is standard output)")
@@ -42,6 +58,9 @@ void describe(CLI::App& app, Options& options) {
          "The picture's size in logical pixels; usually as large as the card needs")
       ->option_text("WxH")
       ->needs(render);
+  open->excludes(autostart)->excludes(service);
+  render->excludes(autostart)->excludes(service);
+  service->excludes(autostart);
   app.add_option("--scale", options.scale, "Pixels of the picture per logical pixel, 0.25 to 8")
       ->option_text("N")
       ->check([](const std::string& text) {
@@ -53,7 +72,7 @@ void describe(CLI::App& app, Options& options) {
                                                                  : "takes a number, 0.25 to 8";
       })
       ->needs(render);
-  app.add_flag("--expanded", options.expanded, "Begin with all rows, not two");
+  app.add_flag("--expanded", options.expanded, "Begin with all rows, not two")->excludes(open);
   auto* dark = app.add_flag_callback(
       "--dark", [&options] { options.dark = true; }, "Dark, whatever the desktop is");
   app.add_flag_callback(
@@ -72,9 +91,14 @@ void describe(CLI::App& app, Options& options) {
                    : std::string("takes a version like 9.3 or 17.0");
       });
   app.footer(
-      "Keys: F5 looks for new plans, Tab and Enter open one.\n"
-      "Exit codes: 0 done, 64 usage, 66 no store, 69 no display, 73 and 74 the picture could "
-      "not be written.");
+      "A window that is open already comes to the front; with --dark, --light or --system-version "
+      "a "
+      "new one opens.\n"
+      "Keys: F5 looks for new plans, Tab and Enter open one; Ctrl+C copies the link of a plan that "
+      "is shown, Escape closes it.\n"
+      "Exit codes: 0 done, 64 usage, 65 no link to a plan, 66 no store or no such plan in it, 69 "
+      "no "
+      "display, 73 and 74 a file could not be written, 77 no permission.");
 }
 
 }  // namespace

@@ -7,8 +7,11 @@ namespace vantrel {
 
 /// What the command line asks for.
 struct Options {
-  std::string renderFile;  ///< Empty: a window; "-" is standard output.
-  int width = 0;           ///< Of the picture, logical pixels; 0 is the usual size.
+  std::optional<std::string> link;  ///< Of the plan whose sheet is shown instead of the widget.
+  std::optional<bool> autostart;    ///< Only sets whether the window opens with the session.
+  bool service = false;             ///< Waits for the desktop to tell what to show.
+  std::string renderFile;           ///< Empty: a window; "-" is standard output.
+  int width = 0;                    ///< Of the picture, logical pixels; 0 is the usual size.
   int height = 0;
   double scale = 1;
   bool expanded = false;

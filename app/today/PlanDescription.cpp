@@ -35,19 +35,28 @@ std::string PlanDescription::details(const Planning& plan) const {
   return dateText(plan, true);
 }
 
-std::string PlanDescription::dateText(const Planning& plan, bool withLocalTime) const {
+std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan) const {
   const auto date = plan.date();
-  if (!date) return text("today_plan_no_date");
+  if (!date) return std::nullopt;
   const TimeZone zone = zoneOf(plan);
   const TimeZone here = TimeZone::defaultTimeZone();
   formatter_.setTimeZone(zone);
-  const std::string there = formatter_.stringFromDate(*date);
-  if (!withLocalTime || zone.secondsFromGMTForDate(*date) == here.secondsFromGMTForDate(*date)) {
-    return stringWithFormat(text("today_plan_row_description"), {there, zone.name()});
+  When when{formatter_.stringFromDate(*date), zone.name(), std::nullopt};
+  if (zone.secondsFromGMTForDate(*date) != here.secondsFromGMTForDate(*date)) {
+    formatter_.setTimeZone(here);
+    when.here = formatter_.stringFromDate(*date);
   }
-  formatter_.setTimeZone(here);
+  return when;
+}
+
+std::string PlanDescription::dateText(const Planning& plan, bool withLocalTime) const {
+  const auto when = this->when(plan);
+  if (!when) return text("today_plan_no_date");
+  if (!withLocalTime || !when->here) {
+    return stringWithFormat(text("today_plan_row_description"), {when->there, when->zone});
+  }
   return stringWithFormat(text("today_plan_row_description_local"),
-                          {there, zone.name(), formatter_.stringFromDate(*date)});
+                          {when->there, when->zone, *when->here});
 }
 
 }  // namespace vantrel

@@ -14,6 +14,15 @@ class PlanDescription {
  public:
   PlanDescription();
 
+  /// A plan's instant, in full.
+  struct When {
+    std::string there;  ///< On the clocks of the plan's own zone.
+    std::string zone;
+    std::optional<std::string> here;  ///< On this device's, where that differs.
+  };
+  /// Nothing for a plan without a date.
+  std::optional<When> when(const Planning& plan) const;
+
   /// "Milky Way, Wednesday, July 15, 2026 at 11:40 PM (Europe/Madrid)".
   std::string name(const Planning& plan) const;
   /// Full date and zone, and the same instant on this device's clock where that differs.

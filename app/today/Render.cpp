@@ -17,8 +17,9 @@
 #include "base/Log.h"
 #include "cli/ExitCode.h"
 #include "platform/qt/QtTextMeasurer.h"
-#include "store/Database.h"
 #include "today/CardPainter.h"
+#include "today/PlanOpening.h"
+#include "today/PlanSheetPainter.h"
 #include "today/StoreProbe.h"
 #include "today/WidgetHost.h"
 
@@ -30,6 +31,10 @@ int fail(int code, const std::string& message) {
   setLogsEnabled(true);
   logLine("vantrel-today: " + message);
   return code;
+}
+
+int fail(const Error& error) {
+  return fail(cli::exitCodeForError(error), error.localizedDescription);
 }
 
 /// A picture is the same on every machine that has the same fonts, whatever its desktop.
@@ -45,16 +50,10 @@ void leaveDesktopOut() {
   });
 }
 
-QImage paint(const Options& options, const QtTextMeasurer& measurer) {
-  const double width =
-      options.width > 0 ? options.width : CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin;
-  WidgetHost host;
-  host.beginLife(cardWidth(width),
-                 options.expanded ? WidgetDisplayMode::kExpanded : WidgetDisplayMode::kCompact);
-  CardContent content;
-  host.describe(content);
-  const CardLayout layout = CardLayout::make(content, width, measurer);
-  const double height = options.height > 0 ? options.height : std::ceil(layout.pictureHeight());
+/// Draws with `draw` on the colour that is behind a card.
+template <typename Draw>
+QImage paint(const Options& options, double width, double naturalHeight, Draw draw) {
+  const double height = options.height > 0 ? options.height : std::ceil(naturalHeight);
   const QSizeF size(width, height);
   const Theme theme = Theme::forStyle(options.dark.value_or(cardIsDark(false)));
   QImage image((size * options.scale).toSize(), QImage::Format_RGB32);
@@ -62,8 +61,31 @@ QImage paint(const Options& options, const QtTextMeasurer& measurer) {
   image.setDevicePixelRatio(options.scale);
   image.fill(theme.behind);
   QPainter painter(&image);
-  CardPainter(measurer).paint(painter, size.toSize(), content, layout, theme);
+  draw(painter, size.toSize(), theme);
   return image;
+}
+
+QImage paintWidget(const Options& options, double width, const QtTextMeasurer& measurer) {
+  WidgetHost host;
+  host.beginLife(cardWidth(width),
+                 options.expanded ? WidgetDisplayMode::kExpanded : WidgetDisplayMode::kCompact);
+  CardContent content;
+  host.describe(content);
+  const CardLayout layout = CardLayout::make(content, width, measurer);
+  return paint(options, width, layout.pictureHeight(),
+               [&](QPainter& painter, const QSize& size, const Theme& theme) {
+                 CardPainter(measurer).paint(painter, size, content, layout, theme);
+               });
+}
+
+QImage paintSheet(const Options& options, double width, const Planning& plan,
+                  const QtTextMeasurer& measurer) {
+  const auto content = PlanSheetContent::make(plan, PlanDescription());
+  const auto layout = PlanSheetLayout::make(content, width, measurer);
+  return paint(options, width, layout.card.pictureHeight(),
+               [&](QPainter& painter, const QSize& size, const Theme& theme) {
+                 PlanSheetPainter(measurer).paint(painter, size, content, layout, theme);
+               });
 }
 
 int writeInto(QFile& file, const QByteArray& picture, const std::string& name) {
@@ -113,24 +135,26 @@ int write(const QImage& image, const std::string& name) {
 }  // namespace
 
 int render(int argc, char** argv, const Options& options) {
-  const auto store = Database::sharedInstance().groupStoreURL();
-  std::error_code error;
-  if (!store || !std::filesystem::exists(*store, error)) {
-    return fail(cli::kExitMissing,
-                (store ? store->string() : "the application group's folder") +
-                    ": there is no store yet; make one with: vantrel store sample");
-  }
   // What goes wrong is told once, by the line that ends the program.
   setLogsEnabled(false);
+  std::shared_ptr<Planning> plan;
+  if (options.link) {
+    auto found = planOfLink(*options.link);
+    if (!found) return fail(found.error());
+    plan = *found;
+  } else if (const auto missing = missingStore()) {
+    return fail(*missing);
+  }
   leaveDesktopOut();
   const QGuiApplication application(argc, argv);
   const auto measurer = std::make_shared<QtTextMeasurer>();
   TextMeasurer::install(measurer);
   StoreProbe probe;
-  if (const auto problem = probe.problem()) {
-    return fail(cli::exitCodeForError(*problem), problem->localizedDescription);
-  }
-  const QImage image = paint(options, *measurer);
+  if (const auto problem = probe.problem()) return fail(*problem);
+  const double width =
+      options.width > 0 ? options.width : CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin;
+  const QImage image =
+      plan ? paintSheet(options, width, *plan, *measurer) : paintWidget(options, width, *measurer);
   if (image.isNull()) return fail(cli::kExitUsage, "a picture of that size cannot be drawn");
   return write(image, options.renderFile);
 }

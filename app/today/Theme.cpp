@@ -33,6 +33,7 @@ Theme darkTheme() {
   theme.card = opaque(palette::menuBackgroundColor());
   theme.header = opaque(palette::panelColor());
   theme.name = QColor(0xA7, 0xA7, 0xA7);
+  theme.sheetText = Qt::white;
   theme.action = opaque(palette::vantrelBlue());
   theme.focus = opaque(palette::vantrelYellow());
   theme.backing = QColor(0x3A, 0x3A, 0x3A);
@@ -50,6 +51,7 @@ Theme lightTheme() {
   theme.card = Qt::white;
   theme.header = QColor(0xF4, 0xF4, 0xF5);
   theme.name = QColor(0x5E, 0x5E, 0x5E);
+  theme.sheetText = Qt::black;
   theme.action = blue;
   theme.focus = blue;
   theme.backing = opaque(palette::menuBackgroundColor());

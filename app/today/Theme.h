@@ -13,7 +13,8 @@ struct Theme {
   QColor card;
   QColor header;
   QColor name;
-  QColor action;  ///< "Show more", "Retry".
+  QColor sheetText;  ///< Of a plan's sheet.
+  QColor action;     ///< "Show more", "Retry".
   QColor focus;
   QColor backing;  ///< Behind a touched row.
   QColor barFill;  ///< Laid over the card.

@@ -3,23 +3,19 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QGuiApplication>
-#include <QScreen>
 #include <QShortcut>
 #include <QTimer>
-#include <algorithm>
 #include <chrono>
 
 #include "platform/Bundle.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "store/Database.h"
-#include "today/AppIcon.h"
 
 namespace vantrel {
 
 namespace {
 
 constexpr int kAnimationMilliseconds = 160;
-constexpr int kSmallestWidth = 300;
 constexpr std::chrono::seconds kCopiedNotice{4};
 
 std::string text(std::string_view key) {
@@ -30,28 +26,18 @@ std::filesystem::path storePath() {
   return Database::sharedInstance().groupStoreURL().value_or(std::filesystem::path());
 }
 
-bool isDark(const QColor& color) {
-  return color.lightnessF() < 0.5;
-}
-
 }  // namespace
 
 TodayWindow::TodayWindow(QtTextMeasurer& measurer, LinkOpener& opener, const Wishes& wishes)
-    : measurer_(measurer),
+    : CardWindow(measurer, wishes.dark),
       opener_(opener),
-      wishes_(wishes),
       state_(WindowState::load()),
       triggers_(storePath()),
       host_(1, [this](const std::string& link) { openLink(link); }),
       card_(new CardWidget(host_, measurer, this)) {
   setWindowTitle(QString::fromStdString(text("today_window_title")));
-  setWindowIcon(appIcon());
-  setFrameShape(QFrame::NoFrame);
-  setFocusPolicy(Qt::NoFocus);
-  setMinimumWidth(kSmallestWidth);
   setWidget(card_);
   if (wishes.expanded) state_.expanded = *wishes.expanded;
-  resize(static_cast<int>(CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin), 1);
   restoreGeometry(state_.geometry);
   card_->resize(size());
   connectTriggers();
@@ -69,18 +55,14 @@ void TodayWindow::connectTriggers() {
     probe_.failedToOpen() ? restart() : beginLife();
   });
   connect(card_, &CardWidget::rowTouchFinished, this, renew);
-  connect(card_, &CardWidget::toggled, this, &TodayWindow::toggleMode);
+  connect(card_, &CardWidget::toggled, this, [this] { setExpanded(!state_.expanded); });
   connect(card_, &CardWidget::barActed, this, &TodayWindow::actOnBar);
   connect(card_, &CardWidget::settled, this, &TodayWindow::fitHeight);
   connect(card_, &CardWidget::naturalHeightChanged, this, [this] {
     // A growing card needs the room now, a shrinking one gives it back in the end.
     if (card_->naturalHeight() > height()) fitHeight();
   });
-  connect(&desktop_, &DesktopSettings::answered, this, &TodayWindow::ready);
-  connect(&desktop_, &DesktopSettings::changed, this, &TodayWindow::takeDesktopSettings);
   connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, this, renew);
-  connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
-  connect(new QShortcut(QKeySequence::Quit, this), &QShortcut::activated, this, &QWidget::close);
 }
 
 void TodayWindow::beginLife() {
@@ -104,10 +86,17 @@ void TodayWindow::showStoreProblem(const Error& problem) {
 
 void TodayWindow::openLink(const std::string& link) {
   linkBar_.reset();
-  if (opener_.open(link) != LinkOpener::Result::kOpened) {
+  const auto result = opener_.open(link);
+  if (result == LinkOpener::Result::kNoPlan) return tell(text("today_link_plan_missing"));
+  if (result != LinkOpener::Result::kOpened) {
     linkToCopy_ = link;
     linkBar_ = CardContent::Bar{text("today_no_handler"), text("today_copy_link")};
   }
+  showBar();
+}
+
+void TodayWindow::tell(const std::string& message) {
+  linkBar_ = CardContent::Bar{message, {}};
   showBar();
 }
 
@@ -128,49 +117,19 @@ void TodayWindow::actOnBar() {
   });
 }
 
-void TodayWindow::toggleMode() {
-  state_.expanded = !state_.expanded;
+void TodayWindow::setExpanded(bool expanded) {
+  if (state_.expanded == expanded) return;
+  state_.expanded = expanded;
   host_.setMode(state_.expanded ? WidgetDisplayMode::kExpanded : WidgetDisplayMode::kCompact);
   card_->showLife();
 }
 
-void TodayWindow::takeDesktopSettings() {
-  const bool dark = wishes_.dark.value_or(cardIsDark(desktop_.isDark()));
-  const Theme theme = Theme::forStyle(dark);
-  // The desktop's own colour, where it has taken part in the change of scheme.
-  const QColor own = QGuiApplication::palette().color(QPalette::Window);
-  card_->setTheme(theme, isDark(own) == dark ? own : theme.behind);
-  card_->setAnimationDuration(desktop_.reducesMotion() ? 0 : kAnimationMilliseconds);
-  if (host_.isAlive() && desktop_.textScale() == measurer_.scale()) return;
-  measurer_.setScale(desktop_.textScale());
-  host_.setTextScale(desktop_.textScale());
+void TodayWindow::applySettings(const Theme& theme, const QColor& background, bool newTextScale) {
+  card_->setTheme(theme, background);
+  card_->setAnimationDuration(desktop().reducesMotion() ? 0 : kAnimationMilliseconds);
+  if (!newTextScale) return;
+  host_.setTextScale(measurer().scale());
   beginLife();
-}
-
-void TodayWindow::fitHeight() {
-  if (isMaximized() || isFullScreen()) return fitCard();
-  int wanted = card_->naturalHeight();
-  if (const QScreen* place = screen()) wanted = std::min(wanted, place->availableSize().height());
-  resize(width(), wanted);
-  fitCard();
-}
-
-/// The card fills the window, and is scrolled where it needs more.
-void TodayWindow::fitCard() {
-  const QSize room = viewport()->size();
-  card_->resize(room.width(), std::max(room.height(), card_->naturalHeight()));
-}
-
-void TodayWindow::resizeEvent(QResizeEvent* event) {
-  QScrollArea::resizeEvent(event);
-  fitCard();
-}
-
-void TodayWindow::changeEvent(QEvent* event) {
-  QScrollArea::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
-    takeDesktopSettings();
-  }
 }
 
 void TodayWindow::saveState() const {
@@ -186,7 +145,7 @@ void TodayWindow::restart() {
 
 void TodayWindow::closeEvent(QCloseEvent* event) {
   saveState();
-  QScrollArea::closeEvent(event);
+  CardWindow::closeEvent(event);
 }
 
 }  // namespace vantrel

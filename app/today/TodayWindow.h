@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QScrollArea>
 #include <memory>
 #include <optional>
 
 #include "today/CardWidget.h"
-#include "today/DesktopSettings.h"
+#include "today/CardWindow.h"
 #include "today/LinkOpener.h"
 #include "today/RefreshTriggers.h"
 #include "today/StoreProbe.h"
@@ -14,11 +13,9 @@
 
 namespace vantrel {
 
-class QtTextMeasurer;
-
 /// The window that hosts the widget and begins a new life of it whenever what is shown grows old.
 /// Main thread.
-class TodayWindow : public QScrollArea {
+class TodayWindow : public CardWindow {
   Q_OBJECT
 
  public:
@@ -34,18 +31,20 @@ class TodayWindow : public QScrollArea {
   void beginLife();
   /// What is shown can only be told anew by a new process, with this window's place and mode.
   void restart();
+  /// Shows all rows, or two.
+  void setExpanded(bool expanded);
+  /// Tells something on the card, until a link could be opened.
+  void tell(const std::string& message);
   CardWidget& card() { return *card_; }
 
  signals:
-  /// The colours are known: what is shown from now on will not flash.
-  void ready();
   /// The state is saved; the program is to be started again in place.
   void restartRequested();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  void changeEvent(QEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
+  int naturalHeight() const override { return card_->naturalHeight(); }
+  void applySettings(const Theme& theme, const QColor& background, bool newTextScale) override;
 
  private:
   void connectTriggers();
@@ -53,17 +52,10 @@ class TodayWindow : public QScrollArea {
   void openLink(const std::string& link);
   void showBar();
   void actOnBar();
-  void toggleMode();
-  void takeDesktopSettings();
-  void fitHeight();
-  void fitCard();
   void saveState() const;
 
-  QtTextMeasurer& measurer_;
   LinkOpener& opener_;
-  Wishes wishes_;
   WindowState state_;
-  DesktopSettings desktop_;
   StoreProbe probe_;
   RefreshTriggers triggers_;
   WidgetHost host_;

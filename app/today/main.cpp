@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 #include "base/Log.h"
 #include "cli/ExitCode.h"
@@ -12,23 +13,24 @@
 #include "platform/Locale.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtTextMeasurer.h"
+#include "store/Database.h"
+#include "today/AppId.h"
+#include "today/ApplicationService.h"
+#include "today/Autostart.h"
 #include "today/Options.h"
+#include "today/PlanOpening.h"
 #include "today/Render.h"
-#include "today/TodayWindow.h"
+#include "today/TodayProgram.h"
 
 namespace vantrel {
 
 namespace {
 
-/// How long the first picture waits for the desktop to tell whether it is to be dark.
-constexpr std::chrono::milliseconds kPatience{200};
+/// How long a program that the bus has started waits to be told what to show.
+constexpr std::chrono::seconds kIdle{30};
 
+/// Set for a program that takes its own place: the link of the plan that was shown, or empty.
 constexpr const char* kRestarted = "VANTREL_TODAY_RESTARTED";
-
-bool isSet(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value && *value;
-}
 
 /// The toolkit aborts when it finds no display; a person is told what to do instead.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
@@ -39,34 +41,87 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
   std::_Exit(cli::kExitUnavailable);
 }
 
-int showWindow(int argc, char** argv, const Options& options) {
+/// What a program that took its own place shows: the window as it was left, and the plan beside it.
+std::optional<std::string> takeRestart(Options& options) {
+  const char* value = std::getenv(kRestarted);
+  if (!value) return std::nullopt;
+  std::string link = value;
+  unsetenv(kRestarted);
+  options.expanded = false;
+  options.service = false;
+  options.link.reset();
+  return link;
+}
+
+void describeApplication() {
+  QApplication::setApplicationName(QStringLiteral("vantrel-today"));
+  QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
+  QGuiApplication::setDesktopFileName(QString::fromLatin1(kApplicationId));
+  const Locale language(Locale::preferredLanguages().front());
+  QGuiApplication::setLayoutDirection(language.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+}
+
+void showAtStart(TodayProgram& program, const Options& options, const std::string& restartedLink) {
+  if (options.service) {
+    return QTimer::singleShot(kIdle, &program, [] {
+      if (QApplication::topLevelWidgets().isEmpty()) QApplication::quit();
+    });
+  }
+  if (options.link) {
+    program.openLink(*options.link);
+    return;
+  }
+  program.activate();
+  if (!restartedLink.empty()) program.openLink(restartedLink);
+}
+
+int showWindow(int argc, char** argv, Options options) {
+  const auto restartedLink = takeRestart(options);
+  // A link that leads to no plan is told before anything opens.
+  if (options.link) {
+    if (const auto plan = planOfLink(*options.link); !plan) {
+      logLine("vantrel-today: " + plan.error().localizedDescription);
+      return cli::exitCodeForError(plan.error());
+    }
+  }
   const auto usualHandler = qInstallMessageHandler(explainMissingDisplay);
   QApplication application(argc, argv);
   qInstallMessageHandler(usualHandler);
-  QApplication::setApplicationName(QStringLiteral("vantrel-today"));
-  QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
-  QGuiApplication::setDesktopFileName(QStringLiteral("org.vantrel.Today"));
-  const Locale language(Locale::preferredLanguages().front());
-  QGuiApplication::setLayoutDirection(language.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+  describeApplication();
   const auto measurer = std::make_shared<QtTextMeasurer>();
   TextMeasurer::install(measurer);
   MainQueue::install(std::make_shared<QtMainQueue>());
 
-  LinkOpener opener;
-  TodayWindow::Wishes wishes;
-  wishes.dark = options.dark;
-  // Started again in place, the window comes back as it was left.
-  if (options.expanded && !isSet(kRestarted)) wishes.expanded = true;
-  unsetenv(kRestarted);
-  TodayWindow window(*measurer, opener, wishes);
-  QObject::connect(&window, &TodayWindow::restartRequested, [argv] {
-    setenv(kRestarted, "1", 1);
+  TodayProgram program(*measurer, options);
+  QObject::connect(&program, &TodayProgram::restartRequested, [argv](const std::string& link) {
+    setenv(kRestarted, link.c_str(), 1);
     ::execv("/proc/self/exe", argv);
     logLine("vantrel-today: cannot start again; close the window and open it anew");
   });
-  QObject::connect(&window, &TodayWindow::ready, &window, &QWidget::show);
-  QTimer::singleShot(kPatience, &window, &QWidget::show);
+  const auto store = Database::sharedInstance().groupStoreURL();
+  ApplicationService service(
+      store ? store->string() : std::string(),
+      {.activate = [&program] { program.activate(); },
+       .open = [&program](const std::string& link) { return program.openLink(link); },
+       .perform = [&program](const QString& action) { return program.perform(action); }});
+  // A window with wishes of its own is not what another start would have shown.
+  if (!options.dark && options.systemVersion.empty()) {
+    const QString action = options.expanded ? QStringLiteral("show-more") : QString();
+    const auto role = service.start(options.link.value_or(""), action);
+    if (role == ApplicationService::Role::kServed) return cli::kExitDone;
+  }
+  showAtStart(program, options, restartedLink.value_or(""));
   return QApplication::exec();
+}
+
+int run(int argc, char** argv) {
+  Options options;
+  if (const auto code = Options::parse(argc, argv, options)) return *code;
+  if (options.autostart) return setAutostart(*options.autostart);
+  if (!options.systemVersion.empty())
+    Device::currentDevice().setSystemVersion(options.systemVersion);
+  if (!options.renderFile.empty()) return render(argc, argv, options);
+  return showWindow(argc, argv, std::move(options));
 }
 
 }  // namespace
@@ -74,11 +129,5 @@ int showWindow(int argc, char** argv, const Options& options) {
 }  // namespace vantrel
 
 int main(int argc, char** argv) {
-  vantrel::Options options;
-  if (const auto code = vantrel::Options::parse(argc, argv, options)) return *code;
-  if (!options.systemVersion.empty()) {
-    vantrel::Device::currentDevice().setSystemVersion(options.systemVersion);
-  }
-  return options.renderFile.empty() ? vantrel::showWindow(argc, argv, options)
-                                    : vantrel::render(argc, argv, options);
+  return vantrel::run(argc, argv);
 }

@@ -51,5 +51,19 @@ TEST(QtParagraph, BreaksAndCutsLikeItIsMeasured) {
   EXPECT_LE(paragraph.width(), 200);
 }
 
+TEST(QtParagraph, DirectionsThatATextSetsEndWithIt) {
+  const struct {
+    const char* text;
+    const char* shown;
+  } cases[] = {
+      {"left as it is \u05D0", "left as it is \u05D0"},
+      {"\u2066its \u202Eown\u2069 affair", "\u2066its \u202Eown\u2069 affair"},
+      {"a\u202Eb", "\u2068a\u202Eb\u2069"},
+      {"closes\u2069 what is not its own\u202E", "\u2068closes what is not its own\u202E\u2069"},
+      {"\u2067two \u2066open", "\u2068\u2067two \u2066open\u2069\u2069\u2069"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(QtParagraph::textToShow(c.text).toStdString(), c.shown);
+}
+
 }  // namespace
 }  // namespace vantrel

@@ -16,19 +16,11 @@
 #include "support/Guards.h"
 #include "support/TestStore.h"
 #include "today/Application.h"
+#include "today/RecordingOpener.h"
 #include "today/TouchButton.h"
 
 namespace vantrel {
 namespace {
-
-struct RecordingOpener : LinkOpener {
-  Result open(const std::string& link) override {
-    links.push_back(link);
-    return result;
-  }
-  std::vector<std::string> links;
-  Result result = Result::kOpened;
-};
 
 /// A window over a store of its own, with the clock at ten in the morning of 15 July 2026.
 class TodayWindowTest : public testing::Test {
@@ -99,7 +91,7 @@ class TodayWindowTest : public testing::Test {
   test::EnvironmentGuard locale_{"LC_ALL", "en_US.UTF-8"};
   test::EnvironmentGuard zone_{"TZ", "Europe/Madrid"};
   test::FakeClock clock_{*dateFromIso8601String("2026-07-15T08:00:00Z")};
-  RecordingOpener opener_;
+  test::RecordingOpener opener_;
   std::unique_ptr<QPointingDevice> finger_{QTest::createTouchDevice()};
   std::shared_ptr<QtTextMeasurer> measurer_ = std::make_shared<QtTextMeasurer>();
   std::unique_ptr<test::OpenStore> store_;

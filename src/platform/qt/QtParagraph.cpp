@@ -18,6 +18,39 @@ bool hasLetters(const QString& text) {
   });
 }
 
+constexpr QChar kFirstStrongIsolate(0x2068);
+constexpr QChar kPopIsolate(0x2069);
+
+bool opensIsolate(QChar c) {
+  return c.direction() == QChar::DirLRI || c.direction() == QChar::DirRLI ||
+         c.direction() == QChar::DirFSI;
+}
+
+/// Whether what comes after the text would run in a direction that the text sets, or an isolate
+/// around it would end within it.
+bool changesSurroundings(const QString& text) {
+  int open = 0;
+  for (const QChar c : text) {
+    if (opensIsolate(c)) ++open;
+    if (c == kPopIsolate && open-- == 0) return true;
+    if (open == 0 && c >= QChar(0x202A) && c <= QChar(0x202E)) return true;
+  }
+  return open > 0;
+}
+
+QString isolated(const QString& text) {
+  if (!changesSurroundings(text)) return text;
+  QString result(kFirstStrongIsolate);
+  int open = 0;
+  for (const QChar c : text) {
+    if (c == kPopIsolate && open == 0) continue;
+    if (opensIsolate(c)) ++open;
+    if (c == kPopIsolate) --open;
+    result += c;
+  }
+  return result + QString(open + 1, kPopIsolate);
+}
+
 }  // namespace
 
 struct QtParagraph::State {
@@ -113,7 +146,7 @@ QString QtParagraph::textToShow(std::string_view text) {
       c = u' ';
     }
   }
-  return shown;
+  return isolated(shown);
 }
 
 }  // namespace vantrel

@@ -33,7 +33,7 @@ class QtParagraph {
   /// Draws with the painter's pen; lines are aligned within the width given to breakLines.
   void draw(QPainter& painter, const QPointF& topLeft, Alignment alignment) const;
 
-  /// The text as it is shown.
+  /// The text as it is shown. Directions that it sets for itself end with it.
   static QString textToShow(std::string_view text);
 
  private:

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace vantrel {
+
+/// The name that the window, its desktop entry, its icons and its place on the message bus share.
+inline constexpr const char* kApplicationId = "org.vantrel.today";
+/// The desktop entry that opens links with this program.
+inline constexpr const char* kLinkEntry = "org.vantrel.today.link.desktop";
+
+}  // namespace vantrel

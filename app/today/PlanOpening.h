@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "base/Error.h"
+#include "store/Planning.h"
+
+namespace vantrel {
+
+/// What keeps the store from being read before it is opened: it is not there yet, and looking for
+/// plans makes none (kExitMissing).
+std::optional<Error> missingStore();
+
+/// The plan that a link names, in the store as it is now. Links come from anywhere: whatever is
+/// wrong with one is told in one line that does not repeat it, with the exit code to end with.
+Expected<std::shared_ptr<Planning>> planOfLink(const std::string& link);
+
+/// What to tell the user of the window about such an error, in their language.
+std::string messageForLinkError(const Error& error);
+
+}  // namespace vantrel

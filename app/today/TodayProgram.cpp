@@ -1,0 +1,91 @@
+#include "today/TodayProgram.h"
+
+#include <QTimer>
+#include <chrono>
+
+#include "base/Log.h"
+#include "today/PlanOpening.h"
+
+namespace vantrel {
+
+namespace {
+
+/// How long the first picture waits for the desktop to tell whether it is to be dark.
+constexpr std::chrono::milliseconds kPatience{200};
+
+}  // namespace
+
+TodayProgram::TodayProgram(QtTextMeasurer& measurer, const Options& options)
+    : measurer_(measurer),
+      options_(options),
+      opener_([this](const std::string& link) { return openLink(link); }) {}
+
+TodayProgram::~TodayProgram() {
+  delete window_.data();
+  delete sheet_.data();
+}
+
+TodayWindow& TodayProgram::window() {
+  if (window_) return *window_;
+  TodayWindow::Wishes wishes;
+  wishes.dark = options_.dark;
+  if (options_.expanded) wishes.expanded = true;
+  window_ = new TodayWindow(measurer_, opener_, wishes);
+  window_->setAttribute(Qt::WA_DeleteOnClose);
+  connect(window_, &TodayWindow::restartRequested, this,
+          [this] { emit restartRequested(sheet_ ? sheet_->link() : std::string()); });
+  return *window_;
+}
+
+void TodayProgram::bringToFront(CardWindow& window) {
+  const auto show = [&window] {
+    // Minimized windows come back as they were.
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+    // Good for one use, and for no program that is started later.
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    qunsetenv("DESKTOP_STARTUP_ID");
+  };
+  if (window.isVisible() || window.isReady()) return show();
+  connect(&window, &CardWindow::ready, &window, show);
+  QTimer::singleShot(kPatience, &window, [&window, show] {
+    if (!window.isVisible()) show();
+  });
+}
+
+void TodayProgram::activate() {
+  bringToFront(window());
+}
+
+bool TodayProgram::openLink(const std::string& link) {
+  const auto plan = planOfLink(link);
+  if (!plan) {
+    logLine("vantrel-today: " + plan.error().localizedDescription);
+    if (window_) window_->tell(messageForLinkError(plan.error()));
+    return false;
+  }
+  if (!sheet_) {
+    sheet_ = new PlanSheetWindow(measurer_, opener_, options_.dark);
+    sheet_->setAttribute(Qt::WA_DeleteOnClose);
+  }
+  sheet_->showPlan(PlanSheetContent::make(**plan, PlanDescription()));
+  bringToFront(*sheet_);
+  return true;
+}
+
+bool TodayProgram::perform(const QString& action) {
+  const bool more = action == QLatin1String("show-more");
+  if (more || action == QLatin1String("show-less")) {
+    window().setExpanded(more);
+  } else if (action == QLatin1String("refresh")) {
+    window().beginLife();
+  } else {
+    return false;
+  }
+  activate();
+  return true;
+}
+
+}  // namespace vantrel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <string>
+
+#include "today/LinkOpener.h"
+#include "today/Options.h"
+#include "today/PlanSheetWindow.h"
+#include "today/TodayWindow.h"
+
+namespace vantrel {
+
+/// The program with its windows: the widget's and a plan's, each made when it is first asked for.
+/// It ends with the last of them. Main thread.
+class TodayProgram : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `measurer` is the one that is installed, and must outlive the program.
+  TodayProgram(QtTextMeasurer& measurer, const Options& options);
+  ~TodayProgram() override;
+
+  /// Shows the widget's window, in front of others where the desktop permits.
+  void activate();
+  /// The same for the sheet of a link's plan; false when it leads to none, which a window that is
+  /// open tells.
+  bool openLink(const std::string& link);
+  /// "show-more", "show-less" and "refresh", as the window's own controls; false for others.
+  bool perform(const QString& action);
+
+ signals:
+  /// The program is to be started again in place, and to show this plan beside the widget (empty
+  /// for none).
+  void restartRequested(const std::string& link);
+
+ private:
+  TodayWindow& window();
+  void bringToFront(CardWindow& window);
+
+  QtTextMeasurer& measurer_;
+  Options options_;
+  LinkOpener opener_;
+  // Closed windows are no more: they follow nothing.
+  QPointer<TodayWindow> window_;
+  QPointer<PlanSheetWindow> sheet_;
+};
+
+}  // namespace vantrel
