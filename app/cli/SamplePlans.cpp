@@ -21,8 +21,7 @@ enum class Day { kAhead, kFullMoon, kPerseids };
 
 /// A sample as a rule: so long before or after the sun's passage on such a day.
 struct Rule {
-  const char* name;
-  const char* notes;
+  const char* key;
   const char* timezone;
   double latitude;
   double longitude;
@@ -38,22 +37,16 @@ constexpr double kBlueHour = -5;
 constexpr double kNight = -18;
 
 constexpr std::array kRules = {
-    Rule{"Milky Way over the lighthouse", "Faro de Cabo de Gata. 14 mm, f/1.8, 20 s.",
-         "Europe/Madrid", 36.7217, -2.1931, Day::kAhead, 1, kNight, false, 30},
-    Rule{"Sunrise at the old harbour", "Chania, from the mole. Be there half an hour before.",
-         "Europe/Athens", 35.5193, 24.0168, Day::kAhead, 2, kHorizon, true, 0},
-    Rule{"Moon behind the cathedral spire", "Salisbury, from the water meadows. 400 mm.",
-         "Europe/London", 51.0650, -1.7975, Day::kFullMoon, 0, kHorizon, false, 35},
-    Rule{"Blue hour from the bridge", "Brooklyn Bridge, towards Manhattan. Tripod, no wind.",
-         "America/New_York", 40.7061, -73.9969, Day::kAhead, 4, kBlueHour, false, 0},
-    Rule{"First light on Mount Fuji", "Lake Kawaguchi, north shore.", "Asia/Tokyo", 35.5234,
-         138.7458, Day::kAhead, 6, kHorizon, true, -10},
-    Rule{"Butter lamps at Boudhanath", "The lamps are lit at dusk.", "Asia/Kathmandu", 27.7215,
-         85.3620, Day::kAhead, 8, kHorizon, false, 15},
-    Rule{"Golden hour on Table Mountain", "From Bloubergstrand, at low tide.",
-         "Africa/Johannesburg", -33.8062, 18.4667, Day::kAhead, 10, kHorizon, false, -45},
-    Rule{"Perseids, first night", "Joshua Tree. Radiant in the north-east after eleven.",
-         "America/Los_Angeles", 34.0122, -116.1681, Day::kPerseids, 0, kNight, false, 120},
+    Rule{"lighthouse", "Europe/Madrid", 36.7217, -2.1931, Day::kAhead, 1, kNight, false, 30},
+    Rule{"harbour", "Europe/Athens", 35.5193, 24.0168, Day::kAhead, 2, kHorizon, true, 0},
+    Rule{"cathedral", "Europe/London", 51.0650, -1.7975, Day::kFullMoon, 0, kHorizon, false, 35},
+    Rule{"bridge", "America/New_York", 40.7061, -73.9969, Day::kAhead, 4, kBlueHour, false, 0},
+    Rule{"fuji", "Asia/Tokyo", 35.5234, 138.7458, Day::kAhead, 6, kHorizon, true, -10},
+    Rule{"lamps", "Asia/Kathmandu", 27.7215, 85.3620, Day::kAhead, 8, kHorizon, false, 15},
+    Rule{"mountain", "Africa/Johannesburg", -33.8062, 18.4667, Day::kAhead, 10, kHorizon, false,
+         -45},
+    Rule{"perseids", "America/Los_Angeles", 34.0122, -116.1681, Day::kPerseids, 0, kNight, false,
+         120},
 };
 
 int civilDayOf(Date date, const TimeZone& zone) {
@@ -124,7 +117,8 @@ std::vector<SamplePlan> samplePlans(Date now) {
                           rule.latitude, rule.longitude);
     const double exact =
         passage.timeIntervalSinceReferenceDate() + rule.minutesAfter * kSecondsPerMinute;
-    plans.push_back({rule.name, rule.notes, rule.timezone, rule.latitude, rule.longitude,
+    const std::string key = "plan_sample_" + std::string(rule.key);
+    plans.push_back({key + "_name", key + "_notes", rule.timezone, rule.latitude, rule.longitude,
                      Date(std::round(exact / kRounding) * kRounding)});
   }
   return plans;

@@ -7,7 +7,7 @@
 
 namespace vantrel::cli {
 
-/// A plan to try things out with.
+/// A plan to try things out with; name and notes are keys of the table "Plannings".
 struct SamplePlan {
   std::string name;
   std::string notes;

@@ -8,6 +8,7 @@
 #include "cli/StoreInfo.h"
 #include "platform/Clock.h"
 #include "store/Planning.h"
+#include "store/VantrelPrefiller.h"
 
 namespace vantrel::cli {
 
@@ -22,19 +23,16 @@ int showStore(Console& console) {
   return kExitDone;
 }
 
-/// Whether the sample is in the store with a date still to come.
+/// Whether the sample is in the store with a date still to come, in whatever language.
 Expected<bool> isPlanned(ManagedObjectContext& context, const SamplePlan& sample, Date now) {
   FetchRequest request;
   request.entityName = kPlanEntity;
-  request.predicate = Predicate::equal("name", sample.name);
+  request.predicate = Predicate::equal("latitude", sample.latitude);
   const auto objects = context.executeFetchRequest(request);
   if (!objects) return tl::make_unexpected(objects.error());
   for (const auto& object : *objects) {
     const auto plan = std::dynamic_pointer_cast<Planning>(object);
-    if (plan && plan->latitude() == sample.latitude && plan->longitude() == sample.longitude &&
-        plan->date() >= now) {
-      return true;
-    }
+    if (plan && plan->longitude() == sample.longitude && plan->date() >= now) return true;
   }
   return false;
 }
@@ -50,6 +48,8 @@ Expected<void> addSample(ManagedObjectContext& context, const SamplePlan& sample
   plan->setLatitude(sample.latitude);
   plan->setLongitude(sample.longitude);
   plan->setDate(sample.date);
+  // Only this one: in plans of the photographer a note left out would turn into an empty one.
+  VantrelPrefiller::translatePlanning(*plan);
   return {};
 }
 

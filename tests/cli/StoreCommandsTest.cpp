@@ -14,8 +14,14 @@ using testing::HasSubstr;
 using StoreCommands = test::CommandLineTest;
 
 TEST_F(StoreCommands, FillAStoreWithPlansInTheRightLight) {
+  const std::string own = add({"--name", "plan_sample_bridge_name"});
   EXPECT_EQ(run({"store", "sample"}).output, "");
-  EXPECT_EQ(run({"store", "sample"}).exitCode, 0);
+  // Neither twice nor in a second language; and what was there stays as it is.
+  EXPECT_EQ(run({"store", "sample"}, {{"LANGUAGE", "de"}}).exitCode, 0);
+  const auto kept = json::parse(run({"plan", "show", own, "--json"}).output);
+  EXPECT_EQ(kept["name"], "plan_sample_bridge_name");
+  EXPECT_EQ(kept["notes"], nullptr);
+  run({"plan", "remove", own});
   const auto list = json::parse(run({"plan", "list", "--json"}).output);
   ASSERT_EQ(list["plans"].size(), 8u);
   for (const auto& plan : list["plans"]) EXPECT_EQ(plan["started"], false) << plan["name"];
