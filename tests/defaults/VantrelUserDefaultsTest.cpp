@@ -6,36 +6,15 @@
 namespace vantrel {
 namespace {
 
-class VantrelUserDefaultsTest : public test::SharedSettings {
- protected:
-  static UserDefaults& standard() {
-    static const test::TemporaryDirectory directory;
-    static const test::EnvironmentGuard environment("XDG_CONFIG_HOME", directory.path());
-    return UserDefaults::standardUserDefaults();
-  }
-};
+using VantrelUserDefaultsTest = test::SharedSettings;
 
-TEST_F(VantrelUserDefaultsTest, OldSettingsAreCopiedOnce) {
-  standard().setInteger(1, "global_units");
-  standard().setBool(false, "vantrel_migrate_appgroups");
-  defaults().setInteger(5, "global_units");
-  defaults().setInteger(6, "other");
-  EXPECT_FALSE(VantrelUserDefaults::hasMigratedDefault());
-  VantrelUserDefaults::migrateUserDefaultsIfNeccessary();
-  EXPECT_TRUE(VantrelUserDefaults::hasMigratedDefault());
-  const UserDefaults other(*paths::groupContainer() /
-                           "Library/Preferences/group.vantrel.vantrel.plist");
-  EXPECT_EQ(other.integerForKey("global_units"), 1);
-  EXPECT_EQ(other.integerForKey("other"), 6);
-
-  standard().setInteger(2, "global_units");
-  VantrelUserDefaults::migrateUserDefaultsIfNeccessary();
-  EXPECT_EQ(defaults().integerForKey("global_units"), 1);
-}
-
-TEST_F(VantrelUserDefaultsTest, UnreadableOldSettingsWaitForTheirRepair) {
-  standard().setInteger(1, "key");
-  ASSERT_TRUE(standard().synchronize());
+TEST_F(VantrelUserDefaultsTest, OldSettingsAreCopiedOnceAndOnlyWhenTheyCanBeRead) {
+  const test::TemporaryDirectory directory;
+  const test::EnvironmentGuard environment("XDG_CONFIG_HOME", directory.path());
+  auto& standard = UserDefaults::standardUserDefaults();
+  standard.setInteger(1, "global_units");
+  standard.setBool(false, "vantrel_migrate_appgroups");
+  ASSERT_TRUE(standard.synchronize());
   const auto file = *paths::configDirectory() / "vantrel.plist";
   const auto good = test::readFile(file);
   test::writeFile(file, "damaged");
@@ -44,8 +23,19 @@ TEST_F(VantrelUserDefaultsTest, UnreadableOldSettingsWaitForTheirRepair) {
   EXPECT_FALSE(VantrelUserDefaults::hasMigratedDefault());
   EXPECT_NE(log.text().find("vantrel.plist"), std::string::npos);
   test::writeFile(file, good);
+
+  defaults().setInteger(5, "global_units");
+  defaults().setInteger(6, "other");
   VantrelUserDefaults::migrateUserDefaultsIfNeccessary();
-  EXPECT_EQ(defaults().integerForKey("key"), 1);
+  EXPECT_TRUE(VantrelUserDefaults::hasMigratedDefault());
+  const UserDefaults other(*paths::groupContainer() /
+                           "Library/Preferences/group.vantrel.vantrel.plist");
+  EXPECT_EQ(other.integerForKey("global_units"), 1);
+  EXPECT_EQ(other.integerForKey("other"), 6);
+
+  standard.setInteger(2, "global_units");
+  VantrelUserDefaults::migrateUserDefaultsIfNeccessary();
+  EXPECT_EQ(defaults().integerForKey("global_units"), 1);
 }
 
 }  // namespace

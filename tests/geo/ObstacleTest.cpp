@@ -30,10 +30,8 @@ class ObstacleTest : public test::SharedSettings {
 
 TEST_F(ObstacleTest, DifferencesAreWholeAndTheirTextsConvertedAfterwards) {
   struct Case {
-    float altitude;
-    float difference;
-    const char* metric;
-    const char* imperial;
+    float altitude, difference;
+    const char *metric, *imperial;
   };
   // Degrees in Python: the angle in a circle of 6378137 m between the pins' two radii, plus a
   // fourteenth of the angle at its centre.
@@ -82,41 +80,34 @@ TEST_F(ObstacleTest, TellsBearingDistanceAndSubtitle) {
   pin.setAltitude(100);
   pin.recalculateDataWithObserver(observer());
   EXPECT_EQ(pin.pinSubtitle(), "Altitude: 328ft | Offset: 0ft/-0.0°");
-  VTObserver unknown;
-  pin.recalculateDataWithObserver(unknown);
+  pin.recalculateDataWithObserver(VTObserver());
   EXPECT_EQ(pin.pinSubtitle(), "Altitude: 328ft | Offset: --");
-}
 
-TEST_F(ObstacleTest, WhileItIsPlacedNothingDerivedIsTold) {
-  auto pin = obstacle(200.25f);
+  // While it is placed nothing derived is told.
   pin.setJustDropped(true);
   pin.recalculateDataWithObserver(observer());
   EXPECT_EQ(pin.bearing(), -1);
   EXPECT_EQ(pin.elevation(), 0);
-  EXPECT_EQ(pin.altitudeDifferenceString(), "--");
   EXPECT_EQ(pin.altitudeOffsetString(), "--");
   EXPECT_EQ(pin.pinSubtitle(), "Altitude: -- | Offset: --");
   pin.setCoordinate({0, 0});
   pin.recalculateDataWithObserver(observer());
   EXPECT_EQ(pin.bearing(), -57.29578f) << "no direction to the observer's own place";
-  EXPECT_EQ(pin.pin2pinDistanceString(), "0mm");
+  EXPECT_EQ(pin.pin2pinDistance(), 0);
 }
 
 TEST_F(ObstacleTest, ReadsTheSettings) {
+  const Obstacle inTheGulfOfGuinea;
+  EXPECT_EQ(inTheGulfOfGuinea.coordinate().latitude, 0);
+  EXPECT_TRUE(inTheGulfOfGuinea.isAltitudeValid());
+  EXPECT_EQ(inTheGulfOfGuinea.pinSubtitle(), "Altitude: -- | Offset: --");
   struct Case {
-    const char* name;
-    double latitude;
-    double longitude;
+    double latitude, longitude;
     bool placed;
   };
-  const Case cases[] = {
-      {"placed", 41.39, 2.17, true},
-      {"no latitude", -180, 10, false},
-      {"no longitude", 10, -180, false},
-      {"no latitude in single precision", -180.0000001, 10, false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : {Case{41.39, 2.17, true}, Case{-180, 10, false}, Case{10, -180, false},
+                        Case{-180.0000001, 10, false}}) {
+    SCOPED_TRACE(c.latitude);
     defaults().setDouble(c.latitude, "planner_obstacleLatitude");
     defaults().setDouble(c.longitude, "planner_obstacleLongitude");
     defaults().setInteger(-1, "planner_obstacleAltitudeAccuracy");
@@ -131,14 +122,6 @@ TEST_F(ObstacleTest, ReadsTheSettings) {
     // Python: struct.unpack("f", struct.pack("f", 41.39)).
     EXPECT_EQ(pin.coordinate().latitude, c.placed ? 41.38999938964844 : c.latitude);
   }
-}
-
-TEST_F(ObstacleTest, WithoutSettingsItIsAPinInTheGulfOfGuinea) {
-  const Obstacle pin;
-  EXPECT_EQ(pin.coordinate().latitude, 0);
-  EXPECT_TRUE(pin.isAltitudeValid());
-  EXPECT_FALSE(pin.isVisible());
-  EXPECT_EQ(pin.pinSubtitle(), "Altitude: -- | Offset: --");
 }
 
 TEST_F(ObstacleTest, SavesForOtherReaders) {

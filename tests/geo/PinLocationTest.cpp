@@ -7,7 +7,7 @@
 namespace vantrel {
 namespace {
 
-class PinLocationTest : public test::SharedSettings {};
+using PinLocationTest = test::SharedSettings;
 
 TEST_F(PinLocationTest, AltitudesReadInTheCurrentSystem) {
   constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();

@@ -5,7 +5,7 @@
 namespace vantrel {
 namespace {
 
-class NSNumberWithDistanceUnitTest : public test::SharedSettings {};
+using NSNumberWithDistanceUnitTest = test::SharedSettings;
 
 TEST_F(NSNumberWithDistanceUnitTest, TextsOfLengths) {
   struct Case {
