@@ -32,50 +32,6 @@ Data archiveOf(const PropertyList& object) {
   return list.binaryData();
 }
 
-Data observerArchive() {
-  KeyedArchiver archiver;
-  const auto observer = archiver.addObject({"VTObserver", "PinLocation", "NSObject"});
-  observer.encodeDouble(41.39, "position_latitude");
-  observer.encodeDouble(2.17, "position_longitude");
-  observer.encodeDouble(-180, "altitude_latitude");
-  observer.encodeFloat(-2147483648.0F, "altitude_altitude");
-  observer.encodeFloat(0, "altitude_offset");
-  observer.encodeInt32(-1, "altitude_accuracy");
-  observer.encodeInt32(0, "accuracy0");
-  observer.encodeFloat(std::numeric_limits<float>::min(), "altitude_altitudeAtHorizon");
-  observer.encodeBool(true, "altitude_adjust_height_horizon");
-  return archiver.archivedDataWithRootObject(observer);
-}
-
-TEST(KeyedArchiver, WritesScalarsInline) {
-  const test::TemporaryDirectory directory;
-  const auto archive = observerArchive();
-  const std::string bytes(reinterpret_cast<const char*>(archive.data()), archive.size());
-  test::writeFile(directory / "archive", bytes);
-  const auto seen = test::runProgram(
-      {"python3", "-c",
-       "import plistlib, sys\np = plistlib.load(open(sys.argv[1], 'rb'))\n"
-       "print(p['$version'], p['$archiver'], p['$top'])\nfor o in p['$objects']: print(o)",
-       directory / "archive"});
-  EXPECT_EQ(
-      seen.output,
-      "100000 NSKeyedArchiver {'root': UID(1)}\n$null\n"
-      "{'$class': UID(2), 'position_latitude': 41.39, 'position_longitude': 2.17, "
-      "'altitude_latitude': -180.0, 'altitude_altitude': -2147483648.0, "
-      "'altitude_offset': 0.0, 'altitude_accuracy': -1, 'accuracy0': 0, "
-      "'altitude_altitudeAtHorizon': 1.1754943508222875e-38, "
-      "'altitude_adjust_height_horizon': True}\n"
-      "{'$classname': 'VTObserver', '$classes': ['VTObserver', 'PinLocation', 'NSObject']}\n");
-  // Marker and big-endian content, as the phone writes them.
-  using namespace std::string_literals;
-  for (const auto& form :
-       {"\x23\x40\x44\xB1\xEB\x85\x1E\xB8\x52"s, "\x23\x40\x01\x5C\x28\xF5\xC2\x8F\x5C"s,
-        "\x23\xC0\x66\x80\0\0\0\0\0"s, "\x22\xCF\0\0\0"s, "\x22\0\0\0\0"s, "\x22\0\x80\0\0"s,
-        "\x10\0"s, "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s}) {
-    EXPECT_NE(bytes.find(form), std::string::npos) << testing::PrintToString(form);
-  }
-}
-
 TEST(KeyedArchiver, RefersInCircles) {
   KeyedArchiver archiver;
   const auto planning = archiver.addObject({"Planning", "NSObject"});
@@ -132,7 +88,6 @@ TEST(KeyedUnarchiver, ReadsForeignArchives) {
 
 TEST(KeyedUnarchiver, TakesNumbersForOneAnother) {
   struct Case {
-    const char* name;
     PropertyList value;
     double asDouble;
     float asFloat;
@@ -140,32 +95,24 @@ TEST(KeyedUnarchiver, TakesNumbersForOneAnother) {
     std::optional<std::int32_t> asInt32;
     std::optional<std::int64_t> asInt64;
   };
-  const double huge = 1e300;
+  using List = PropertyList;
   const float infinite = std::numeric_limits<float>::infinity();
   const Case cases[] = {
-      {"missing", {}, 0, 0, false, 0, 0},
-      {"real", PropertyList::real(-2.75), -2.75, -2.75F, true, -2, -2},
-      {"real of 64 bits", PropertyList::real(0.1), 0.1, 0.1F, true, 0, 0},
-      {"integer", PropertyList::integer(7), 7, 7, true, 7, 7},
-      {"zero", PropertyList::integer(0), 0, 0, false, 0, 0},
-      {"true", PropertyList::boolean(true), 1, 1, true, 1, 1},
-      {"lowest", PropertyList::integer(Limits32::min()), -2147483648.0, -2147483648.0F, true,
-       Limits32::min(), Limits32::min()},
-      {"above 32 bits",
-       PropertyList::integer(2147483648),
-       2147483648.0,
-       2147483648.0F,
-       true,
-       {},
-       2147483648},
-      {"real at the border", PropertyList::real(2147483647.9), 2147483647.9, 2147483648.0F, true,
-       Limits32::max(), Limits32::max()},
-      {"huge", PropertyList::real(-huge), -huge, -infinite, true, {}, {}},
-      {"2^63", PropertyList::real(0x1p63), 0x1p63, 0x1p63F, true, {}, {}},
+      {{}, 0, 0, false, 0, 0},
+      {List::real(-2.75), -2.75, -2.75F, true, -2, -2},
+      {List::real(0.1), 0.1, 0.1F, true, 0, 0},
+      {List::integer(7), 7, 7, true, 7, 7},
+      {List::integer(0), 0, 0, false, 0, 0},
+      {List::boolean(true), 1, 1, true, 1, 1},
+      {List::integer(Limits32::min()), -0x1p31, -0x1p31F, true, Limits32::min(), Limits32::min()},
+      {List::integer(2147483648), 0x1p31, 0x1p31F, true, {}, 2147483648},
+      {List::real(2147483647.9), 2147483647.9, 0x1p31F, true, Limits32::max(), Limits32::max()},
+      {List::real(-1e300), -1e300, -infinite, true, {}, {}},
+      {List::real(0x1p63), 0x1p63, 0x1p63F, true, {}, {}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    auto object = PropertyList::dictionary();
+    SCOPED_TRACE(c.asDouble);
+    auto object = List::dictionary();
     object.set("k", c.value);
     const auto archive = KeyedUnarchiver::unarchiverWithData(archiveOf(object));
     ASSERT_TRUE(archive);
@@ -189,14 +136,13 @@ TEST(KeyedUnarchiver, TellsWrongTypes) {
   };
   const auto scalar = [](const Node& node) { node.decodeDoubleForKey("k"); };
   const auto flag = [](const Node& node) { node.decodeBoolForKey("k"); };
+  const auto whole = [](const Node& node) { node.decodeInt32ForKey("k"); };
   const auto object = [](const Node& node) { node.decodeObjectForKey("k"); };
-  auto pairs = PropertyList::dictionary();
   const Case cases[] = {
       {"a reference for a number", PropertyList::uid(0), scalar},
       {"text for a number", PropertyList::string("1"), scalar},
       {"data for a flag", PropertyList::data({}), flag},
-      {"not a number for an integer", PropertyList::real(std::nan("")),
-       [](const Node& node) { node.decodeInt32ForKey("k"); }},
+      {"not a number for an integer", PropertyList::real(std::nan("")), whole},
       {"a number for an object", PropertyList::integer(1), object},
       {"a reference to nowhere", PropertyList::uid(2), object},
   };
@@ -229,8 +175,7 @@ TEST(KeyedUnarchiver, RefusesWhatIsNoArchive) {
 }
 
 TEST(KeyedUnarchiver, SurvivesDamage) {
-  const auto archive = observerArchive();
-  const std::string whole(reinterpret_cast<const char*>(archive.data()), archive.size());
+  const auto whole = test::readFile(test::testData("archives/NSKeyedUnarchiver-ComplexTest.plist"));
   for (std::size_t size = 0; size < whole.size(); ++size) {
     EXPECT_FALSE(unarchiver(whole.substr(0, size)));
   }
@@ -243,10 +188,11 @@ TEST(KeyedUnarchiver, SurvivesDamage) {
     if (!reader) continue;
     const auto root = reader->root();
     root.className();
-    root.decodeFloatForKey("altitude_altitude");
-    root.decodeInt32ForKey("altitude_accuracy");
-    root.array();
-    read += root.decodeDoubleForKey("position_latitude") == 41.39 ? 1 : 0;
+    for (const auto& [key, value] : root.dictionary()) {
+      value.decodeFloatForKey("NS.time");
+      value.array();
+      read += value.string() == "hello" ? 1 : 0;
+    }
   }
   EXPECT_GT(read, 0);
 }

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <list>
+#include <map>
 #include <optional>
 
 #include "support/Guards.h"
@@ -10,66 +12,38 @@
 namespace vantrel {
 namespace {
 
-using test::EnvironmentGuard;
-
 TEST(Locale, FollowsTheEnvironment) {
+  using Environment = std::map<std::string, std::string>;
   struct Case {
-    const char* name;
-    std::optional<std::string> lcAll, lcTime, lcMessages, lang, language;
+    Environment environment;
     const char* identifier;
     std::vector<std::string> languages;
   };
-  constexpr auto kUnset = std::nullopt;
   const Case cases[] = {
-      {"nothing set", kUnset, kUnset, kUnset, kUnset, kUnset, "en_US_POSIX", {"en"}},
-      {"LANG", kUnset, kUnset, kUnset, "de_DE.UTF-8", kUnset, "de_DE", {"de-DE"}},
-      {"by category", kUnset, "en_GB.UTF-8", "fr_FR", "de_DE", kUnset, "en_GB", {"fr-FR"}},
-      {"LC_ALL over all", "ja_JP.UTF-8", "en_GB", "fr_FR", "de_DE", kUnset, "ja_JP", {"ja-JP"}},
-      {"empty is unset", "", "", "", "pt_BR", "", "pt_BR", {"pt-BR"}},
-      {"code set and euro",
-       "es_ES.ISO-8859-15@euro",
-       kUnset,
-       kUnset,
-       kUnset,
-       kUnset,
-       "es_ES",
-       {"es-ES"}},
-      {"script", "sr_RS@latin", kUnset, kUnset, kUnset, kUnset, "sr_Latn_RS", {"sr-Latn-RS"}},
-      {"variant",
-       "ca_ES.UTF-8@valencia",
-       kUnset,
-       kUnset,
-       kUnset,
-       kUnset,
-       "ca_ES_VALENCIA",
-       {"ca-ES-valencia"}},
-      {"old code", "iw_IL", kUnset, kUnset, kUnset, kUnset, "iw_IL", {"he-IL"}},
-      {"LANGUAGE",
-       kUnset,
-       kUnset,
-       kUnset,
-       "de_AT",
-       "fr_CH:de::de_AT:en",
+      {{}, "en_US_POSIX", {"en"}},
+      {{{"LANG", "de_DE.UTF-8"}}, "de_DE", {"de-DE"}},
+      {{{"LC_TIME", "en_GB.UTF-8"}, {"LC_MESSAGES", "fr_FR"}, {"LANG", "de"}}, "en_GB", {"fr-FR"}},
+      {{{"LC_ALL", "ja_JP.UTF-8"}, {"LC_TIME", "en_GB"}, {"LANG", "de"}}, "ja_JP", {"ja-JP"}},
+      {{{"LC_ALL", ""}, {"LC_TIME", ""}, {"LANG", "pt_BR"}, {"LANGUAGE", ""}}, "pt_BR", {"pt-BR"}},
+      {{{"LC_ALL", "es_ES.ISO-8859-15@euro"}}, "es_ES", {"es-ES"}},
+      {{{"LC_ALL", "sr_RS@latin"}}, "sr_Latn_RS", {"sr-Latn-RS"}},
+      {{{"LC_ALL", "ca_ES.UTF-8@valencia"}}, "ca_ES_VALENCIA", {"ca-ES-valencia"}},
+      {{{"LC_ALL", "iw_IL"}}, "iw_IL", {"he-IL"}},
+      {{{"LANG", "de_AT"}, {"LANGUAGE", "fr_CH:de::de_AT:en"}},
        "de_AT",
        {"fr-CH", "de", "de-AT", "en"}},
-      {"LANGUAGE and the plain locale",
-       "C.UTF-8",
-       kUnset,
-       kUnset,
-       kUnset,
-       "fr",
-       "en_US_POSIX",
-       {"en"}},
-      {"POSIX", kUnset, "POSIX", kUnset, "de_DE", kUnset, "en_US_POSIX", {"de-DE"}},
-      {"no locale's name", "../de", kUnset, kUnset, kUnset, kUnset, "en_US_POSIX", {"en"}},
+      {{{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", "fr"}}, "en_US_POSIX", {"en"}},
+      {{{"LC_TIME", "POSIX"}, {"LANG", "de_DE"}}, "en_US_POSIX", {"de-DE"}},
+      {{{"LC_ALL", "../de"}}, "en_US_POSIX", {"en"}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const EnvironmentGuard lcAll("LC_ALL", c.lcAll);
-    const EnvironmentGuard lcTime("LC_TIME", c.lcTime);
-    const EnvironmentGuard lcMessages("LC_MESSAGES", c.lcMessages);
-    const EnvironmentGuard lang("LANG", c.lang);
-    const EnvironmentGuard language("LANGUAGE", c.language);
+    SCOPED_TRACE(testing::PrintToString(c.environment));
+    std::list<test::EnvironmentGuard> guards;
+    for (const char* name : {"LC_ALL", "LC_TIME", "LC_MESSAGES", "LANG", "LANGUAGE"}) {
+      const auto value = c.environment.find(name);
+      guards.emplace_back(
+          name, value == c.environment.end() ? std::nullopt : std::optional(value->second));
+    }
     EXPECT_EQ(Locale::currentLocale().localeIdentifier(), c.identifier);
     EXPECT_EQ(Locale::preferredLanguages(), c.languages);
   }

@@ -10,8 +10,7 @@ TEST(NumberFormatter, RoundsOnceAndWritesAsTheLocaleDoes) {
   struct Case {
     const char* locale;
     Mode mode;
-    int minimum;
-    int maximum;
+    int minimum, maximum;
     double number;
     const char* text;
   };

@@ -15,30 +15,26 @@ using test::TemporaryDirectory;
 
 TEST(Paths, FollowTheBaseDirectoryRules) {
   struct Case {
-    const char* name;
     std::optional<std::string> value;
-    std::string container, config, cache, state;
+    std::string data, config, cache, state;
   };
-  const Case cases[] = {
-      {"unset", std::nullopt, "/h/.local/share/vantrel/group.vantrel.vantrel", "/h/.config/vantrel",
-       "/h/.cache/vantrel", "/h/.local/state/vantrel"},
-      {"set", "/x y", "/x y/vantrel/group.vantrel.vantrel", "/x y/vantrel", "/x y/vantrel",
-       "/x y/vantrel"},
-      {"relative", "x", "/h/.local/share/vantrel/group.vantrel.vantrel", "/h/.config/vantrel",
-       "/h/.cache/vantrel", "/h/.local/state/vantrel"},
-  };
+  const Case unset = {std::nullopt, "/h/.local/share/", "/h/.config/", "/h/.cache/",
+                      "/h/.local/state/"};
+  Case relative = unset;
+  relative.value = "x";
+  const Case cases[] = {unset, relative, {"/x y", "/x y/", "/x y/", "/x y/", "/x y/"}};
   const EnvironmentGuard home("HOME", "/h");
   const EnvironmentGuard container("VANTREL_GROUP_CONTAINER", std::nullopt);
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.data);
     const EnvironmentGuard data("XDG_DATA_HOME", c.value);
     const EnvironmentGuard config("XDG_CONFIG_HOME", c.value);
     const EnvironmentGuard cache("XDG_CACHE_HOME", c.value);
     const EnvironmentGuard state("XDG_STATE_HOME", c.value);
-    EXPECT_EQ(paths::groupContainer(), c.container);
-    EXPECT_EQ(paths::configDirectory(), c.config);
-    EXPECT_EQ(paths::cacheDirectory(), c.cache);
-    EXPECT_EQ(paths::stateDirectory(), c.state);
+    EXPECT_EQ(paths::groupContainer(), c.data + "vantrel/group.vantrel.vantrel");
+    EXPECT_EQ(paths::configDirectory(), c.config + "vantrel");
+    EXPECT_EQ(paths::cacheDirectory(), c.cache + "vantrel");
+    EXPECT_EQ(paths::stateDirectory(), c.state + "vantrel");
     const EnvironmentGuard own("VANTREL_GROUP_CONTAINER", "/g");
     EXPECT_EQ(paths::groupContainer(), "/g");
   }
@@ -49,30 +45,24 @@ TEST(Paths, FollowTheBaseDirectoryRules) {
 }
 
 TEST(Paths, FindTheDocumentsOfTheDesktop) {
-  struct Case {
-    const char* name;
-    const char* content;
-    std::string folder;
-  };
-  const Case cases[] = {
-      {"below the home folder", "XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n", "/h/Dokumente"},
-      {"absolute", "XDG_DOCUMENTS_DIR=\"/srv/my docs\"\n", "/srv/my docs"},
-      {"home itself", "XDG_DOCUMENTS_DIR=\"$HOME/\"", "/h/"},
-      {"escapes", R"(XDG_DOCUMENTS_DIR="$HOME/a\"b\\c\$d")", "/h/a\"b\\c$d"},
-      {"comment and others", "# XDG_DOCUMENTS_DIR=\"/a\"\nXDG_MUSIC_DIR=\"/m\"\n", "/h/Documents"},
-      {"last one", "XDG_DOCUMENTS_DIR=\"/a\"\n XDG_DOCUMENTS_DIR=\"/b\"\n", "/b"},
-      {"relative", "XDG_DOCUMENTS_DIR=\"docs\"\n", "/h/Documents"},
-      {"open quote", "XDG_DOCUMENTS_DIR=\"/a\n", "/h/Documents"},
-      {"no quotes", "XDG_DOCUMENTS_DIR=/a\n", "/h/Documents"},
+  const std::pair<const char*, const char*> cases[] = {
+      {"XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n", "/h/Dokumente"},
+      {"XDG_DOCUMENTS_DIR=\"/srv/my docs\"\n", "/srv/my docs"},
+      {"XDG_DOCUMENTS_DIR=\"$HOME/\"", "/h/"},
+      {R"(XDG_DOCUMENTS_DIR="$HOME/a\"b\\c\$d")", "/h/a\"b\\c$d"},
+      {"# XDG_DOCUMENTS_DIR=\"/a\"\nXDG_MUSIC_DIR=\"/m\"\n", "/h/Documents"},
+      {"XDG_DOCUMENTS_DIR=\"/a\"\n XDG_DOCUMENTS_DIR=\"/b\"\n", "/b"},
+      {"XDG_DOCUMENTS_DIR=\"docs\"\n", "/h/Documents"},
+      {"XDG_DOCUMENTS_DIR=\"/a\n", "/h/Documents"},
+      {"XDG_DOCUMENTS_DIR=/a\n", "/h/Documents"},
   };
   const TemporaryDirectory config;
   const EnvironmentGuard home("HOME", "/h");
   const EnvironmentGuard configHome("XDG_CONFIG_HOME", config.path());
   EXPECT_EQ(paths::documentDirectory(), "/h/Documents");
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    test::writeFile(config / "user-dirs.dirs", c.content);
-    EXPECT_EQ(paths::documentDirectory(), c.folder);
+  for (const auto& [content, folder] : cases) {
+    test::writeFile(config / "user-dirs.dirs", content);
+    EXPECT_EQ(paths::documentDirectory(), folder) << content;
   }
 }
 

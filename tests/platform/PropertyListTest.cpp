@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "support/Guards.h"
+#include "support/Python.h"
 
 namespace vantrel {
 namespace {
@@ -25,15 +25,10 @@ Expected<PropertyList> parse(std::string_view text) {
 }
 
 /// What Python's plistlib makes of a list.
-std::string seenByPython(const PropertyList& list, const std::string& expression = "p") {
+std::string seenByPython(const PropertyList& list) {
   const test::TemporaryDirectory directory;
   test::writeFile(directory / "list", textOf(list.binaryData()));
-  const auto result =
-      test::runProgram({"python3", "-c",
-                        "import plistlib, sys; p = plistlib.load(open(sys.argv[1], 'rb')); print(" +
-                            expression + ")",
-                        directory / "list"});
-  return result.output + result.errors;
+  return test::python(directory / "list", "p");
 }
 
 /// A binary list from its objects' bytes, with four-byte references and the first object as root.
@@ -73,23 +68,22 @@ TEST(PropertyList, WritesEveryKindAsPythonReadsIt) {
   list.set("uid", PropertyList::uid(3));
   list.set("array",
            PropertyList::array(std::vector{PropertyList::string("a"), PropertyList::dictionary()}));
-  EXPECT_EQ(seenByPython(list),
-            "{'true': True, 'minus one': -1, 'large': 2978888609, 'lowest': -9223372036854775808, "
-            "'real': 0.1, 'text': 'Peñón 🌅', 'date': datetime.datetime(2024, 7, 7, 18, 31, 16, "
-            "500000), 'data': b'\\x00\\xff', 'uid': UID(3), 'array': ['a', {}]}\n");
-
-  const auto again = PropertyList::propertyListWithData(list.binaryData());
-  ASSERT_TRUE(again);
-  EXPECT_EQ(again->count(), 10U);
-  EXPECT_EQ((*again)["minus one"].asInteger(), -1);
-  EXPECT_EQ((*again)["text"].asString(), "Peñón 🌅");
-  EXPECT_EQ((*again)["uid"].asUid(), 3U);
-  EXPECT_EQ((*again)["data"].asData()->size(), 2U);
-  EXPECT_EQ((*again)["array"].items().at(1).kind(), PropertyList::Kind::kDictionary);
+  const std::string seen =
+      "{'true': True, 'minus one': -1, 'large': 2978888609, 'lowest': -9223372036854775808, "
+      "'real': 0.1, 'text': 'Peñón 🌅', 'date': datetime.datetime(2024, 7, 7, 18, 31, 16, "
+      "500000), 'data': b'\\x00\\xff', 'uid': UID(3), 'array': ['a', {}]}";
+  EXPECT_EQ(seenByPython(list), seen);
+  auto again = PropertyList::propertyListWithData(list.binaryData()).value();
+  EXPECT_EQ(seenByPython(again), seen);
+  EXPECT_EQ(again["uid"].asUid(), 3U);
+  EXPECT_EQ(again["array"].items().at(1).kind(), PropertyList::Kind::kDictionary);
   // A value of another kind is not converted behind the caller's back.
-  EXPECT_FALSE((*again)["true"].asInteger());
-  EXPECT_FALSE((*again)["minus one"].asReal());
-  EXPECT_EQ((*again)["missing"].kind(), PropertyList::Kind::kNothing);
+  EXPECT_FALSE(again["true"].asInteger());
+  EXPECT_FALSE(again["minus one"].asReal());
+  EXPECT_EQ(again["missing"].kind(), PropertyList::Kind::kNothing);
+  const auto before = again["true"];
+  again.set("true", PropertyList::boolean(false));
+  EXPECT_EQ(before.asBoolean(), true) << "a value taken out before stays as it was";
 }
 
 TEST(PropertyList, KeepsNumbersBitByBit) {
@@ -136,26 +130,6 @@ TEST(PropertyList, KeepsRealsInTheBitsTheyStoodIn) {
   }
 }
 
-TEST(PropertyList, LeavesUntouchedKeysAsTheyWere) {
-  const auto path = test::testData("defaults/group.BeReal.plist");
-  auto list = PropertyList::propertyListWithContentsOfURL(path);
-  ASSERT_TRUE(list) << list.error().localizedDescription;
-  const auto flag = (*list)["environmentIsProd"];
-  list->set("environmentIsProd", PropertyList::boolean(false));
-  list->set("myUserID", {});
-  list->set("added", PropertyList::real(1.5));
-  EXPECT_EQ(flag.asBoolean(), true) << "a value taken out before stays as it was";
-
-  // Equality in Python does not tell True from 1; the types are compared apart.
-  const std::string original = "plistlib.load(open('" + path.string() + "', 'rb'))";
-  const std::string types = "[(k, type(v)) for k, v in sorted(x.items())]";
-  EXPECT_EQ(seenByPython(*list,
-                         "(lambda q: (q.pop('myUserID') and q.update(environmentIsProd="
-                         "False, added=1.5), q == p, *[" +
-                             types + " for x in (p, q)])[1:])(" + original + ")"),
-            seenByPython(*list, "(True, *[" + types + " for x in (p, p)])"));
-}
-
 TEST(PropertyList, ReadsXml) {
   const auto list = parse(
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//A//DTD PLIST "
@@ -189,42 +163,31 @@ TEST(PropertyList, RefusesWhatWouldExhaustIt) {
     return result;
   };
   const std::string huge("\x13\x10\0\0\0\0\0\0\0", 9);  // 2^60
-  struct Case {
-    const char* name;
-    std::string list;
-    bool good;
-  };
-  const Case cases[] = {
-      {"as deep as may be", chain(255, 1), true},
-      {"too deep", chain(256, 1), false},
-      {"deep enough for the stack", chain(200000, 1), false},
-      {"shared within reason", chain(12, 2), true},
-      {"each level doubles", chain(40, 2), false},
-      {"an array in itself", binaryList({"\xa1" + reference(0)}), false},
-      {"a cycle of two", binaryList({"\xa1" + reference(1), "\xa1" + reference(0)}), false},
-      {"a key that is a number", binaryList({"\xd1" + reference(1) + reference(1), "\x10\x05"}),
-       false},
-      {"huge array", binaryList({"\xaf" + huge}), false},
-      {"huge dictionary", binaryList({"\xdf" + huge}), false},
-      {"huge data", binaryList({"\x4f" + huge}), false},
-      {"huge text", binaryList({"\x6f" + huge}), false},
-      {"a reference to nowhere", binaryList({"\xa1" + reference(9)}), false},
-      {"deep XML", "<plist>" + repeated("<array>", 257) + repeated("</array>", 257) + "</plist>",
-       false},
-      {"open XML", "<plist>" + repeated("<array>", 200000), false},
+  EXPECT_TRUE(parse(chain(255, 1))) << "as deep as may be";
+  EXPECT_TRUE(parse(chain(12, 2))) << "shared within reason";
+  const std::pair<const char*, std::string> cases[] = {
+      {"too deep", chain(256, 1)},
+      {"deep enough for the stack", chain(200000, 1)},
+      {"each level doubles", chain(40, 2)},
+      {"an array in itself", binaryList({"\xa1" + reference(0)})},
+      {"a cycle of two", binaryList({"\xa1" + reference(1), "\xa1" + reference(0)})},
+      {"number as key", binaryList({"\xd1" + reference(1) + reference(1), "\x10\x05"})},
+      {"huge array", binaryList({"\xaf" + huge})},
+      {"huge dictionary", binaryList({"\xdf" + huge})},
+      {"huge data", binaryList({"\x4f" + huge})},
+      {"huge text", binaryList({"\x6f" + huge})},
+      {"a reference to nowhere", binaryList({"\xa1" + reference(9)})},
+      {"deep XML", "<plist>" + repeated("<array>", 257) + repeated("</array>", 257) + "</plist>"},
+      {"open XML", "<plist>" + repeated("<array>", 200000)},
       {"ends hidden in a comment",
-       "<plist>" + repeated("<array><!---></array>-->", 300) + repeated("</array>", 300), false},
-      {"ends hidden in a document type",
-       "<plist>" + repeated("<array><!DOCTYPE x [</array>]>", 100000), false},
-      {"ends hidden in an attribute", "<plist>" + repeated("<array a='></array>'>", 100000), false},
-      {"empty", "", false},
-      {"mark alone", "bplist00", false},
-      {"text", "hello", false},
+       "<plist>" + repeated("<array><!---></array>-->", 300) + repeated("</array>", 300)},
+      {"in a document type", "<plist>" + repeated("<array><!DOCTYPE x [</array>]>", 100000)},
+      {"in an attribute", "<plist>" + repeated("<array a='></array>'>", 100000)},
+      {"empty", ""},
+      {"mark alone", "bplist00"},
+      {"text", "hello"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(parse(c.list).has_value(), c.good);
-  }
+  for (const auto& [name, list] : cases) EXPECT_FALSE(parse(list)) << name;
 }
 
 TEST(PropertyList, SurvivesDamage) {
@@ -258,11 +221,9 @@ TEST(PropertyList, SurvivesDamage) {
 TEST(PropertyList, TellsWhyAFileCannotBeRead) {
   const test::TemporaryDirectory directory;
   const auto missing = PropertyList::propertyListWithContentsOfURL(directory / "none.plist");
-  ASSERT_FALSE(missing);
   EXPECT_EQ(missing.error().code, ENOENT);
   test::writeFile(directory / "bad.plist", "bplist00");
   const auto bad = PropertyList::propertyListWithContentsOfURL(directory / "bad.plist");
-  ASSERT_FALSE(bad);
   EXPECT_THAT(bad.error().localizedDescription, testing::HasSubstr("bad.plist"));
   EXPECT_FALSE(PropertyList::propertyListWithContentsOfURL(directory.path()));
 }

@@ -8,7 +8,7 @@
 namespace vantrel {
 namespace {
 
-TEST(SerialMainQueue, RunsInOrderAndNeverInsideTheCall) {
+TEST(SerialMainQueue, RunsInOrderNeverInsideTheCallAndForOtherThreads) {
   SerialMainQueue queue;
   std::vector<int> order;
   queue.async([&] {
@@ -20,10 +20,7 @@ TEST(SerialMainQueue, RunsInOrderAndNeverInsideTheCall) {
   queue.runUntilEmpty();
   EXPECT_EQ(order, (std::vector{1, 2, 3}));
   EXPECT_FALSE(queue.runNext(0));
-}
 
-TEST(SerialMainQueue, TakesFunctionsFromOtherThreads) {
-  SerialMainQueue queue;
   constexpr int kThreads = 4;
   constexpr int kFunctions = 500;
   int sum = 0;  // only ever touched by the main thread
