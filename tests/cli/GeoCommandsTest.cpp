@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
@@ -17,11 +18,12 @@ using testing::HasSubstr;
 
 class GeoCommandsTest : public test::CommandLineTest {
  protected:
-  test::ProgramResult geo(const std::string& words, const std::string& input = "") const {
+  static std::vector<std::string> split(const std::string& words) {
     std::istringstream stream("geo " + words);
-    std::vector<std::string> arguments;
-    for (std::string word; stream >> word;) arguments.push_back(word);
-    return run(arguments, {}, input);
+    return {std::istream_iterator<std::string>(stream), {}};
+  }
+  test::ProgramResult geo(const std::string& words, const std::string& input = "") const {
+    return run(split(words), {}, input);
   }
 };
 
@@ -38,8 +40,6 @@ TEST_F(GeoCommandsTest, TellsTheCurveBetweenTwoPoints) {
   };
   // From GeodSolve -i -p 6; its second azimuth points onward, the other way.
   const Case cases[] = {
-      {"41.39 2.17 0 42 3 0", 45.28663290032, 225.83873325781, 96767.437630},
-      {"-33.8688 151.2093 0 51.5074 -.1278 0", 319.29263301218, 60.36168570016, 16989295.770540},
       {"0N 0E 0 0S 90E 0", 90, 270, 10018754.171395},
       {"10 179.5 0 11 -179.5 0", 44.61224893411, 224.79449593060, 155620.201738},
       {"-90 0 0 45 30 0", 30, 180, 14986910.107290},
@@ -134,14 +134,7 @@ TEST_F(GeoCommandsTest, RefusesWithOneLineThatSaysWhatIsAllowed) {
       {"elevation --pin2pin-distance 1 --earth-radius nan", "--earth-radius \"nan\": allowed are"},
       {"height --pin2pin-distance 1", "required"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.words);
-    const auto result = geo(c.words);
-    EXPECT_EQ(result.exitCode, 64);
-    EXPECT_EQ(result.output, "");
-    EXPECT_TRUE(isOneLine(result.errors)) << result.errors;
-    EXPECT_THAT(result.errors, HasSubstr(c.message));
-  }
+  for (const auto& c : cases) expectRefused(split(c.words), 64, c.message);
 }
 
 /// Points all over the globe at sea level: our lines and GeodSolve's.

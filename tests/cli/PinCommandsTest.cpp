@@ -9,13 +9,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-using test::isOneLine;
 using testing::HasSubstr;
 
 class PinCommands : public test::SettingsTest {
  protected:
   json shown(const char* pin) const {
-    const auto result = vantrel({pin, "show", "--json"});
+    const auto result = run({pin, "show", "--json"});
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     return json::parse(result.output);
   }
@@ -48,7 +47,7 @@ TEST_F(PinCommands, ChangeOnlyWhatIsGivenOfTheObserver) {
   EXPECT_EQ(observer["subtitle"], "Altitude: 100m | Height above horizon: 80m");
   expectQuiet({"defaults", "write", "global_units", "1", "--type", "int"});
   // 80 x 3.28084 = 262.5, half up.
-  EXPECT_THAT(vantrel({"observer", "show"}).output, HasSubstr("262ft"));
+  EXPECT_THAT(run({"observer", "show"}).output, HasSubstr("262ft"));
 
   expectQuiet({"observer", "set", "--no-horizon", "--no-altitude"});
   EXPECT_EQ(archived(),
@@ -63,43 +62,22 @@ TEST_F(PinCommands, ChangeOnlyWhatIsGivenOfTheObserver) {
 }
 
 TEST_F(PinCommands, ReadObserversThatAnotherProgramArchived) {
-  const auto archive = [](const std::string& keys, const std::string& form) {
-    // As text, references are dictionaries.
-    return "(lambda UID: {'planner_observer': dumps({'$version': 100000, '$archiver': "
-           "'NSKeyedArchiver', '$top': {'root': UID(1)}, '$objects': ['$null', {'$class': "
-           "UID(2), " +
-           keys +
-           "}, {'$classname': 'VTObserver', '$classes': ['VTObserver', 'NSObject']}]}, fmt=" +
-           form + ")})(UID if " + form + " == FMT_BINARY else lambda n: {'CF$UID': n})";
-  };
-  for (const char* form : {"FMT_BINARY", "FMT_XML"}) {
-    SCOPED_TRACE(form);
-    dump(archive("'position_latitude': 41.39, 'altitude_altitude': 12, 'altitude_manual': True, "
-                 "'altitude_accuracy': 5",
-                 form),
-         form, settings());
-    const auto observer = shown("observer");
-    EXPECT_EQ(observer["latitude"], 41.39);
-    EXPECT_EQ(observer["altitude"], 12);
-    EXPECT_EQ(observer["altitudeAccuracy"], -1);
-    EXPECT_EQ(observer["horizonAltitude"], 0);
-  }
-  const std::string wrong[] = {
-      archive("'position_latitude': UID(0)", "FMT_BINARY"),
-      "{'planner_observer': b'bplist00damaged'}",
-      "{'planner_observer': 'text'}",
-  };
-  for (const auto& settingsWith : wrong) {
-    dump(settingsWith, "FMT_BINARY", settings());
+  // As text, references are dictionaries.
+  dump(
+      "{'planner_observer': dumps({'$version': 100000, '$archiver': 'NSKeyedArchiver', '$top': "
+      "{'root': {'CF$UID': 1}}, '$objects': ['$null', {'$class': {'CF$UID': 2}, "
+      "'position_latitude': 41.39, 'altitude_manual': True}, {'$classname': 'VTObserver', "
+      "'$classes': ['VTObserver', 'NSObject']}]}, fmt=FMT_XML)}",
+      "FMT_XML", settings());
+  const auto observer = shown("observer");
+  EXPECT_EQ(observer["latitude"], 41.39);
+  EXPECT_EQ(observer["altitudeAccuracy"], -1);
+  EXPECT_EQ(observer["horizonAltitude"], 0);
+  for (const char* wrong : {"b'bplist00damaged'", "'text'"}) {
+    dump(std::string("{'planner_observer': ") + wrong + "}", "FMT_BINARY", settings());
     const std::string before = test::readFile(settings());
-    for (const std::vector<std::string>& command : {std::vector<std::string>{"observer", "show"},
-                                                    {"observer", "set", "--altitude", "1"},
-                                                    {"obstacle", "show"},
-                                                    {"planner", "show"}}) {
-      const auto result = vantrel(command);
-      EXPECT_EQ(result.exitCode, 65) << settingsWith << command.front();
-      EXPECT_TRUE(isOneLine(result.errors)) << result.errors;
-    }
+    for (const char* pin : {"observer", "obstacle", "planner"}) expectRefused({pin, "show"}, 65);
+    expectRefused({"observer", "set", "--altitude", "1"}, 65);
     EXPECT_EQ(test::readFile(settings()), before);
   }
 }
@@ -124,7 +102,7 @@ TEST_F(PinCommands, SeeTheObstacleFromTheObserver) {
   expectQuiet({"defaults", "write", "global_units", "1", "--type", "int"});
   // 48264.87 m are 29.99 miles, 1686 m are 5531.5 ft.
   for (const char* text : {"27.23°\n", "30mi\n", "5531ft\n"}) {
-    EXPECT_THAT(vantrel({"obstacle", "show"}).output, HasSubstr(text));
+    EXPECT_THAT(run({"obstacle", "show"}).output, HasSubstr(text));
   }
 
   // What is not given stays, in double precision.
@@ -148,21 +126,6 @@ TEST_F(PinCommands, SeeTheObstacleFromTheObserver) {
   EXPECT_EQ(shown("obstacle")["placed"], false);
 }
 
-TEST_F(PinCommands, TellThatThereIsNoObstacle) {
-  const auto none = vantrel({"obstacle", "show"});
-  EXPECT_EQ(none.exitCode, 0);
-  EXPECT_EQ(none.output, "No obstacle is placed.\n");
-  const auto obstacle = shown("obstacle");
-  EXPECT_EQ(obstacle["placed"], false);
-  for (const char* key : {"latitude", "bearing", "distance", "distanceText", "subtitle"}) {
-    EXPECT_EQ(obstacle[key], nullptr) << key;
-  }
-  EXPECT_FALSE(fs::exists(container()));
-  expectQuiet({"obstacle", "toggle"});
-  EXPECT_EQ(python("p"), "{'planner_obstacleToggle': True}");
-  EXPECT_EQ(shown("obstacle")["placed"], false);
-}
-
 TEST_F(PinCommands, RefuseWhatIsNoPlaceOrHeight) {
   const std::vector<std::vector<std::string>> usage = {
       {"observer", "set"},
@@ -181,12 +144,17 @@ TEST_F(PinCommands, RefuseWhatIsNoPlaceOrHeight) {
       {"obstacle", "set", "--visible", "off"},
       {"obstacle", "toggle", "on"},
   };
-  for (const auto& command : usage) {
-    const auto result = vantrel(command);
-    EXPECT_EQ(result.exitCode, 64) << command.front() << " " << command.back();
-    EXPECT_TRUE(isOneLine(result.errors)) << result.errors;
+  for (const auto& command : usage) expectRefused(command);
+  EXPECT_EQ(run({"obstacle", "show"}).output, "No obstacle is placed.\n");
+  const auto obstacle = shown("obstacle");
+  EXPECT_EQ(obstacle["placed"], false);
+  for (const char* key : {"latitude", "bearing", "distance", "distanceText", "subtitle"}) {
+    EXPECT_EQ(obstacle[key], nullptr) << key;
   }
   EXPECT_FALSE(fs::exists(container()));
+  expectQuiet({"obstacle", "toggle"});
+  EXPECT_EQ(python("p"), "{'planner_obstacleToggle': True}");
+  EXPECT_EQ(shown("obstacle")["placed"], false);
 }
 
 }  // namespace

@@ -8,20 +8,6 @@ namespace vantrel::test {
 /// Runs `vantrel` beside Python's property lists, which read and write the same settings.
 class SettingsTest : public CommandLineTest {
  protected:
-  ProgramResult vantrel(const std::vector<std::string>& arguments) const {
-    return run(arguments, {{"XDG_CONFIG_HOME", config_.path()}});
-  }
-  /// Runs a command that is to say nothing.
-  void expectQuiet(const std::vector<std::string>& arguments) const {
-    const auto result = vantrel(arguments);
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.output + result.errors, "");
-  }
-
-  std::filesystem::path settings() const {
-    return container() / "Library/Preferences/group.vantrel.vantrel.plist";
-  }
-  std::filesystem::path standardSettings() const { return config_ / "vantrel/vantrel.plist"; }
   /// A Python expression over the shared settings `p`.
   std::string python(const std::string& expression) const {
     return test::python(settings(), expression);
@@ -38,9 +24,6 @@ class SettingsTest : public CommandLineTest {
                     file});
     ASSERT_EQ(result.exitCode, 0) << result.errors;
   }
-
- private:
-  TemporaryDirectory config_;
 };
 
 }  // namespace vantrel::test

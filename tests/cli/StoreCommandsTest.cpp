@@ -108,40 +108,29 @@ TEST_F(StoreCommands, OpenNothingButLinksToPlans) {
   const std::string link = plan["link"];
   const std::string uuid = plan["uri"].get<std::string>().substr(13, 36);
   const std::string start = "vantrel://plan?id=x-coredata:%2F%2F" + uuid;
-  struct Case {
-    const char* name;
-    std::string link;
-    int exitCode;
-  };
-  const Case cases[] = {
-      {"as the widget writes it", link, 0},
-      {"lower-case escapes", "vantrel://plan?id=x-coredata:%2f%2f" + uuid + "%2fPlanning%2fp1", 0},
-      {"a plan that is gone", start + "%2FPlanning%2Fp99", 66},
-      {"another store",
-       "vantrel://plan?id=x-coredata:%2F%2F00000000-0000-4000-8000-000000000000%2FPlanning%2Fp1",
-       66},
-      {"another entity", start + "%2FImage%2Fp1", 65},
-      {"an unsaved plan", "vantrel://plan?id=x-coredata:%2F%2F%2FPlanning%2Ft1", 65},
-      {"another scheme", "https://plan?id=x-coredata:%2F%2F" + uuid + "%2FPlanning%2Fp1", 65},
-      {"another host", "vantrel://camera?id=x-coredata:%2F%2F" + uuid + "%2FPlanning%2Fp1", 65},
-      {"unescaped", "vantrel://plan?id=" + plan["uri"].get<std::string>(), 65},
-      {"a broken escape", link + "%2", 65},
-      {"something behind", link + "&x=1", 65},
-      {"a key too large", start + "%2FPlanning%2Fp99999999999999999999", 65},
-      {"no number", start + "%2FPlanning%2Fp1%00", 65},
-      {"a sign", start + "%2FPlanning%2Fp-1", 65},
-      {"control characters", link + "\x1b[2J", 65},
-      {"nothing", "", 65},
-      {"something long", link + std::string(100000, '0'), 65},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const auto result = run({"open", c.link});
-    EXPECT_EQ(result.exitCode, c.exitCode) << result.errors;
-    EXPECT_EQ(result.output.starts_with("Sunrise\n"), c.exitCode == 0);
-    EXPECT_TRUE(c.exitCode == 0 || test::isOneLine(result.errors)) << result.errors;
-    EXPECT_EQ(result.errors.find('\x1b'), std::string::npos);
+  const std::string lowerCase = "vantrel://plan?id=x-coredata:%2f%2f" + uuid + "%2fPlanning%2fp1";
+  for (const auto& good : {link, lowerCase}) {
+    EXPECT_THAT(run({"open", good}).output, testing::StartsWith("Sunrise\n"));
   }
+  const std::pair<std::string, int> cases[] = {
+      {start + "%2FPlanning%2Fp99", 66},
+      {"vantrel://plan?id=x-coredata:%2F%2F00000000-0000-4000-8000-000000000000%2FPlanning%2Fp1",
+       66},
+      {start + "%2FImage%2Fp1", 65},
+      {"vantrel://plan?id=x-coredata:%2F%2F%2FPlanning%2Ft1", 65},
+      {"https://plan?id=x-coredata:%2F%2F" + uuid + "%2FPlanning%2Fp1", 65},
+      {"vantrel://camera?id=x-coredata:%2F%2F" + uuid + "%2FPlanning%2Fp1", 65},
+      {"vantrel://plan?id=" + plan["uri"].get<std::string>(), 65},
+      {link + "%2", 65},
+      {link + "&x=1", 65},
+      {start + "%2FPlanning%2Fp99999999999999999999", 65},
+      {start + "%2FPlanning%2Fp1%00", 65},
+      {start + "%2FPlanning%2Fp-1", 65},
+      {link + "\x1b[2J", 65},
+      {"", 65},
+      {link + std::string(100000, '0'), 65},
+  };
+  for (const auto& [bad, exitCode] : cases) expectRefused({"open", bad}, exitCode);
 }
 
 }  // namespace
