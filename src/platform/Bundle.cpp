@@ -30,7 +30,7 @@ fs::path mainBundleRoot() {
       if (fs::is_directory(root, error)) return root;
     }
   }
-  return "/usr/share/vantrel";
+  return VANTREL_DATA_DIR;
 }
 
 /// Language and script of a tag, the script being the usual one when the tag names none: who reads
