@@ -1,4 +1,3 @@
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,9 +6,8 @@
 #include "base/Iso8601.h"
 #include "platform/Device.h"
 #include "platform/FixedTextMeasurer.h"
-#include "platform/MainQueue.h"
-#include "platform/SerialMainQueue.h"
-#include "support/PlanStore.h"
+#include "support/TestStore.h"
+#include "support/WidgetTest.h"
 #include "widget/TodayEventsViewController.h"
 
 namespace vantrel {
@@ -34,13 +32,9 @@ Date at(const std::string& text) {
   return dateFromIso8601String(text).value();
 }
 
-class RefreshTest : public testing::Test {
+class RefreshTest : public test::WidgetTest {
  protected:
-  RefreshTest() { MainQueue::install(queue); }
-  ~RefreshTest() override {
-    MainQueue::install(nullptr);
-    TextMeasurer::install(nullptr);
-  }
+  ~RefreshTest() override { TextMeasurer::install(nullptr); }
 
   /// One life of the widget, as hosts begin it.
   std::unique_ptr<TodayEventsViewController> begin() {
@@ -70,12 +64,8 @@ class RefreshTest : public testing::Test {
     queue->runUntilEmpty();
   }
 
-  test::EnvironmentGuard locale{"LC_ALL", "en_GB.UTF-8"};
-  test::EnvironmentGuard language{"LANGUAGE", std::nullopt};
-  test::EnvironmentGuard zone{"TZ", "Europe/Madrid"};
-  test::PlanStore store;
+  test::EnvironmentGuard madrid{"TZ", "Europe/Madrid"};
   test::FakeClock clock{at("2024-06-21T12:00:00Z")};  // 14:00 in Madrid
-  std::shared_ptr<SerialMainQueue> queue = std::make_shared<SerialMainQueue>();
   std::shared_ptr<RecordingContext> context = std::make_shared<RecordingContext>();
 };
 
@@ -117,9 +107,9 @@ TEST_F(RefreshTest, OpensTheTappedPlan) {
   controller->widgetActiveDisplayModeDidChange(WidgetDisplayMode::kExpanded, {320, 600});
   tap(*controller, 3);
 
-  SQLite::Database file(store.file().string());
-  const std::string uuid = file.execAndGet("SELECT Z_UUID FROM Z_METADATA").getString();
-  const std::string key = file.execAndGet("SELECT Z_PK FROM ZPLANNING WHERE ZNAME = '4'");
+  const std::string uuid = test::sqlite(store.file(), "SELECT Z_UUID FROM Z_METADATA");
+  const std::string key =
+      test::sqlite(store.file(), "SELECT Z_PK FROM ZPLANNING WHERE ZNAME = '4'");
   const std::string link = "vantrel://plan?id=x-coredata:%2F%2F" + uuid + "%2FPlanning%2Fp" + key;
   EXPECT_EQ(context->opened, Names{link});
 

@@ -14,58 +14,56 @@
 namespace vantrel {
 namespace {
 
-TEST(RefreshTriggers, TheReturnFromSuspendMovesTheClock) {
-  test::needApplication();
+class RefreshTriggersTest : public testing::Test {
+ protected:
+  RefreshTriggersTest() { test::needApplication(); }
+
+  const test::TemporaryDirectory folder_;
+  const test::TemporaryDirectory zones_;
+  const std::filesystem::path store_ = folder_ / "Vantrel.sqlite";
+  const test::EnvironmentGuard noBus_{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"};
+};
+
+TEST_F(RefreshTriggersTest, TheReturnFromSuspendMovesTheClock) {
   test::PrivateBus daemon;
   ASSERT_TRUE(daemon.start());
   const test::EnvironmentGuard address("DBUS_SYSTEM_BUS_ADDRESS", daemon.address().toStdString());
   auto bus = QDBusConnection::connectToBus(daemon.address(), "logind");
   ASSERT_TRUE(bus.registerService("org.freedesktop.login1"));
-  const test::TemporaryDirectory folder;
-  RefreshTriggers triggers(folder / "Vantrel.sqlite", folder.path());
+  RefreshTriggers triggers(store_, zones_.path());
   QSignalSpy moved(&triggers, &RefreshTriggers::clockMoved);
-  const auto sleep = [&](bool begins) {
+  for (const bool begins : {true, false}) {
     auto signal = QDBusMessage::createSignal("/org/freedesktop/login1",
                                              "org.freedesktop.login1.Manager", "PrepareForSleep");
     signal << begins;
     bus.send(signal);
-  };
-  sleep(true);
-  sleep(false);
+  }
   EXPECT_TRUE(test::waitFor([&] { return !moved.isEmpty(); }));
   EXPECT_EQ(moved.size(), 1) << "going to sleep is no reason";
 }
 
-TEST(RefreshTriggers, AnotherZoneOfTheDeviceIsTold) {
-  test::needApplication();
-  const test::EnvironmentGuard bus("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
-  const test::TemporaryDirectory folder;
-  const test::TemporaryDirectory zones;
+TEST_F(RefreshTriggersTest, AnotherZoneOfTheDeviceIsTold) {
   std::optional<test::EnvironmentGuard> zone;
   zone.emplace("TZ", "Asia/Tokyo");
-  RefreshTriggers triggers(folder / "Vantrel.sqlite", zones.path());
+  RefreshTriggers triggers(store_, zones_.path());
   QSignalSpy changed(&triggers, &RefreshTriggers::timeZoneChanged);
   QSignalSpy folderChanged(triggers.findChild<QFileSystemWatcher*>(),
                            &QFileSystemWatcher::directoryChanged);
-  test::writeFile(zones / "hostname", "unrelated");
+  test::writeFile(zones_ / "hostname", "unrelated");
   ASSERT_TRUE(test::waitFor([&] { return !folderChanged.isEmpty(); }));
   EXPECT_TRUE(changed.isEmpty());
   zone.emplace("TZ", "America/New_York");
-  test::writeFile(zones / "localtime", "link");
+  test::writeFile(zones_ / "localtime", "link");
   EXPECT_TRUE(test::waitFor([&] { return !changed.isEmpty(); }));
 }
 
-TEST(RefreshTriggers, ABurstOfCommitsMakesOneRefreshAndOnesOwnNone) {
-  test::needApplication();
-  const test::EnvironmentGuard bus("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
-  const test::TemporaryDirectory folder;
-  const test::TemporaryDirectory zones;
-  RefreshTriggers triggers(folder / "Vantrel.sqlite", zones.path());
+TEST_F(RefreshTriggersTest, ABurstOfCommitsMakesOneRefreshAndOnesOwnNone) {
+  RefreshTriggers triggers(store_, zones_.path());
   QSignalSpy changed(&triggers, &RefreshTriggers::storeChanged);
-  test::writeFile(folder / "Vantrel.sqlite", "own");
+  test::writeFile(store_, "own");
   triggers.ignoreStoreChangesSoFar();
-  for (int i = 0; i < 200; ++i) {
-    test::writeFile(folder / "Vantrel.sqlite-wal", std::string(static_cast<std::size_t>(i), 'x'));
+  for (std::size_t size = 0; size < 200; ++size) {
+    test::writeFile(store_.string() + "-wal", std::string(size, 'x'));
   }
   EXPECT_TRUE(test::waitFor([&] { return !changed.isEmpty(); }));
   EXPECT_EQ(changed.size(), 1);

@@ -22,6 +22,8 @@
 namespace vantrel {
 namespace {
 
+using test::waitFor;
+
 /// A window over a store of its own, with the clock at ten in the morning of 15 July 2026.
 class TodayWindowTest : public testing::Test {
  protected:
@@ -61,12 +63,10 @@ class TodayWindowTest : public testing::Test {
     return visible;
   }
   TouchButton* row(std::size_t index) {
-    const auto all = buttons();
-    const auto first = std::find_if(all.begin(), all.end(), [](const auto* button) {
-      return !button->accessibleName().isEmpty();
-    });
-    const auto place = static_cast<std::size_t>(first - all.begin()) + index;
-    return place < all.size() ? all[place] : nullptr;
+    for (auto* candidate : buttons()) {
+      if (!candidate->accessibleName().isEmpty() && index-- == 0) return candidate;
+    }
+    return nullptr;
   }
   TouchButton* button(const QString& text) {
     for (auto* candidate : buttons()) {
@@ -81,7 +81,19 @@ class TodayWindowTest : public testing::Test {
     }
     return texts;
   }
-  bool handlesUntil(const std::function<bool()>& condition) { return test::waitFor(condition); }
+
+  /// Another program saves a plan in a store of that journal.
+  void commitWhileOpen(const std::string& journal) {
+    addTwoPlans();
+    store_.reset();
+    ASSERT_EQ(test::sqlite(path(), "PRAGMA journal_mode = " + journal), journal);
+    openWindow({.dark = {}, .expanded = true});
+    ASSERT_NE(row(1), nullptr);
+    addPlan("Moon", "2026-07-17T19:00:00Z", "Europe/Madrid");
+    EXPECT_TRUE(waitFor([&] { return row(2) != nullptr; }));
+    EXPECT_EQ(restarts_, 0);
+    EXPECT_EQ(test::sqlite(path(), "PRAGMA journal_mode"), journal);
+  }
 
   test::TemporaryDirectory home_;
   test::EnvironmentGuard group_{"VANTREL_GROUP_CONTAINER", home_.path().string()};
@@ -103,12 +115,11 @@ TEST_F(TodayWindowTest, ClickTouchKeysAndScreenReaderOpenTheSameLink) {
   addTwoPlans();
   openWindow();
   const CardLayout::Row& place = window_->card().layoutOfCard().rows[1];
-  const double gap = (place.title.bottom() + place.date.top()) / 2;
+  const int gap = static_cast<int>((place.title.bottom() + place.date.top()) / 2);
   ASSERT_LT(place.title.bottom(), place.date.top());
   const std::function<void()> ways[] = {
       [&] {
-        QTest::mouseClick(row(1), Qt::LeftButton, {},
-                          QPoint(40, static_cast<int>(gap) - row(1)->y()));
+        QTest::mouseClick(row(1), Qt::LeftButton, {}, {40, gap - row(1)->y()});
       },
       [&] { QTest::keyClick(row(1), Qt::Key_Return); },
       [&] { QTest::keyClick(row(1), Qt::Key_Space); },
@@ -121,7 +132,7 @@ TEST_F(TodayWindowTest, ClickTouchKeysAndScreenReaderOpenTheSameLink) {
   for (const auto& way : ways) {
     const auto before = opener_.links.size();
     way();
-    ASSERT_TRUE(handlesUntil([&] { return opener_.links.size() > before; }));
+    ASSERT_TRUE(waitFor([&] { return opener_.links.size() > before; }));
   }
   std::string uri = store().planNamed("Sunrise")->objectID().URIRepresentation();
   for (std::size_t at = 0; (at = uri.find('/', at)) != std::string::npos; at += 3) {
@@ -145,9 +156,9 @@ TEST_F(TodayWindowTest, ATouchLetGoOutsideOrGivenUpOpensNothing) {
   };
   for (const auto& giveUp : ways) {
     QTest::mousePress(row(0), Qt::LeftButton, {}, QPoint(20, 10));
-    ASSERT_TRUE(handlesUntil([&] { return rowColor() != untouched; })) << "held rows stand out";
+    ASSERT_TRUE(waitFor([&] { return rowColor() != untouched; })) << "held rows stand out";
     giveUp();
-    EXPECT_TRUE(handlesUntil([&] { return row(0) && rowColor() == untouched; }));
+    EXPECT_TRUE(waitFor([&] { return row(0) && rowColor() == untouched; }));
   }
   EXPECT_TRUE(opener_.links.empty());
 }
@@ -167,25 +178,12 @@ TEST_F(TodayWindowTest, ScreenReadersHearPlansWithDateAndZone) {
             "at 5:52\u202FAM");
 }
 
-TEST_F(TodayWindowTest, ACommitOfAnotherProgramMakesTheRowAppear) {
-  addTwoPlans();
-  openWindow({.dark = {}, .expanded = true});
-  ASSERT_NE(row(1), nullptr);
-  ASSERT_EQ(test::sqlite(path(), "PRAGMA journal_mode"), "wal");
-  addPlan("Moon", "2026-07-17T19:00:00Z", "Europe/Madrid");
-  EXPECT_TRUE(handlesUntil([&] { return row(2) != nullptr; }));
-  EXPECT_EQ(restarts_, 0);
+TEST_F(TodayWindowTest, ACommitThroughALogMakesTheRowAppear) {
+  commitWhileOpen("wal");
 }
 
 TEST_F(TodayWindowTest, ACommitThroughARollbackJournalMakesTheRowAppear) {
-  addTwoPlans();
-  store_.reset();
-  ASSERT_EQ(test::sqlite(path(), "PRAGMA journal_mode=DELETE"), "delete");
-  openWindow({.dark = {}, .expanded = true});
-  ASSERT_NE(row(1), nullptr);
-  addPlan("Moon", "2026-07-17T19:00:00Z", "Europe/Madrid");
-  EXPECT_TRUE(handlesUntil([&] { return row(2) != nullptr; }));
-  EXPECT_EQ(test::sqlite(path(), "PRAGMA journal_mode"), "delete");
+  commitWhileOpen("delete");
 }
 
 TEST_F(TodayWindowTest, ANewLifeWithTheSameRowsLeavesEveryPixel) {
@@ -211,7 +209,7 @@ TEST_F(TodayWindowTest, AtMidnightYesterdayGoes) {
   ASSERT_NE(row(1), nullptr);
   // The timer is armed; by the time it fires it is tomorrow in Madrid.
   clock_.set(*dateFromIso8601String("2026-07-15T22:00:00Z"));
-  EXPECT_TRUE(handlesUntil([&] { return row(1) == nullptr; }));
+  EXPECT_TRUE(waitFor([&] { return row(1) == nullptr; }));
   EXPECT_TRUE(row(0)->accessibleName().startsWith("Sunrise"));
 }
 
@@ -227,7 +225,7 @@ TEST_F(TodayWindowTest, RightToLeftMirrorsRowsAndWhatTheyAreHitBy) {
   auto* hit = window_->card().childAt(layout.rows[1].title.center().toPoint());
   ASSERT_EQ(hit, row(1));
   QTest::mouseClick(hit, Qt::LeftButton, {}, QPoint(hit->width() - 12, 10));
-  EXPECT_TRUE(handlesUntil([&] { return opener_.links.size() == 1; }));
+  EXPECT_TRUE(waitFor([&] { return opener_.links.size() == 1; }));
 }
 
 TEST_F(TodayWindowTest, LargeLettersStayWholeInCompactMode) {
@@ -248,7 +246,7 @@ TEST_F(TodayWindowTest, WithoutAHandlerTheLinkCanBeCopied) {
   opener_.result = LinkOpener::Result::kNoHandler;
   openWindow();
   QTest::mouseClick(row(0), Qt::LeftButton);
-  ASSERT_TRUE(handlesUntil([&] { return button("Copy link") != nullptr; }));
+  ASSERT_TRUE(waitFor([&] { return button("Copy link") != nullptr; }));
   EXPECT_TRUE(spokenTexts().contains("No application opens Vantrel links"));
   QTest::mouseClick(button("Copy link"), Qt::LeftButton);
   EXPECT_EQ(QApplication::clipboard()->text().toStdString(), opener_.links.at(0));
@@ -256,7 +254,7 @@ TEST_F(TodayWindowTest, WithoutAHandlerTheLinkCanBeCopied) {
   // A bar on the card takes nothing from the rows, and goes when a link could be opened.
   opener_.result = LinkOpener::Result::kOpened;
   QTest::mouseClick(row(1), Qt::LeftButton);
-  ASSERT_TRUE(handlesUntil([&] { return opener_.links.size() == 2; }));
+  ASSERT_TRUE(waitFor([&] { return opener_.links.size() == 2; }));
   EXPECT_EQ(spokenTexts(), QStringList());
 }
 
@@ -274,10 +272,10 @@ TEST_F(TodayWindowTest, AStoreThatFailsLaterKeepsTheRowsOnTheCard) {
   addTwoPlans();
   openWindow();
   test::sqlite(path(), "ALTER TABLE ZPLANNING RENAME TO ZGONE");
-  ASSERT_TRUE(handlesUntil([&] { return button("Retry") != nullptr; }));
+  ASSERT_TRUE(waitFor([&] { return button("Retry") != nullptr; }));
   EXPECT_NE(row(1), nullptr);
   test::sqlite(path(), "ALTER TABLE ZGONE RENAME TO ZPLANNING");
-  EXPECT_TRUE(handlesUntil([&] { return button("Retry") == nullptr; }));
+  EXPECT_TRUE(waitFor([&] { return button("Retry") == nullptr; }));
   EXPECT_EQ(restarts_, 0);
 }
 
@@ -286,7 +284,7 @@ TEST_F(TodayWindowTest, AnotherFileInTheStoresPlaceRestartsTheProgram) {
   openWindow();
   std::filesystem::copy_file(path(), home_ / "copy");
   std::filesystem::rename(home_ / "copy", path());
-  EXPECT_TRUE(handlesUntil([&] { return restarts_ == 1; }));
+  EXPECT_TRUE(waitFor([&] { return restarts_ == 1; }));
 }
 
 TEST_F(TodayWindowTest, ModeIsRememberedAndFoldersAreMadeOnlyThen) {

@@ -5,23 +5,18 @@
 #include <string>
 #include <vector>
 
-#include "platform/MainQueue.h"
-#include "platform/SerialMainQueue.h"
+#include "support/WidgetTest.h"
 
 namespace vantrel {
 namespace {
 
-class TodayViewLabelTest : public testing::Test {
+class TodayViewLabelTest : public test::WidgetTest {
  protected:
-  TodayViewLabelTest() { MainQueue::install(queue); }
-  ~TodayViewLabelTest() override { MainQueue::install(nullptr); }
-
   TodayViewLabel::Action record(const std::string& phase) {
     return [this, phase](int tag) { log.push_back(phase + " " + std::to_string(tag)); };
   }
 
   using Log = std::vector<std::string>;
-  std::shared_ptr<SerialMainQueue> queue = std::make_shared<SerialMainQueue>();
   std::shared_ptr<void> lifetime = std::make_shared<char>();
   TodayViewLabel label;
   Log log;
