@@ -24,13 +24,8 @@ class CustomCameraTest : public test::StoreTest {
 TEST_F(CustomCameraTest, DerivesOpticalValuesInSinglePrecision) {
   struct Case {
     const char* name;
-    std::optional<float> width;
-    std::optional<float> height;
-    std::optional<float> coc;
-    float diagonal;
-    float calculated;
-    float CoC;
-    float cropFactor;
+    std::optional<float> width, height, coc;
+    float diagonal, calculated, CoC, cropFactor;
   };
   const std::vector<Case> cases = {
       {"36 x 24", 36.F, 24.F, {}, 43.2666168F, 0.0300462618F, 0.0300462618F, 1.F},

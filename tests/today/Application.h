@@ -30,6 +30,10 @@ inline void needApplication() {
   environment->make();
 }
 
+/// Wider than the rows of a card.
+inline constexpr auto kLongTitle =
+    "Milky Way over the lighthouse with the fishing boats, if the mist lifts before the moon is up";
+
 /// Handles events until `condition` holds; false when it does not within a minute.
 template <typename Condition>
 bool waitFor(Condition condition) {

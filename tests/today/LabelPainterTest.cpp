@@ -11,9 +11,6 @@
 namespace vantrel {
 namespace {
 
-constexpr auto kLong =
-    "Milky Way over the lighthouse with the fishing boats, if the mist lifts before the moon is up";
-
 /// The box around what is not white.
 QRect inkOf(const Label& label, const QRectF& frame, bool rightToLeft) {
   QImage image(400, 100, QImage::Format_RGB32);
@@ -38,7 +35,7 @@ TEST(LabelPainter, KeepsToTheFrameOnTheInterfacesSide) {
   label.setAdjustsFontSizeToFitWidth(true);
   label.setMinimumScaleFactor(2.0 / 3);
   const QRectF frame(50, 20, 300, 44);
-  for (const auto* text : {"Sunrise", kLong, "حافة القمر"}) {
+  for (const auto* text : {"Sunrise", test::kLongTitle, "حافة القمر"}) {
     for (const bool rightToLeft : {false, true}) {
       SCOPED_TRACE(std::string(text) + (rightToLeft ? ", right to left" : ""));
       label.setText(text);

@@ -10,9 +10,6 @@
 namespace vantrel {
 namespace {
 
-constexpr auto kLong =
-    "Milky Way over the lighthouse with the fishing boats, if the mist lifts before the moon is up";
-
 TEST(QtParagraph, LineEndsBreakAndOtherControlCharactersAreSpaces) {
   const struct {
     std::string text;
@@ -36,13 +33,14 @@ TEST(QtParagraph, BreaksAndCutsLikeItIsMeasured) {
   test::needApplication();
   const QtTextMeasurer measurer;
   const Font font = Font::boldSystemFontOfSize(15);
-  const Size line = measurer.sizeOfText(kLong, font);
+  const Size line = measurer.sizeOfText(test::kLongTitle, font);
   EXPECT_EQ(measurer.sizeOfText("", font).height, line.height);
   EXPECT_EQ(measurer.boundingSizeOfText("", font, {200, 1000}), Size());
-  EXPECT_GT(measurer.boundingSizeOfText(kLong, font, {200, 1000}).height, 2 * line.height);
-  EXPECT_EQ(measurer.boundingSizeOfText(kLong, font, {200, 30}).height, 30);
+  EXPECT_GT(measurer.boundingSizeOfText(test::kLongTitle, font, {200, 1000}).height,
+            2 * line.height);
+  EXPECT_EQ(measurer.boundingSizeOfText(test::kLongTitle, font, {200, 30}).height, 30);
 
-  QtParagraph paragraph(kLong, measurer.fontFor(font));
+  QtParagraph paragraph(test::kLongTitle, measurer.fontFor(font));
   EXPECT_EQ(paragraph.lineCount(), 1);
   paragraph.breakLines(200);
   EXPECT_GT(paragraph.lineCount(), 2);
