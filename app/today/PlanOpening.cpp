@@ -14,7 +14,11 @@ namespace vantrel {
 std::optional<Error> missingStore() {
   const auto store = Database::sharedInstance().groupStoreURL();
   std::error_code error;
-  if (store && std::filesystem::exists(*store, error)) return std::nullopt;
+  // A file without content would be made a store by opening it.
+  if (store && std::filesystem::exists(*store, error) &&
+      std::filesystem::file_size(*store, error) != 0) {
+    return std::nullopt;
+  }
   return cli::failure(cli::kExitMissing, store ? store->string() : "the application group's folder",
                       "there is no store yet; make one with: vantrel store sample");
 }

@@ -125,8 +125,8 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
   connection->readOnly_ = readOnly || ::access(path.c_str(), W_OK) != 0;
   // A file in use is not looked into first: closing it would let go of the locks that this process
   // holds by another connection, and the log could be taken away from under that.
-  if (readOnly && !isUsedByOthers(path) && isWriteAheadLogged(path)) {
-    // Otherwise reading would leave files beside it.
+  if (connection->readOnly_ && !isUsedByOthers(path) && isWriteAheadLogged(path)) {
+    // Otherwise reading would leave files beside it, which whoever may write could not use.
     connection->connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
     connection->probe();
     return connection;

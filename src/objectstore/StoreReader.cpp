@@ -130,6 +130,7 @@ RowSnapshot readRow(sqlite3_stmt* row, const RowKind& kind, RowBuilder& builder)
 }
 
 /// Large values: a first byte tells whether they follow, or the name of a file that holds them.
+/// Other models keep them as they are, and no kind of picture begins with either byte.
 Value unwrappedBytes(std::string_view stored, const std::filesystem::path& storeUrl) {
   constexpr char kInline = 1;
   constexpr char kFile = 2;
@@ -143,7 +144,8 @@ Value unwrappedBytes(std::string_view stored, const std::filesystem::path& store
   const std::string name(stored.substr(1, kNameLength));
   const bool isName = name.size() == kNameLength && name.find('/') == std::string::npos &&
                       name.find('\0') == std::string::npos;
-  if (stored.front() != kFile || !isName) return {};
+  if (stored.front() != kFile) return toBytes(stored);
+  if (!isName) return {};
   std::ifstream file(storeUrl.parent_path() / ("." + storeUrl.stem().string() + "_SUPPORT") /
                          "_EXTERNAL_DATA" / name,
                      std::ios::binary);

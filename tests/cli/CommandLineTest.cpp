@@ -99,6 +99,11 @@ TEST_F(CommandLineTest, ReadsNothingAndMakesNothingWithoutAStore) {
   };
   for (const auto& command : commands) expectRefused(command, 66, "vantrel store sample");
   EXPECT_FALSE(fs::exists(container()));
+  // Nor is a file without content a store, or made one by a look at it.
+  fs::create_directories(container());
+  test::writeFile(store(), "");
+  EXPECT_EQ(run({"plan", "list"}).exitCode, 66);
+  EXPECT_TRUE(fs::is_empty(store()));
 }
 
 TEST_F(CommandLineTest, TellsWhatIsWrongWithTheStore) {

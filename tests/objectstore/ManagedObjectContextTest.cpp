@@ -315,13 +315,18 @@ TEST_F(ManagedObjectContextTest, ReadsLargeValuesOnlyWhenAsked) {
                           name + "' || x'00' AS BLOB))"),
         "");
   }
+  // As another model keeps them.
+  EXPECT_EQ(sqlite(file_, "INSERT INTO ZIMAGE (Z_ENT, Z_OPT, ZDATA) VALUES (3, 1, x'FFD8')"), "");
   OpenStore store(file_);
   const auto images = *store.context.executeFetchRequest({.entityName = "Image"});
   std::vector<Value> data;
   for (const auto& image : images) data.push_back(image->valueForKey("data"));
-  const auto outside = std::as_bytes(std::span(std::string_view("outside")));
-  EXPECT_THAT(data, ElementsAre(Value(picture), Value(std::vector<std::byte>()), Value(),
-                                Value(std::vector(outside.begin(), outside.end())), Value()));
+  const auto bytes = [](std::string_view text) {
+    const auto span = std::as_bytes(std::span(text));
+    return Value(std::vector(span.begin(), span.end()));
+  };
+  EXPECT_THAT(data, ElementsAre(Value(picture), bytes(""), Value(), bytes("outside"), Value(),
+                                bytes("\xFF\xD8")));
 }
 
 TEST_F(ManagedObjectContextTest, FindsObjectsByURI) {

@@ -391,6 +391,8 @@ TEST_F(SqliteStoreTest, ReadsAndWritesOnlyWhatItMay) {
     EXPECT_EQ(withoutPrivileges(directory_ / "result", [&] { return useStore(file, model); }),
               row.expected);
     fs::permissions(folder, fs::perms(0777));
+    EXPECT_EQ(fs::exists(file.string() + "-wal"), row.hasLog);
+    EXPECT_FALSE(fs::exists(file.string() + "-shm"));
     fs::remove_all(folder);
   }
 }

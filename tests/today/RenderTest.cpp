@@ -70,6 +70,8 @@ TEST_F(RenderTest, DrawsThePictureThatIsAskedFor) {
 
 TEST_F(RenderTest, SaysWhatIsWrongInOneLineAndLeavesNothingBehind) {
   const test::TemporaryDirectory pictures;
+  const test::TemporaryDirectory empty;
+  test::writeFile(empty / "Vantrel.sqlite", "");
   const test::TemporaryDirectory broken;
   test::writeFile(broken / "Vantrel.sqlite", std::string(5000, 'x'));
   savePlans({});
@@ -81,6 +83,7 @@ TEST_F(RenderTest, SaysWhatIsWrongInOneLineAndLeavesNothingBehind) {
     int exitCode;
   } cases[] = {
       {"no store", {"--render", file}, pictures / "none", 66},
+      {"an empty file", {"--render", file}, empty.path(), 66},
       {"no database", {"--render", file}, broken.path(), 65},
       {"no folder", {"--render", pictures / "no/card.png"}, group_, 73},
       {"bad size", {"--render", file, "--size", "40"}, group_, 64},
@@ -96,6 +99,7 @@ TEST_F(RenderTest, SaysWhatIsWrongInOneLineAndLeavesNothingBehind) {
     EXPECT_EQ(result.output, "");
     EXPECT_THAT(result.errors, testing::MatchesRegex("vantrel-today: [^\n]*\n"));
     EXPECT_TRUE(std::filesystem::is_empty(pictures.path()));
+    EXPECT_TRUE(std::filesystem::is_empty(empty / "Vantrel.sqlite"));
   }
 }
 
