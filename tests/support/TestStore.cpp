@@ -1,5 +1,7 @@
 #include "support/TestStore.h"
 
+#include <sqlite3.h>
+
 #include "platform/Bundle.h"
 #include "store/CustomCamera.h"
 
@@ -82,6 +84,20 @@ std::shared_ptr<Planning> OpenStore::planNamed(const std::string& name) {
                                       : nullptr;
 }
 
+std::optional<StoreErrorCode> openingError(const std::filesystem::path& file,
+                                           const StoreOptions& options) {
+  return codeOf(OpenStore(file, options).store);
+}
+
+OtherWriter::OtherWriter(const std::filesystem::path& file, const char* sql) {
+  EXPECT_EQ(sqlite3_open(file.c_str(), &database_), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+}
+
+OtherWriter::~OtherWriter() {
+  sqlite3_close(database_);
+}
+
 std::string sqlite(const std::filesystem::path& file, const std::string& sql) {
   const auto result = runProgram({"sqlite3", "-batch", file.string(), sql});
   std::string text = result.exitCode == 0 ? result.output : result.errors;
@@ -98,6 +114,14 @@ std::string pythonSays(std::vector<std::string> arguments) {
 void StoreTest::savePlans(const std::vector<std::pair<std::string, double>>& namesAndDates) {
   OpenStore store(file_);
   for (const auto& [name, date] : namesAndDates) store.insertPlan(name, date);
+  ASSERT_TRUE(store.context.save());
+}
+
+void StoreTest::saveFortyPlans() {
+  OpenStore store(file_);
+  for (int day = 0; day < 40; ++day) {
+    store.insertPlan("plan" + std::to_string(day), day)->setNotes(std::string(300, 'n'));
+  }
   ASSERT_TRUE(store.context.save());
 }
 

@@ -15,6 +15,8 @@
 #include "store/Planning.h"
 #include "support/Guards.h"
 
+struct sqlite3;
+
 namespace vantrel::test {
 
 /// The main model of the bundle, with the classes of plans and cameras.
@@ -47,6 +49,22 @@ std::optional<StoreErrorCode> codeOf(const Expected<T>& result) {
   return result ? std::nullopt : storeErrorCode(result.error());
 }
 
+/// Why a store cannot be opened; nothing when it can.
+std::optional<StoreErrorCode> openingError(const std::filesystem::path& file,
+                                           const StoreOptions& options = mainOptions());
+
+/// Another connection to a file, in the middle of a change that it never ends.
+class OtherWriter {
+ public:
+  OtherWriter(const std::filesystem::path& file, const char* sql);
+  ~OtherWriter();
+  OtherWriter(const OtherWriter&) = delete;
+  OtherWriter& operator=(const OtherWriter&) = delete;
+
+ private:
+  sqlite3* database_ = nullptr;
+};
+
 /// What the sqlite3 program says of a file; its messages when it fails.
 std::string sqlite(const std::filesystem::path& file, const std::string& sql);
 /// What a Python program writes, to either of its outputs.
@@ -56,6 +74,8 @@ std::string pythonSays(std::vector<std::string> arguments);
 class StoreTest : public ::testing::Test {
  protected:
   void savePlans(const std::vector<std::pair<std::string, double>>& namesAndDates);
+  /// "plan0" to "plan39" by date, with texts that make the file ten pages long.
+  void saveFortyPlans();
   /// The closed store once more.
   std::filesystem::path copyOfFile();
 

@@ -3,25 +3,49 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "platform/MainQueue.h"
 #include "platform/SerialMainQueue.h"
-#include "support/PlanStore.h"
+#include "store/Database.h"
+#include "store/Planning.h"
+#include "support/Guards.h"
 
 namespace vantrel::test {
 
-/// The widget's surroundings: a store of its own and a main queue that the test runs. The device
-/// speaks British English and stands in Kathmandu, where no plan is.
+/// The widget's surroundings: a main queue that the test runs, and the shared store of this process
+/// in a group container of its own. The device speaks British English and stands in Kathmandu,
+/// where no plan is.
 class WidgetTest : public ::testing::Test {
  protected:
   WidgetTest() { MainQueue::install(queue); }
   ~WidgetTest() override { MainQueue::install(nullptr); }
 
+  /// A new plan, not saved; nothing stays absent.
+  static std::shared_ptr<Planning> add(const std::optional<std::string>& name,
+                                       const std::optional<Date>& date,
+                                       const std::optional<std::string>& timezone = std::nullopt) {
+    auto plan = std::dynamic_pointer_cast<Planning>(context().insertNewObject("Planning"));
+    plan->setName(name);
+    plan->setDate(date);
+    plan->setTimezone(timezone);
+    return plan;
+  }
+  static void save() { ASSERT_TRUE(context().save()); }
+  std::filesystem::path storeFile() const { return container / "Vantrel.sqlite"; }
+
+  TemporaryDirectory container;
+  EnvironmentGuard group{"VANTREL_GROUP_CONTAINER", container.path()};
   EnvironmentGuard locale{"LC_ALL", "en_GB.UTF-8"};
   EnvironmentGuard language{"LANGUAGE", std::nullopt};
   EnvironmentGuard zone{"TZ", "Asia/Kathmandu"};
-  PlanStore store;
   std::shared_ptr<SerialMainQueue> queue = std::make_shared<SerialMainQueue>();
+
+ private:
+  static ManagedObjectContext& context() {
+    return *Database::sharedInstance().managedObjectContext();
+  }
 };
 
 }  // namespace vantrel::test

@@ -47,7 +47,7 @@ class TodayEventsViewTest : public test::WidgetTest {
  protected:
   TodayEventsView::Plans plans(const std::vector<std::string>& names) {
     std::vector<std::shared_ptr<Planning>> list;
-    for (const auto& name : names) list.push_back(store.add(name, date, "Europe/Madrid"));
+    for (const auto& name : names) list.push_back(add(name, date, "Europe/Madrid"));
     return list;
   }
 
@@ -144,7 +144,7 @@ TEST_F(TodayEventsViewTest, ShowsDatesInThePlansOwnZone) {
   TodayEventsView view(Rect{{0, 0}, {320, 110}});
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    view.updateData(std::vector{store.add(std::nullopt, c.date, c.zone)});
+    view.updateData(std::vector{add(std::nullopt, c.date, c.zone)});
     EXPECT_EQ(view.planDateLabels()[0]->text(), c.text);
     EXPECT_EQ(view.planTitleLabels()[0]->text(), "");
   }
