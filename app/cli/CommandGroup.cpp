@@ -13,6 +13,7 @@ namespace {
 constexpr std::array kGroups = {
     CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
     CommandGroup{"plan", "Add, list, show, edit and remove plans", &fillPlanCommands},
+    CommandGroup{"camera", "Cameras of your own, by the size of their sensor", &fillCameraCommands},
     CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},
     CommandGroup{"geo", "Bearing, distance and elevation between two points", &fillGeoCommands},
     CommandGroup{"units", "Choose metric or imperial units; write lengths in them",

@@ -29,6 +29,7 @@ struct CommandGroup {
 
 void fillTodayCommand(CLI::App& parser, Session& session);
 void fillPlanCommands(CLI::App& parser, Session& session);
+void fillCameraCommands(CLI::App& parser, Session& session);
 void fillOpenCommand(CLI::App& parser, Session& session);
 void fillGeoCommands(CLI::App& parser, Session& session);
 void fillUnitsCommands(CLI::App& parser, Session& session);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <string_view>
 #include <utility>
 
 namespace vantrel::cli {
@@ -39,6 +40,23 @@ std::optional<std::string> nearestWord(const std::string& word,
     return std::nullopt;
   }
   return *nearest;
+}
+
+std::string folded(const std::string& name) {
+  constexpr std::string_view kTimes = "\xc3\x97";
+  std::string result;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    if (name.compare(i, kTimes.size(), kTimes) == 0) {
+      result += 'x';
+      i += kTimes.size() - 1;
+    } else if (c >= 'A' && c <= 'Z') {
+      result += static_cast<char>(c - 'A' + 'a');
+    } else if (c != ' ' && c != '-' && c != '_') {
+      result += c;
+    }
+  }
+  return result;
 }
 
 }  // namespace vantrel::cli

@@ -10,4 +10,8 @@ namespace vantrel::cli {
 std::optional<std::string> nearestWord(const std::string& word,
                                        const std::vector<std::string>& known);
 
+/// Names that people write in several ways made alike: lower case (ASCII), without spaces, hyphens
+/// and underscores, "x" for the sign of multiplication.
+std::string folded(const std::string& name);
+
 }  // namespace vantrel::cli

@@ -44,6 +44,12 @@ std::optional<float> CustomCamera::floatForKey(std::string_view key) const {
   return number ? std::optional(static_cast<float>(*number)) : std::nullopt;
 }
 
+std::optional<bool> CustomCamera::isFilm() const {
+  const Value value = valueForKey("isFilm");
+  const auto* number = std::get_if<std::int64_t>(&value);
+  return number ? std::optional(*number != 0) : std::nullopt;
+}
+
 float CustomCamera::sensorDiagonal() const {
   const float width = sensorWidth().value_or(0);
   const float height = sensorHeight().value_or(0);

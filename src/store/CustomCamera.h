@@ -34,6 +34,9 @@ class CustomCamera : public IdentifiedObject {
   /// The circle of confusion that the photographer chose.
   std::optional<float> coc() const { return floatForKey("coc"); }
   void setCoc(std::optional<float> coc) { setOptionalForKey(coc, "coc"); }
+  std::optional<float> aperture() const { return floatForKey("aperture"); }
+  std::optional<float> focalLength() const { return floatForKey("focalLength"); }
+  std::optional<bool> isFilm() const;
 
   float sensorDiagonal() const;
   /// The chosen circle of confusion, even 0; the calculated one when none was chosen.

@@ -1,0 +1,197 @@
+#include <CLI/App.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "cli/Arguments.h"
+#include "cli/CameraLookup.h"
+#include "cli/CameraText.h"
+#include "cli/CommandGroup.h"
+#include "cli/ExitCode.h"
+#include "cli/SensorFormats.h"
+#include "cli/StoreAccess.h"
+#include "cli/ValueOption.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+/// What `camera add` is given.
+struct Given {
+  std::optional<std::string> model;
+  std::optional<std::string> sensor;
+  std::optional<float> width;
+  std::optional<float> height;
+  std::optional<float> megapixels;
+  std::optional<float> coc;
+  std::optional<float> aperture;
+  std::optional<float> focalLength;
+  bool isFilm = false;
+};
+
+Expected<std::string> modelFromArgument(const std::string& option, const std::string& text) {
+  if (text.find_first_not_of(' ') != std::string::npos) return textFromArgument(option, text);
+  return tl::make_unexpected(failure(kExitUsage, option, "must not be empty"));
+}
+
+/// Beyond all lenses and film, and far below where a diagonal overflows.
+constexpr float kMost = 100'000;
+
+Expected<float> positiveFromArgument(const std::string& option, const std::string& text) {
+  const auto number = floatFromArgument(option, text);
+  if (number && *number > 0 && *number <= kMost) return number;
+  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"",
+                                     "allowed are numbers above 0, up to 100000"));
+}
+
+/// Zero is a circle of confusion that may be chosen.
+Expected<float> circleFromArgument(const std::string& option, const std::string& text) {
+  const auto number = floatFromArgument(option, text);
+  return number && *number == 0 ? Expected<float>(0.0F) : positiveFromArgument(option, text);
+}
+
+/// The size that was given, or that of the sensor named.
+Expected<SensorFormat> sensorOf(const Given& given) {
+  if (given.sensor) return sensorNamed("--sensor", *given.sensor);
+  if (given.width && given.height) return SensorFormat{"", *given.width, *given.height};
+  return tl::make_unexpected(
+      failure(kExitUsage, "camera add", "give --sensor, or --width and --height"));
+}
+
+Expected<void> apply(const Given& given, const SensorFormat& sensor, CustomCamera& camera) {
+  const std::pair<const char*, std::optional<float>> numbers[] = {
+      {"sensorWidth", sensor.width},    {"sensorHeight", sensor.height},
+      {"megapixels", given.megapixels}, {"coc", given.coc},
+      {"aperture", given.aperture},     {"focalLength", given.focalLength},
+  };
+  const auto set = [&](const Value& value, const char* key) -> Expected<void> {
+    if (camera.setValueForKey(value, key)) return {};
+    return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
+  };
+  auto done = set(*given.model, "model");
+  for (const auto& [key, number] : numbers) {
+    if (done && number) done = set(double{*number}, key);
+  }
+  if (done && given.isFilm) done = set(std::int64_t{1}, "isFilm");
+  return done;
+}
+
+int addCamera(const Given& given, Console& console) {
+  const auto sensor = sensorOf(given);
+  if (!sensor) return console.fail(sensor.error());
+  const auto context = contextForWriting();
+  if (!context) return console.fail(context.error());
+  const auto camera =
+      std::dynamic_pointer_cast<CustomCamera>((*context)->insertNewObject("CustomCamera"));
+  if (!camera) return console.fail(failure(kExitInternal, "camera add", "the model has none"));
+  if (const auto done = apply(given, *sensor, *camera); !done) return console.fail(done.error());
+  if (CustomCamera::existsCameraWithModel(*camera, **context)) {
+    return console.fail(failure(kExitUsage, *given.model,
+                                "another camera has this model name; choose a different one, or "
+                                "remove that with vantrel camera remove"));
+  }
+  if (const auto saved = (*context)->save(); !saved) return console.fail(saved.error());
+  if (console.isJson()) console.print(jsonText(jsonOfCamera(*camera)));
+  return kExitDone;
+}
+
+int listCameras(Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto cameras = allCameras(**context);
+  if (!cameras) return console.fail(cameras.error());
+  if (cameras->empty()) console.note("no cameras");
+  if (!console.isJson()) {
+    console.print(cameraTable(*cameras, console));
+    return kExitDone;
+  }
+  Json list = Json::array();
+  for (const auto& camera : *cameras) list.push_back(jsonOfCamera(*camera));
+  console.print(jsonText(Json{{"cameras", std::move(list)}}));
+  return kExitDone;
+}
+
+int listSensors(Console& console) {
+  const auto sensors = sensorFormats();
+  if (!sensors) return console.fail(sensors.error());
+  if (!console.isJson()) {
+    console.print(sensorTable(*sensors));
+    return kExitDone;
+  }
+  Json list = Json::array();
+  for (const auto& sensor : *sensors) list.push_back(jsonOfSensor(sensor));
+  console.print(jsonText(Json{{"sensors", std::move(list)}}));
+  return kExitDone;
+}
+
+int showCamera(const std::string& name, Console& console) {
+  const auto camera =
+      contextForReading().and_then([&](auto* context) { return cameraNamed(*context, name); });
+  if (!camera) return console.fail(camera.error());
+  console.print(console.isJson() ? jsonText(jsonOfCamera(**camera))
+                                 : cameraDetails(**camera, console));
+  return kExitDone;
+}
+
+int removeCamera(const std::string& name, Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto camera = cameraNamed(**context, name);
+  if (!camera) return console.fail(camera.error());
+  (*context)->deleteObject(*camera);
+  const auto saved = (*context)->save();
+  return saved ? kExitDone : console.fail(saved.error());
+}
+
+void fillAdd(CLI::App& parser, Session& session) {
+  const auto given = std::make_shared<Given>();
+  addValueOption(parser, "MODEL", given->model, &modelFromArgument, "", "Name of the model");
+  const auto number = [&](const char* name, std::optional<float>& target, const char* unit,
+                          const char* description) {
+    return addValueOption(parser, name, target, &positiveFromArgument, unit, description);
+  };
+  addTextOption(parser, "--sensor", given->sensor, "NAME",
+                "Size of a common sensor, as aps-c: see vantrel camera sensors");
+  auto* sensor = parser.get_option("--sensor");
+  sensor->excludes(number("--width", given->width, "MM", "Width of the sensor or film frame"));
+  sensor->excludes(number("--height", given->height, "MM", "Its height"));
+  number("--megapixels", given->megapixels, "COUNT", "Resolution");
+  addValueOption(parser, "--coc", given->coc, &circleFromArgument, "MM",
+                 "Circle of confusion, where a 1440th of the diagonal will not do");
+  number("--aperture", given->aperture, "F", "Aperture of the lens, as 2.8");
+  number("--focal-length", given->focalLength, "MM", "Focal length of the lens");
+  parser.add_flag("--film", given->isFilm, "Takes film");
+  parser.callback([=, &session] { session.exitCode = addCamera(*given, session.console); });
+}
+
+std::shared_ptr<std::optional<std::string>> addCameraName(CLI::App& parser) {
+  const auto name = std::make_shared<std::optional<std::string>>();
+  addValueOption(parser, "CAMERA", *name, &modelFromArgument, "",
+                 "Model, identifier, the first four or more of its characters, or URI");
+  return name;
+}
+
+}  // namespace
+
+void fillCameraCommands(CLI::App& parser, Session& session) {
+  parser.require_subcommand(1);
+  Console& console = session.console;
+  fillAdd(*parser.add_subcommand("add", "Add a camera by the size of its sensor"), session);
+  parser.add_subcommand("list", "List cameras with diagonal, circle of confusion and crop factor")
+      ->callback([&] { session.exitCode = listCameras(console); });
+
+  CLI::App& show = *parser.add_subcommand("show", "Show all that is known of a camera");
+  const auto shown = addCameraName(show);
+  show.callback([=, &session, &console] { session.exitCode = showCamera(**shown, console); });
+
+  CLI::App& remove = *parser.add_subcommand("remove", "Remove a camera");
+  const auto removed = addCameraName(remove);
+  remove.callback([=, &session, &console] { session.exitCode = removeCamera(**removed, console); });
+
+  parser.add_subcommand("sensors", "List common sensors and film frames")->callback([&] {
+    session.exitCode = listSensors(console);
+  });
+}
+
+}  // namespace vantrel::cli
