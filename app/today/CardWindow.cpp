@@ -1,5 +1,7 @@
 #include "today/CardWindow.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
@@ -20,10 +22,17 @@ bool isDark(const QColor& color) {
   return color.lightnessF() < 0.5;
 }
 
+/// To screen readers a window, which a scroll area is not by itself.
+QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
+  auto* window = qobject_cast<CardWindow*>(object);
+  return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
+}
+
 }  // namespace
 
 CardWindow::CardWindow(QtTextMeasurer& measurer, std::optional<bool> dark)
     : measurer_(measurer), wantsDark_(dark) {
+  QAccessible::installFactory(makeAccessible);
   setWindowIcon(appIcon());
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::NoFocus);
