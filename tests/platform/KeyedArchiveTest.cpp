@@ -5,7 +5,6 @@
 #include <limits>
 #include <random>
 
-#include "platform/KeyedArchiver.h"
 #include "platform/KeyedUnarchiver.h"
 #include "support/Guards.h"
 
@@ -30,31 +29,6 @@ Data archiveOf(const PropertyList& object) {
   list.set("$top", top);
   list.set("$objects", PropertyList::array(std::vector{PropertyList::string("$null"), object}));
   return list.binaryData();
-}
-
-TEST(KeyedArchiver, RefersInCircles) {
-  KeyedArchiver archiver;
-  const auto planning = archiver.addObject({"Planning", "NSObject"});
-  const auto image = archiver.addObject({"Image", "NSObject"});
-  image.encodeObject(planning, "planning");
-  planning.encodeObject(archiver.addArray(std::vector{image, image, planning}), "images");
-  planning.encodeObject(archiver.addString("Sunrise"), "name");
-  planning.encodeObject(archiver.addString("Sunrise"), "title");
-  planning.encodeObject({}, "notes");
-  const auto archive =
-      KeyedUnarchiver::unarchiverWithData(archiver.archivedDataWithRootObject(planning));
-  ASSERT_TRUE(archive);
-  const auto root = archive->root();
-  EXPECT_EQ(root.className(), "Planning");
-  const auto images = root.decodeObjectForKey("images").array();
-  ASSERT_EQ(images.size(), 3U);
-  EXPECT_EQ(images[0].uid(), images[1].uid());
-  EXPECT_EQ(images[0].decodeObjectForKey("planning").uid(), root.uid());
-  EXPECT_EQ(root.decodeObjectForKey("name").uid(), root.decodeObjectForKey("title").uid());
-  EXPECT_TRUE(root.containsValueForKey("notes"));
-  EXPECT_FALSE(root.decodeObjectForKey("notes"));
-  EXPECT_FALSE(root.containsValueForKey("date"));
-  EXPECT_FALSE(archive->error());
 }
 
 TEST(KeyedUnarchiver, ReadsForeignArchives) {
