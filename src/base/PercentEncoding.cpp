@@ -1,17 +1,8 @@
 #include "base/PercentEncoding.h"
 
+#include "base/HexDigit.h"
+
 namespace vantrel {
-
-namespace {
-
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
-
-}  // namespace
 
 std::string percentEncoded(std::string_view text, std::string_view allowed) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -39,9 +30,9 @@ std::optional<std::string> percentDecoded(std::string_view text) {
       continue;
     }
     if (i + 2 >= text.size()) return std::nullopt;
-    const int high = hexValue(text[i + 1]);
-    const int low = hexValue(text[i + 2]);
-    if (high < 0 || low < 0) return std::nullopt;
+    const int high = hexDigitValue(static_cast<unsigned char>(text[i + 1]));
+    const int low = hexDigitValue(static_cast<unsigned char>(text[i + 2]));
+    if (high > 15 || low > 15) return std::nullopt;
     result += static_cast<char>(high * 16 + low);
     i += 2;
   }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "base/HexDigit.h"
 #include "platform/PropertyList.h"
 
 namespace vantrel {
@@ -63,14 +64,6 @@ bool isPlain(char16_t unit) {
          std::u16string_view(u"_$+/:.-").find(unit) != std::u16string_view::npos;
 }
 
-/// The value of a digit; 16 for what is none.
-int digit(char16_t unit) {
-  if (unit >= u'0' && unit <= u'9') return unit - u'0';
-  if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
-  if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10;
-  return 16;
-}
-
 /// The text form, read by UTF-16 units so that two escaped surrogates join into one character.
 class Reader {
  public:
@@ -123,38 +116,23 @@ bool Reader::skipBlanks() {
 
 char16_t Reader::number(int base, int mostDigits) {
   int value = 0;
-  for (int i = 0; i < mostDigits && at_ < text_.size() && digit(text_[at_]) < base; ++i) {
-    value = value * base + digit(text_[at_++]);
+  for (int i = 0; i < mostDigits && at_ < text_.size() && hexDigitValue(text_[at_]) < base; ++i) {
+    value = value * base + hexDigitValue(text_[at_++]);
   }
   return static_cast<char16_t>(value);
 }
 
 char16_t Reader::escaped() {
+  constexpr std::u16string_view kLetters = u"abfnrtv";
+  constexpr std::u16string_view kControls = u"\a\b\f\n\r\t\v";
   const char16_t unit = text_[at_++];
-  switch (unit) {
-    case u'a':
-      return u'\a';
-    case u'b':
-      return u'\b';
-    case u'f':
-      return u'\f';
-    case u'n':
-      return u'\n';
-    case u'r':
-      return u'\r';
-    case u't':
-      return u'\t';
-    case u'v':
-      return u'\v';
-    case u'U':
-    case u'u':
-      if (at_ < text_.size() && digit(text_[at_]) < 16) return number(16, 4);
-      return unit;
-    default:
-      if (digit(unit) >= 8) return unit;
-      --at_;
-      return number(8, 3);
-  }
+  const auto letter = kLetters.find(unit);
+  if (letter != std::u16string_view::npos) return kControls[letter];
+  const bool isHexadecimal = unit == u'U' || unit == u'u';
+  if (isHexadecimal && at_ < text_.size() && hexDigitValue(text_[at_]) < 16) return number(16, 4);
+  if (hexDigitValue(unit) >= 8) return unit;
+  --at_;
+  return number(8, 3);
 }
 
 std::optional<std::u16string> Reader::quoted() {

@@ -1,25 +1,10 @@
 #pragma once
 
-#include <cstddef>
-#include <optional>
-#include <string>
-
-#include "store/IdentifiedObject.h"
+#include "store/PlacedObject.h"
 
 namespace vantrel {
 
 /// A point of interest of the photographer's own: entity "CustomPoi" of the main store.
-class CustomPoi : public IdentifiedObject {
- public:
-  std::optional<std::string> name() const { return textForKey("name"); }
-  void setName(const std::optional<std::string>& name) { setOptionalForKey(name, "name"); }
-  /// Degrees.
-  std::optional<double> latitude() const { return numberForKey("latitude"); }
-  void setLatitude(std::optional<double> latitude) { setOptionalForKey(latitude, "latitude"); }
-  std::optional<double> longitude() const { return numberForKey("longitude"); }
-  void setLongitude(std::optional<double> longitude) { setOptionalForKey(longitude, "longitude"); }
-  /// How many pictures are attached.
-  std::size_t imageCount() const { return countOfRelatedObjects("images"); }
-};
+class CustomPoi : public PlacedObject {};
 
 }  // namespace vantrel

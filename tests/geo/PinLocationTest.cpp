@@ -57,6 +57,8 @@ TEST_F(PinLocationTest, AnUnknownAltitudeStaysWhatItIs) {
   pin.setAltitudeOffset(20);
   EXPECT_EQ(pin.totalAltitude(), -2147483648.0f);
   EXPECT_EQ(pin.altitudeString(), "--m");
+  pin.setAltitude(-32768);
+  EXPECT_EQ(pin.totalAltitude(), -32768);
   pin.setAltitude(100.25f);
   EXPECT_EQ(pin.totalAltitude(), 120.25f);
   pin.setAltitudeAccuracy(-2);

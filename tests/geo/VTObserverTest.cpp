@@ -120,6 +120,7 @@ TEST_F(VTObserverTest, AnotherReaderFindsTheVeryValues) {
         "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s}) {
     EXPECT_NE(bytes.find(form), std::string::npos) << testing::PrintToString(form);
   }
+  EXPECT_EQ(bytes.find("\x22\xC3\x34"), std::string::npos) << "-180 in 32 bits";
 }
 
 TEST_F(VTObserverTest, DecodesWhatOthersEncoded) {
