@@ -198,9 +198,10 @@ void addCommand(CLI::App& group, Session& session, const char* name, const char*
         "The new value (data in base64); - reads it from standard input (data as it is)");
   }
   if (writes || run == &readKey) {
-    const std::string types = "bool, int, float, double, string, date or data";
-    addValueOption(command, "--type", request->type, &typeFromArgument, "TYPE",
-                   writes ? types + "; string when left out" : "Convert to " + types);
+    addValueOption(
+        command, "--type", request->type, &typeFromArgument,
+        "bool|int|float|double|string|date|data",
+        writes ? "What the value is; string when left out" : "Convert the value to this");
   }
   const auto standard = [request] { request->suite = Suite::kStandard; };
   command.add_flag_callback("--standard", standard, "This program's own settings, not the group's");

@@ -179,7 +179,8 @@ void fillPlannerCommands(CLI::App& parser, Session& session) {
 
   CLI::App& milkyWay = *parser.add_subcommand("milky-way", "Show or hide the milky way");
   const auto visible = std::make_shared<std::optional<bool>>();
-  addValueOption(milkyWay, "VISIBLE", *visible, &switchFromArgument, "", "on or off");
+  addValueOption(milkyWay, "VISIBLE", *visible, &switchFromArgument, "", "Whether it shows")
+      ->type_name("on|off");
   milkyWay.callback([visible, &session] {
     session.exitCode =
         handOff(session.console, [&] { TodayUtils::setPlannerMilkyWayVisible(**visible); });

@@ -142,7 +142,8 @@ void fillShowAndSet(CLI::App& parser, Session& session) {
 
   CLI::App& set = *parser.add_subcommand("set", "Choose the system, for all programs of the group");
   const auto system = std::make_shared<std::optional<std::int32_t>>();
-  addValueOption(set, "SYSTEM", *system, &systemFromArgument, "", "metric, imperial");
+  addValueOption(set, "SYSTEM", *system, &systemFromArgument, "", "The system")
+      ->type_name("metric|imperial");
   set.callback([=, &session, &console] { session.exitCode = setUnits(**system, console); });
 }
 

@@ -26,8 +26,12 @@ bool parseSize(const std::string& text, int& width, int& height) {
   return std::min(width, height) >= kSmallestSide && std::max(width, height) <= kLargestSide;
 }
 
-void describe(CLI::App& app, Options& options) {
-  app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION);
+}  // namespace
+
+void Options::describe(CLI::App& app, Options& options) {
+  app.name("vantrel-today");
+  app.description("Shows the next plans in a window, or draws them into a picture.");
+  app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION, "Show the version and exit");
   app.set_help_flag("-h,--help", "Show this help and exit");
   auto* open = app.add_option("--open", options.link,
                               "Show the plan that a link names (vantrel://plan?id=...)")
@@ -101,10 +105,8 @@ void describe(CLI::App& app, Options& options) {
       "display, 73 and 74 a file could not be written, 77 no permission.");
 }
 
-}  // namespace
-
 std::optional<int> Options::parse(int argc, char** argv, Options& options) {
-  CLI::App app("Shows the next plans in a window, or draws them into a picture.", "vantrel-today");
+  CLI::App app;
   describe(app, options);
   try {
     app.parse(argc, argv);

@@ -3,6 +3,10 @@
 #include <optional>
 #include <string>
 
+namespace CLI {
+class App;
+}
+
 namespace vantrel {
 
 /// What the command line asks for.
@@ -21,6 +25,9 @@ struct Options {
   /// Reads the arguments. Prints help, version or what is wrong with them and gives the code to
   /// exit with when the program has nothing more to do.
   static std::optional<int> parse(int argc, char** argv, Options& options);
+  /// Name and options of the program, for parsing and for its manual page; what `app` parses then
+  /// is kept in `options`.
+  static void describe(CLI::App& app, Options& options);
 };
 
 }  // namespace vantrel
