@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QSignalSpy>
 #include <optional>
 
 #include "support/Guards.h"
 #include "today/Application.h"
-#include "today/PrivateBus.h"
 
 namespace vantrel {
 namespace {
@@ -23,24 +20,6 @@ class RefreshTriggersTest : public testing::Test {
   const std::filesystem::path store_ = folder_ / "Vantrel.sqlite";
   const test::EnvironmentGuard noBus_{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"};
 };
-
-TEST_F(RefreshTriggersTest, TheReturnFromSuspendMovesTheClock) {
-  test::PrivateBus daemon;
-  ASSERT_TRUE(daemon.start());
-  const test::EnvironmentGuard address("DBUS_SYSTEM_BUS_ADDRESS", daemon.address().toStdString());
-  auto bus = QDBusConnection::connectToBus(daemon.address(), "logind");
-  ASSERT_TRUE(bus.registerService("org.freedesktop.login1"));
-  RefreshTriggers triggers(store_, zones_.path());
-  QSignalSpy moved(&triggers, &RefreshTriggers::clockMoved);
-  for (const bool begins : {true, false}) {
-    auto signal = QDBusMessage::createSignal("/org/freedesktop/login1",
-                                             "org.freedesktop.login1.Manager", "PrepareForSleep");
-    signal << begins;
-    bus.send(signal);
-  }
-  EXPECT_TRUE(test::waitFor([&] { return !moved.isEmpty(); }));
-  EXPECT_EQ(moved.size(), 1) << "going to sleep is no reason";
-}
 
 TEST_F(RefreshTriggersTest, AnotherZoneOfTheDeviceIsTold) {
   std::optional<test::EnvironmentGuard> zone;
