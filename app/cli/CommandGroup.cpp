@@ -24,6 +24,8 @@ constexpr std::array kGroups = {
                  &fillObserverCommands},
     CommandGroup{"obstacle", "A summit or a building, seen from the observer",
                  &fillObstacleCommands},
+    CommandGroup{"lookup", "Ask a web service for a place's altitude or time zone",
+                 &fillLookupCommands},
     CommandGroup{"defaults", "Read and write the settings", &fillDefaultsCommands},
 };
 

@@ -37,6 +37,7 @@ void fillStoreCommands(CLI::App& parser, Session& session);
 void fillPlannerCommands(CLI::App& parser, Session& session);
 void fillObserverCommands(CLI::App& parser, Session& session);
 void fillObstacleCommands(CLI::App& parser, Session& session);
+void fillLookupCommands(CLI::App& parser, Session& session);
 void fillDefaultsCommands(CLI::App& parser, Session& session);
 
 /// All of them, in the order of the help.

@@ -47,10 +47,24 @@ Expected<void> apply(const Changes& changes, VTObserver& observer) {
   return {};
 }
 
-int setObserver(const Changes& changes, Console& console) {
+/// Where the planner stands, when that was ever told.
+Expected<std::optional<LocationCoordinate2D>> storedPlace() {
+  const auto defaults = settingsForReading();
+  if (!defaults) return tl::make_unexpected(defaults.error());
+  return storedObserver(**defaults).map([](const StoredObserver& stored) {
+    return stored.isStored ? std::optional(stored.observer.coordinate()) : std::nullopt;
+  });
+}
+
+int setObserver(Changes changes, Console& console) {
   if (!changes.any()) {
     return console.fail(
         failure(kExitUsage, "observer set", "nothing to change; see vantrel observer set --help"));
+  }
+  if (changes.pin.lookUpAltitude) {
+    const auto found = storedPlace().and_then(
+        [&](const auto& place) { return lookUpAltitude(changes.pin, place); });
+    if (!found) return console.fail(found.error());
   }
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
     auto stored = storedObserver(defaults);

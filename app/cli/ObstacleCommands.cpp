@@ -125,12 +125,26 @@ double placeableLongitude(double longitude) {
                                                                : longitude;
 }
 
+Expected<std::optional<LocationCoordinate2D>> storedPlace() {
+  const auto defaults = settingsForReading();
+  if (!defaults) return tl::make_unexpected(defaults.error());
+  Obstacle obstacle;
+  if (!isPlaced(**defaults)) return std::nullopt;
+  obstacle.refreshFromUserDefaults();
+  return obstacle.coordinate();
+}
+
 int setObstacle(Changes changes, Console& console) {
   if (!changes.pin.any() && !changes.visible) {
     return console.fail(
         failure(kExitUsage, "obstacle set", "nothing to change; see vantrel obstacle set --help"));
   }
   if (changes.pin.longitude) changes.pin.longitude = placeableLongitude(*changes.pin.longitude);
+  if (changes.pin.lookUpAltitude) {
+    const auto found = storedPlace().and_then(
+        [&](const auto& place) { return lookUpAltitude(changes.pin, place); });
+    if (!found) return console.fail(found.error());
+  }
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
     Obstacle obstacle;
     if (!isPlaced(defaults)) {

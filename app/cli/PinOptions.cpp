@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "cli/ExitCode.h"
+#include "cli/PlaceService.h"
 #include "cli/ValueOption.h"
 
 namespace vantrel::cli {
@@ -22,7 +23,7 @@ Expected<std::int32_t> accuracyFromArgument(const std::string& option, const std
 }  // namespace
 
 bool PinChanges::any() const {
-  return latitude || longitude || altitude || offset || accuracy || clearAltitude;
+  return latitude || longitude || altitude || offset || accuracy || clearAltitude || lookUpAltitude;
 }
 
 void PinChanges::apply(PinLocation& pin) const {
@@ -32,6 +33,8 @@ void PinChanges::apply(PinLocation& pin) const {
   }
   if (clearAltitude) pin.setAltitude(PinLocation::kUnknownAltitude);
   if (altitude) pin.setAltitude(*altitude);
+  // What was looked up is not set by hand.
+  if (lookUpAltitude && pin.isAltitudeSetManually()) pin.setAltitudeAccuracy(0);
   if (offset) pin.setAltitudeOffset(*offset);
   if (accuracy) pin.setAltitudeAccuracy(*accuracy);
 }
@@ -41,8 +44,14 @@ void addPinOptions(CLI::App& parser, PinChanges& changes) {
                  "-90 to 90, north positive");
   addValueOption(parser, "--longitude", changes.longitude, &longitudeFromArgument, "DEGREES",
                  "-180 to 180, east positive");
-  auto* altitude = addValueOption(parser, "--altitude", changes.altitude, &altitudeFromArgument,
-                                  "METRES", "Of the ground");
+  const auto altitudeOrLookUp = [&changes](const std::string& option, const std::string& text) {
+    changes.lookUpAltitude = text == kLookUp;
+    return changes.lookUpAltitude ? Expected<float>(PinLocation::kMissingAltitude)
+                                  : altitudeFromArgument(option, text);
+  };
+  auto* altitude =
+      addValueOption(parser, "--altitude", changes.altitude, altitudeOrLookUp, "METRES",
+                     "Of the ground; auto asks GeoNames, see vantrel lookup");
   parser
       .add_flag_callback(
           "--no-altitude", [&changes] { changes.clearAltitude = true; }, "Forget the altitude")
@@ -51,6 +60,24 @@ void addPinOptions(CLI::App& parser, PinChanges& changes) {
                  "Above the ground: a building, a tripod");
   addValueOption(parser, "--accuracy", changes.accuracy, &accuracyFromArgument, "CODE",
                  "Of the altitude; -1 is set by hand");
+}
+
+Expected<void> lookUpAltitude(PinChanges& changes,
+                              const std::optional<LocationCoordinate2D>& stored) {
+  if (!changes.lookUpAltitude) return {};
+  const auto fail = [](ExitCode code, const char* why) {
+    return tl::make_unexpected(failure(code, "--altitude auto", why));
+  };
+  if (!stored && !(changes.latitude && changes.longitude)) {
+    return fail(kExitUsage, "of which place? give --latitude and --longitude");
+  }
+  const LocationCoordinate2D at = stored.value_or(LocationCoordinate2D());
+  const auto found = altitudeOfPlace(
+      {changes.latitude.value_or(at.latitude), changes.longitude.value_or(at.longitude)});
+  if (!found) return tl::make_unexpected(found.error());
+  if (!*found) return fail(kExitMissing, "no altitude is known there");
+  changes.altitude = **found;
+  return {};
 }
 
 Expected<float> altitudeFromArgument(const std::string& option, const std::string& text) {

@@ -18,6 +18,7 @@ struct PinChanges {
   std::optional<float> offset;
   std::optional<std::int32_t> accuracy;
   bool clearAltitude = false;
+  bool lookUpAltitude = false;
 
   bool any() const;
   void apply(PinLocation& pin) const;
@@ -26,6 +27,11 @@ struct PinChanges {
 /// --latitude, --longitude, --altitude, --no-altitude, --offset and --accuracy; `changes` outlives
 /// the parsing.
 void addPinOptions(CLI::App& parser, PinChanges& changes);
+
+/// Asks a web service for the altitude, when that is what was given. The place is the one given;
+/// what it lacks is taken from `stored`. kExitMissing where no altitude is known.
+Expected<void> lookUpAltitude(PinChanges& changes,
+                              const std::optional<LocationCoordinate2D>& stored);
 
 /// Metres; none of the marks that stand for no altitude.
 Expected<float> altitudeFromArgument(const std::string& option, const std::string& text);

@@ -7,6 +7,7 @@
 #include "cli/Arguments.h"
 #include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
+#include "cli/PlaceService.h"
 #include "cli/PlanJson.h"
 #include "cli/PlanLookup.h"
 #include "cli/PlanTemplate.h"
@@ -30,7 +31,8 @@ constexpr std::array kFields = {
     Field{"name", "TEXT", "Title"},
     Field{"notes", "TEXT", "Notes"},
     Field{"date", "WHEN", "\"2026-07-15 23:40\", \"friday 05:30\", +3d, 2026-07-15T21:40:00Z"},
-    Field{"timezone", "ZONE", "Zone of the place, as Europe/Madrid (when new: else the device's)"},
+    Field{"timezone", "ZONE",
+          "Zone of the place, as Europe/Madrid (when new: else the device's), or auto: see lookup"},
     Field{"latitude", "DEGREES", "-90 to 90, north positive"},
     Field{"longitude", "DEGREES", "-180 to 180, east positive"},
 };
@@ -75,6 +77,41 @@ Expected<Changes> checkedChanges(const Given& given, TimeZone zone) {
   return changes;
 }
 
+bool asksForZone(const Given& given) {
+  const auto zone = given.find("timezone");
+  return zone != given.end() && zone->second == kLookUp;
+}
+
+/// What was given without the wish to look something up: it can be checked before anybody is asked.
+Given withoutAsking(Given given) {
+  if (asksForZone(given)) given.erase("timezone");
+  return given;
+}
+
+/// A coordinate that was given, else the plan's own.
+std::optional<double> coordinateOf(const Given& given, const std::string& key,
+                                   std::optional<double> stored) {
+  const auto text = given.find(key);
+  if (text == given.end()) return stored;
+  return text->second ? finiteNumber(*text->second) : std::nullopt;
+}
+
+/// What was given, with the zone that a web service names for the place when that is asked for.
+/// `plan` is the one to change; null for a new one.
+Expected<Given> withZoneOfPlace(Given given, const Planning* plan) {
+  if (!asksForZone(given)) return given;
+  const auto latitude = coordinateOf(given, "latitude", plan ? plan->latitude() : std::nullopt);
+  const auto longitude = coordinateOf(given, "longitude", plan ? plan->longitude() : std::nullopt);
+  if (!latitude || !longitude) {
+    return tl::make_unexpected(
+        failure(kExitUsage, "--timezone auto", "of which place? give --latitude and --longitude"));
+  }
+  return timeZoneOfPlace({*latitude, *longitude}).map([&](const TimeZone& zone) {
+    given["timezone"] = zone.name();
+    return given;
+  });
+}
+
 Expected<void> applyAndSave(const Changes& changes, Planning& plan) {
   for (const auto& [key, value] : changes) {
     if (!plan.setValueForKey(value, key)) {
@@ -89,7 +126,11 @@ int addPlan(const Given& given, Console& console) {
     return console.fail(failure(kExitUsage, "plan add", "give at least --name or --date"));
   }
   const TimeZone here = TimeZone::defaultTimeZone();
-  auto changes = checkedChanges(given, here);
+  auto changes = checkedChanges(withoutAsking(given), here).and_then([&](const Changes&) {
+    return withZoneOfPlace(given, nullptr).and_then([&](const Given& complete) {
+      return checkedChanges(complete, here);
+    });
+  });
   if (!changes) return console.fail(changes.error());
   // A wall time means little without its zone; a device's zone without a name cannot be kept.
   if (!given.contains("timezone") && TimeZone::timeZoneWithName(here.name())) {
@@ -121,11 +162,13 @@ int editPlan(const std::string& name, const Given& given, Console& console) {
                                 "nothing to change; see vantrel plan edit "
                                 "--help"));
   }
-  const auto checked = checkedChanges(given, TimeZone::defaultTimeZone());
+  const auto checked = checkedChanges(withoutAsking(given), TimeZone::defaultTimeZone());
   if (!checked) return console.fail(checked.error());
   return withPlan(contextForReading(), name, console, [&](const auto& plan) {
     // Wall time is the plan's own, so it is read again.
-    return checkedChanges(given, zoneOfPlan(*plan)).and_then([&](const Changes& changes) {
+    const auto complete = withZoneOfPlace(given, plan.get());
+    if (!complete) return Expected<void>(tl::make_unexpected(complete.error()));
+    return checkedChanges(*complete, zoneOfPlan(*plan)).and_then([&](const Changes& changes) {
       return applyAndSave(changes, *plan);
     });
   });

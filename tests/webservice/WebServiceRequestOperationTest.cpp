@@ -65,6 +65,10 @@ class Request : public WebServiceRequestOperation {
   std::shared_ptr<Listener> listener_;
 };
 
+std::string token() {
+  return WebServiceRequestOperation().token();
+}
+
 class WebServiceRequest : public testing::Test {
  protected:
   WebServiceRequest() {
@@ -193,7 +197,7 @@ TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
     test::LoopbackServer server({{"/", c.reply}});
     test::LogCapture log;
     const auto notices =
-        noticesOf(server.address() + "/?username=vantrel&token=xwQ_2016torrelabas&lat=1");
+        noticesOf(server.address() + "/?username=vantrel&token=" + token() + "&lat=1");
     EXPECT_THAT(notices, ElementsAre("active", "idle", HasSubstr(c.error)));
     EXPECT_THAT(notices.back(), testing::StartsWith("UrlSession "));
     EXPECT_THAT(log.text(),
@@ -243,7 +247,7 @@ TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     test::LoopbackServer server({{"/", {httpReply(body, "200 OK", c.headers)}}});
-    const std::string url = server.address() + "/?token=xwQ_2016torrelabas";
+    const std::string url = server.address() + "/?token=" + token();
     EXPECT_THAT(noticesOf(url), ElementsAre("active", "idle", "result 7"));
     const auto again = noticesOf(url);
     EXPECT_EQ(server.requests().size(), c.isKept ? 1u : 2u);
@@ -255,14 +259,14 @@ TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
 TEST_F(WebServiceRequest, KeepsNoAccountInItsCacheAndSurvivesGarbageThere) {
   const auto reply = httpReply(R"({"srtm3": 7})", "200 OK", "Cache-Control: max-age=3600\r\n");
   test::LoopbackServer server({{"/", {reply}}});
-  const std::string url = server.address() + "/?token=xwQ_2016torrelabas";
+  const std::string url = server.address() + "/?token=" + token();
   for (int i = 0; i < 2; ++i) {
     EXPECT_THAT(noticesOf(url), ElementsAre("active", "idle", "result 7"));
     int files = 0;
     for (const auto& file : std::filesystem::recursive_directory_iterator(cache_.path())) {
       if (!file.is_regular_file()) continue;
       ++files;
-      EXPECT_EQ(test::readFile(file).find("torrelabas"), std::string::npos) << file;
+      EXPECT_EQ(test::readFile(file).find(token()), std::string::npos) << file;
       EXPECT_EQ(file.status().permissions() & std::filesystem::perms(077),
                 std::filesystem::perms::none);
       test::writeFile(file, "garbage");

@@ -1,0 +1,96 @@
+#include "cli/PlaceService.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "cli/ChildProgram.h"
+#include "cli/ExitCode.h"
+#include "cli/JsonText.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Beside this program as it is built, or where it is installed. What else bears the name, in the
+/// current folder or on the PATH, is none of ours.
+std::optional<fs::path> lookupProgram() {
+  std::error_code error;
+  const fs::path own = fs::read_symlink("/proc/self/exe", error).parent_path();
+  if (error) return std::nullopt;
+  for (const char* place : {"vantrel-lookup", VANTREL_LIBEXEC_FROM_BIN "/vantrel-lookup"}) {
+    const fs::path program = (own / place).lexically_normal();
+    if (fs::is_regular_file(program, error)) return program;
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string> argumentsFor(const std::string& subject, LocationCoordinate2D place,
+                                      const PlaceService& service) {
+  std::vector<std::string> arguments;
+  if (service.google) arguments.emplace_back("--google");
+  if (service.username) arguments.push_back("--username=" + *service.username);
+  if (service.keyFile) arguments.push_back("--key-file=" + *service.keyFile);
+  // Behind "--" a sign begins no option.
+  arguments.insert(arguments.end(), {"--", subject, fmt::format("{:.6f}", place.latitude),
+                                     fmt::format("{:.6f}", place.longitude)});
+  return arguments;
+}
+
+/// What vantrel-lookup answers: an object with the subject's value.
+Expected<Json> lookUp(const std::string& subject, LocationCoordinate2D place,
+                      const PlaceService& service) {
+  const std::string what = "lookup " + subject;
+  constexpr double kMostLatitude = 90;
+  constexpr double kMostLongitude = 180;
+  // A place that was stored may be anything.
+  if (!(std::fabs(place.latitude) <= kMostLatitude &&
+        std::fabs(place.longitude) <= kMostLongitude)) {
+    return tl::make_unexpected(failure(kExitBadData, what, "there is no such place on Earth"));
+  }
+  const auto program = lookupProgram();
+  if (!program) {
+    return tl::make_unexpected(
+        failure(kExitUnavailable, what, "vantrel-lookup is not installed beside this program"));
+  }
+  const auto ended = outputOfProgram(*program, argumentsFor(subject, place, service));
+  if (!ended) return tl::make_unexpected(ended.error());
+  Json answer = Json::parse(ended->output, nullptr, false);
+  if (!answer.is_object()) {
+    return tl::make_unexpected(
+        failure(kExitInternal, what, "vantrel-lookup ended without an answer"));
+  }
+  if (ended->exitCode == kExitDone) return answer;
+  return tl::make_unexpected(failure(static_cast<ExitCode>(ended->exitCode), what,
+                                     answer.value("error", std::string("failed"))));
+}
+
+}  // namespace
+
+Expected<std::optional<float>> altitudeOfPlace(LocationCoordinate2D place,
+                                               const PlaceService& service) {
+  return lookUp("altitude", place, service).map([](const Json& answer) {
+    const auto altitude = answer.find("altitude");
+    return altitude != answer.end() && altitude->is_number() ? std::optional(altitude->get<float>())
+                                                             : std::nullopt;
+  });
+}
+
+Expected<TimeZone> timeZoneOfPlace(LocationCoordinate2D place, const PlaceService& service) {
+  return lookUp("timezone", place, service).and_then([](const Json& answer) -> Expected<TimeZone> {
+    const std::string name = answer.value("timezone", Json()).is_string()
+                                 ? answer["timezone"].get<std::string>()
+                                 : std::string();
+    if (const auto zone = TimeZone::timeZoneWithName(name)) return *zone;
+    const std::string why = name.empty() ? "the service knows none there"
+                                         : "this system knows no zone \"" + name + "\"";
+    return tl::make_unexpected(failure(kExitBadData, "lookup timezone", why));
+  });
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,56 @@
+#include <QCoreApplication>
+#include <QNetworkProxyFactory>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "base/Log.h"
+#include "cli/ExitCode.h"
+#include "lookup/Account.h"
+#include "lookup/Lookup.h"
+#include "lookup/LookupOptions.h"
+#include "platform/Paths.h"
+#include "platform/qt/QtMainQueue.h"
+#include "platform/qt/QtUrlSession.h"
+
+namespace vantrel {
+
+namespace {
+
+Expected<nlohmann::json> answer(LookupOptions options) {
+  if (const auto read = options.readEnvironment(); !read) return tl::make_unexpected(read.error());
+  QNetworkProxyFactory::setUseSystemConfiguration(true);
+  MainQueue::install(std::make_shared<QtMainQueue>());
+  auto cache = paths::cacheDirectory();
+  if (cache) *cache /= "lookups";
+  UrlSession::install(std::make_shared<QtUrlSession>(cache, QtUrlSession::Limits()));
+  return accountOfUser(options).and_then(
+      [&](const auto& account) { return lookUp(options, account); });
+}
+
+int run(const LookupOptions& options) {
+  const auto result = answer(options);
+  const auto json =
+      result ? *result : nlohmann::json{{"error", result.error().localizedDescription}};
+  const std::string text =
+      json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  return result ? cli::kExitDone : cli::exitCodeForError(result.error());
+}
+
+}  // namespace
+
+}  // namespace vantrel
+
+int main(int argc, char** argv) {
+  vantrel::LookupOptions options;
+  if (const auto code = vantrel::LookupOptions::parse(argc, argv, options)) return *code;
+  // What goes wrong is told once, in the answer.
+  vantrel::setLogsEnabled(false);
+  const QCoreApplication application(argc, argv);
+  const int code = vantrel::run(options);
+  std::fflush(stdout);
+  // An orderly end would wait for a name server that is silent.
+  std::_Exit(code);
+}
