@@ -1,0 +1,10 @@
+// The fuzzer's way into the target that the build names.
+
+#include <cstdint>
+
+#include "Targets.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  vantrel::fuzz::VANTREL_FUZZ_TARGET(std::as_bytes(std::span(data, size)));
+  return 0;
+}

@@ -1,0 +1,65 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "Scratch.h"
+#include "Targets.h"
+#include "base/Log.h"
+#include "base/PercentEncoding.h"
+#include "cli/PlanLink.h"
+#include "cli/Program.h"
+
+namespace vantrel::fuzz {
+
+namespace {
+
+/// Commands that start other programs, go to the network or never end.
+constexpr std::array kLeftOut = {"open", "lookup", "watch", "import", "export", "auto", "-"};
+
+void useScratchFolder() {
+  static const Scratch scratch;
+  ::setenv("HOME", scratch.folder().c_str(), 1);
+  ::setenv("VANTREL_GROUP_CONTAINER", (scratch.folder() / "group").c_str(), 1);
+  const int nowhere = ::open("/dev/null", O_RDWR);
+  ::dup2(nowhere, STDIN_FILENO);
+  ::dup2(nowhere, STDOUT_FILENO);
+  ::close(nowhere);
+}
+
+}  // namespace
+
+void link(Bytes input) {
+  const auto uri = cli::uriFromLink(std::string(textOf(input)));
+  if (!uri) return;
+  const auto again = cli::uriFromLink("vantrel://plan?id=" + *uri);
+  promise(!again || *again == *uri, "a link names one plan");
+  promise(uri->starts_with("x-coredata://") && uri->find("..") == std::string::npos,
+          "a link names a plan of the store and no file");
+}
+
+/// Words divided by line feeds.
+void commandLine(Bytes input) {
+  static const bool once = (useScratchFolder(), setLogsEnabled(false), true);
+  promise(once, "the surroundings are made");
+  std::vector<std::string> words;
+  std::string text(textOf(input));
+  for (std::size_t start = 0; start <= text.size();) {
+    const auto end = std::min(text.find('\n', start), text.size());
+    words.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  const bool isLeftOut = std::any_of(words.begin(), words.end(), [](const auto& word) {
+    return std::find(kLeftOut.begin(), kLeftOut.end(), word) != kLeftOut.end();
+  });
+  const bool hasNul = text.find('\0') != std::string::npos;
+  if (isLeftOut || hasNul || words.size() > 32) return;
+  const int code = cli::runProgram(words);
+  promise(code >= 0 && code <= 130 && code != 70, "no command fails inside");
+}
+
+}  // namespace vantrel::fuzz

@@ -1,0 +1,72 @@
+#include "Targets.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "geo/VTObserver.h"
+#include "objectstore/ManagedObjectModel.h"
+#include "platform/KeyedUnarchiver.h"
+#include "platform/PropertyList.h"
+#include "platform/StringTable.h"
+
+namespace vantrel::fuzz {
+
+namespace {
+
+/// References may form circles: whoever walks an archive bounds the way.
+constexpr int kMostSteps = 64;
+
+void walk(const KeyedUnarchiver::Node& node, int steps) {
+  if (!node || steps == 0) return;
+  node.className();
+  node.string();
+  node.date();
+  node.data();
+  node.uuid();
+  const auto items = node.array();
+  if (!items.empty()) walk(items.front(), steps - 1);
+  const auto entries = node.dictionary();
+  if (!entries.empty()) walk(entries.back().second, steps - 1);
+  walk(node.decodeObjectForKey("NSEntities"), steps - 1);
+}
+
+}  // namespace
+
+void promise(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "broken promise: %s\n", what);
+  std::abort();
+}
+
+void propertyList(Bytes input) {
+  const auto list = PropertyList::propertyListWithData(input);
+  if (!list) return;
+  const Data written = list->binaryData();
+  const auto again = PropertyList::propertyListWithData(written);
+  promise(again.has_value(), "what was read and written can be read again");
+  promise(again->binaryData() == written, "a property list is written alike each time");
+}
+
+void observerArchive(Bytes input) {
+  const auto observer = VTObserver::unarchivedObserver(input);
+  if (!observer) return;
+  observer->pinSubtitle();
+  observer->heightAboveHorizonString();
+  const Data written = observer->archivedData();
+  const auto again = VTObserver::unarchivedObserver(written);
+  promise(again.has_value(), "an observer that was read can be written and read again");
+  promise(again->archivedData() == written, "an observer is written alike each time");
+}
+
+void modelArchive(Bytes input) {
+  if (const auto archive = KeyedUnarchiver::unarchiverWithData(input))
+    walk(archive->root(), kMostSteps);
+  const auto model = ManagedObjectModel::modelWithData(input);
+  if (model) model->versionHashes();
+}
+
+void stringTable(Bytes input) {
+  stringTableWithData(input);
+}
+
+}  // namespace vantrel::fuzz
