@@ -17,6 +17,7 @@
 #include "today/AppId.h"
 #include "today/ApplicationService.h"
 #include "today/Autostart.h"
+#include "today/DesktopNotice.h"
 #include "today/Options.h"
 #include "today/PlanOpening.h"
 #include "today/Render.h"
@@ -81,7 +82,10 @@ int showWindow(int argc, char** argv, Options options) {
   if (options.link) {
     if (const auto plan = planOfLink(*options.link); !plan) {
       logLine("vantrel-today: " + plan.error().localizedDescription);
-      return cli::exitCodeForError(plan.error());
+      showNotice(messageForLinkError(plan.error()));
+      // Not through the toolkit's own end: the bus's thread may still be at work, and would
+      // complain.
+      std::_Exit(cli::exitCodeForError(plan.error()));
     }
   }
   const auto usualHandler = qInstallMessageHandler(explainMissingDisplay);
