@@ -153,7 +153,7 @@ TEST(GeodeticCalculator, TheQuickFormAgreesWithThePlainOne) {
       {"any distance", [&] { return r.apart(-16, 0.3); }, 0},
       {"where it begins", [&] { return r.apart(-4.8, -3.3); }, 1000},
       {"any distance from opposite", [&] { return r.apart(-16, 0.3, true); }, 0},
-      {"where it ends", [&] { return r.apart(-0.9, -0.5, true); }, 1000},
+      {"where it ends", [&] { return r.apart(-2.5, -0.5, true); }, 1000},
       {"over the date line",
        [&] {
          return with(with(r.apart(-4.8, -1.8), &VincentyInverse::lambda1, r.between(3.14, r.kPi)),
