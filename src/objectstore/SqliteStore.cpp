@@ -6,14 +6,15 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 
-#include "base/Uuid.h"
 #include "objectstore/AttributeValues.h"
+#include "objectstore/ExternalData.h"
+#include "objectstore/StoreCopy.h"
+#include "objectstore/StoreDraft.h"
 #include "objectstore/StoreError.h"
 #include "objectstore/StoreReader.h"
 #include "objectstore/StoreSchema.h"
@@ -39,41 +40,29 @@ std::optional<std::int64_t> numericVersion(const std::vector<std::string>& ident
   return largest;
 }
 
-/// Makes the file beside its place and moves it there when it is whole, so that nobody ever sees a
-/// part of it. Gives way to a file that another program put there meanwhile.
-void createFile(const fs::path& path, const ManagedObjectModel& model) {
-  for (const char* suffix : {"-wal", "-journal"}) {
-    std::error_code error;
-    const auto log = fs::path(path) += suffix;
-    const auto size = fs::file_size(log, error);
-    // SQLite would write a lost store's pages into the new one. (A program that makes the store
-    // now has the file in place before there is a log.)
-    if (error || size == 0 || fs::exists(path, error)) continue;
-    failStore(StoreErrorCode::kCannotCreate,
-              "a part of a store that is missing is in the way: " + log.filename().string());
-  }
-  fs::path draft = path;
-  draft += "." + uuidString();
-  struct Removal {
-    fs::path path;
-    ~Removal() {
-      for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-        std::error_code ignored;
-        fs::remove(fs::path(path) += suffix, ignored);
-      }
-    }
-  };
-  auto connection = StoreConnection::create(draft);
-  const Removal removal{draft};
-  createStoreSchema(*connection, model);
-  // The file must be whole without its log; closing alone would not tell that it is not.
+/// The file must be whole without its log; closing alone would not tell that it is not.
+void closeWhole(std::unique_ptr<StoreConnection> connection) {
   connection->database().exec("PRAGMA wal_checkpoint(TRUNCATE)");
-  connection.reset();
-  if (::link(draft.c_str(), path.c_str()) == 0 || errno == EEXIST) return;
-  // Some file systems know no second name for a file.
-  std::error_code error;
-  if (!fs::exists(path, error)) fs::rename(draft, path, error);
-  if (error) failStore(StoreErrorCode::kCannotCreate, "the store cannot be made");
+}
+
+/// Gives way to a file that another program puts there meanwhile.
+void createFile(const fs::path& path, const ManagedObjectModel& model) {
+  StoreDraft draft(path);
+  auto connection = StoreConnection::open(draft.file(), false);
+  createStoreSchema(*connection, model);
+  closeWhole(std::move(connection));
+  draft.publish();
+}
+
+Error errorFromSystem(const std::error_code& code) {
+  if (code == std::errc::no_space_on_device || code == std::errc::file_too_large ||
+      code.value() == EDQUOT) {
+    return storeError(StoreErrorCode::kDiskFull, "the disk is full");
+  }
+  if (code == std::errc::permission_denied || code == std::errc::operation_not_permitted) {
+    return storeError(StoreErrorCode::kPermission, "the store's files may not be used");
+  }
+  return storeError(StoreErrorCode::kInputOutput, "reading or writing the store's files failed");
 }
 
 }  // namespace
@@ -90,6 +79,11 @@ auto SqliteStore::guarded(Function function) -> Expected<decltype(function())> {
   } catch (StoreFailure& failure) {
     failure.error.userInfo.emplace("path", url_.string());
     return tl::unexpected(std::move(failure.error));
+  } catch (const fs::filesystem_error& exception) {
+    Error error = errorFromSystem(exception.code());
+    error.userInfo.emplace("path", url_.string());
+    error.userInfo.emplace("reason", exception.what());
+    return tl::unexpected(std::move(error));
   } catch (const SQLite::Exception& exception) {
     const int code = std::max(exception.getErrorCode(), exception.getExtendedErrorCode());
     const int systemError =
@@ -123,6 +117,36 @@ Expected<StoreMetadata> SqliteStore::metadataAt(const fs::path& url) {
   return store.guarded([&] {
     store.connection_ = StoreConnection::open(url, true);
     return readStoreMetadata(*store.connection_);
+  });
+}
+
+Expected<void> SqliteStore::copy(const fs::path& from, const fs::path& to,
+                                 const StoreOptions& options,
+                                 const std::shared_ptr<const ManagedObjectModel>& model) {
+  std::error_code error;
+  if (fs::exists(fs::symlink_status(to, error))) {
+    return tl::unexpected(storeError(StoreErrorCode::kCannotCreate, "there is a file already",
+                                     {{"path", to.string()}}));
+  }
+  // Errors of making it are about the new store, all others about the old one.
+  std::unique_ptr<StoreDraft> made;
+  const auto begun = SqliteStore(to, model).guarded(
+      [&] { made = std::make_unique<StoreDraft>(fs::absolute(to)); });
+  if (!begun) return begun;
+  return SqliteStore(from, model).guarded([&] {
+    StoreDraft& draft = *made;
+    copyStore(from, draft);
+    SqliteStore store(draft.file(), model);
+    store.connection_ = StoreConnection::open(draft.file(), false);
+    if (isEmptyStore(*store.connection_)) {
+      failStore(StoreErrorCode::kNotAStore, "the file is not a store");
+    }
+    store.openFile(options);
+    store.checkMetadata(options);
+    closeWhole(std::move(store.connection_));
+    if (!draft.publish()) {
+      failStore(StoreErrorCode::kCannotCreate, "another program has made the new store meanwhile");
+    }
   });
 }
 
@@ -303,6 +327,10 @@ Expected<std::vector<std::int64_t>> SqliteStore::save(const ChangeSet& changes) 
     auto written = writer.write(changes);
     transaction.commit();
     connection_->noteWritten();
+    for (const auto& name : writer.releasedFiles()) {
+      std::error_code ignored;
+      fs::remove(externalFile(url_, name), ignored);
+    }
     return written;
   });
   // What was looked up while writing may have been taken back.

@@ -37,6 +37,13 @@ class SqliteStore {
       std::shared_ptr<const ManagedObjectModel> model);
   /// What a file says of itself, read without writing to it.
   static Expected<StoreMetadata> metadataAt(const std::filesystem::path& url);
+  /// Makes a store at `to` with all that the one at `from` holds, its identity, pictures and
+  /// unknown content included, migrated as opening it would. Either a whole store comes to be or
+  /// none, also when the program is killed; the old one is only read. Fails when there is a file at
+  /// `to`.
+  static Expected<void> copy(const std::filesystem::path& from, const std::filesystem::path& to,
+                             const StoreOptions& options,
+                             const std::shared_ptr<const ManagedObjectModel>& model);
   ~SqliteStore();
   SqliteStore(const SqliteStore&) = delete;
   SqliteStore& operator=(const SqliteStore&) = delete;

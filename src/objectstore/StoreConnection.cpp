@@ -3,7 +3,6 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
-#include <fcntl.h>
 #include <sqlite3.h>
 #include <unistd.h>
 
@@ -22,7 +21,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kLockWaitMilliseconds = 5000;
-constexpr mode_t kPrivate = S_IRUSR | S_IWUSR;
 
 fs::path beside(const fs::path& path, const char* suffix) {
   fs::path result = path;
@@ -159,29 +157,6 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
 
 void StoreConnection::noteWritten() {
   sqlite3_db_config(database_->getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
-}
-
-std::unique_ptr<StoreConnection> StoreConnection::create(const fs::path& path) {
-  const int file = ::open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kPrivate);
-  if (file < 0) {
-    switch (errno) {
-      case EACCES:
-      case EPERM:
-        failStore(StoreErrorCode::kPermission, "the store's folder may not be written");
-      case ENOSPC:
-      case EDQUOT:
-        failStore(StoreErrorCode::kDiskFull, "the disk is full");
-      case ENOENT:
-      case ENOTDIR:
-        failStore(StoreErrorCode::kCannotCreate, "the store's folder does not exist");
-      default:
-        failStore(StoreErrorCode::kCannotCreate, "the store cannot be made");
-    }
-  }
-  ::close(file);
-  std::unique_ptr<StoreConnection> connection(new StoreConnection);
-  connection->connect(path.string(), SQLite::OPEN_READWRITE);
-  return connection;
 }
 
 void StoreConnection::setPragmas(const std::map<std::string, std::string>& pragmas) {

@@ -41,8 +41,6 @@ class StoreConnection {
   /// Opens an existing file. A file that may not be written is opened read only. Throws
   /// StoreFailure with one clear reason.
   static std::unique_ptr<StoreConnection> open(const std::filesystem::path& path, bool readOnly);
-  /// Makes a file of its own, readable for the user alone, that must not exist yet.
-  static std::unique_ptr<StoreConnection> create(const std::filesystem::path& path);
   ~StoreConnection();
   StoreConnection(const StoreConnection&) = delete;
   StoreConnection& operator=(const StoreConnection&) = delete;

@@ -6,11 +6,10 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <type_traits>
 
 #include "objectstore/AttributeValues.h"
+#include "objectstore/ExternalData.h"
 #include "objectstore/StoreError.h"
 
 namespace vantrel {
@@ -129,28 +128,9 @@ RowSnapshot readRow(sqlite3_stmt* row, const RowKind& kind, RowBuilder& builder)
   return builder.finish(sqlite3_column_int64(row, 2));
 }
 
-/// Large values: a first byte tells whether they follow, or the name of a file that holds them.
-/// Other models keep them as they are, and no kind of picture begins with either byte.
-Value unwrappedBytes(std::string_view stored, const std::filesystem::path& storeUrl) {
-  constexpr char kInline = 1;
-  constexpr char kFile = 2;
-  constexpr std::size_t kNameLength = 36;
-  const auto toBytes = [](std::string_view text) {
-    const auto* bytes = reinterpret_cast<const std::byte*>(text.data());
-    return std::vector<std::byte>(bytes, bytes + text.size());
-  };
-  if (stored.empty()) return {};
-  if (stored.front() == kInline) return toBytes(stored.substr(1));
-  const std::string name(stored.substr(1, kNameLength));
-  const bool isName = name.size() == kNameLength && name.find('/') == std::string::npos &&
-                      name.find('\0') == std::string::npos;
-  if (stored.front() != kFile) return toBytes(stored);
-  if (!isName) return {};
-  std::ifstream file(storeUrl.parent_path() / ("." + storeUrl.stem().string() + "_SUPPORT") /
-                         "_EXTERNAL_DATA" / name,
-                     std::ios::binary);
-  if (!file) return {};
-  return toBytes(std::string(std::istreambuf_iterator<char>(file), {}));
+std::vector<std::byte> bytesOf(std::string_view text) {
+  const auto* bytes = reinterpret_cast<const std::byte*>(text.data());
+  return {bytes, bytes + text.size()};
 }
 
 }  // namespace
@@ -253,9 +233,9 @@ Value StoreReader::bytes(const EntityDescription& entity, std::size_t slot, std:
             {key});
   if (!rows.next() || sqlite3_column_type(rows.statement(), 0) != SQLITE_BLOB) return {};
   const std::string_view content = textOfColumn(rows.statement(), 0);
-  if (entity.attributes[slot].storesExternally) return unwrappedBytes(content, storeUrl);
-  const auto* bytes = reinterpret_cast<const std::byte*>(content.data());
-  return std::vector<std::byte>(bytes, bytes + content.size());
+  if (!entity.attributes[slot].storesExternally) return bytesOf(content);
+  const auto value = unwrappedBytes(content, storeUrl);
+  return value ? Value(bytesOf(*value)) : Value();
 }
 
 }  // namespace vantrel

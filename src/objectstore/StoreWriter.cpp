@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "objectstore/AttributeValues.h"
+#include "objectstore/ExternalData.h"
 #include "objectstore/StoreError.h"
 
 namespace vantrel {
@@ -17,6 +18,11 @@ namespace {
 [[noreturn]] void failConflict(const RowChange& change) {
   failStore(StoreErrorCode::kConflict, "another program changed the same object meanwhile",
             {{"entity", change.entity->name}, {"key", std::to_string(change.key)}});
+}
+
+std::optional<std::string> fileNamedBy(const SQLite::Column& column) {
+  const auto* bytes = static_cast<const char*>(column.getBlob());
+  return externalFileName({bytes, bytes ? static_cast<std::size_t>(column.getBytes()) : 0});
 }
 
 bool isAbsent(const Value& value) {
@@ -37,6 +43,7 @@ std::vector<std::int64_t> StoreWriter::write(const ChangeSet& changes) {
   for (const auto& change : changes.updated) update(change);
   for (const auto& change : changes.deleted) remove(change);
   for (const auto& change : changes.deleted) removeReferences(change);
+  keepSharedFiles();
   return std::move(keys_);
 }
 
@@ -166,6 +173,7 @@ void StoreWriter::insert(const RowChange& change, std::int64_t key) {
 void StoreWriter::update(const RowChange& change) {
   std::string assignments;
   const auto values = columnValues(change);
+  for (const auto& [slot, value] : change.values) releaseFile(change, slot);
   for (const auto& value : values) assignments += sqlName(value.column) + " = ?, ";
   const auto statement = connection_.statement(
       "UPDATE " + sqlName(entities_.stored(*change.entity).table) + " SET " + assignments +
@@ -179,6 +187,9 @@ void StoreWriter::update(const RowChange& change) {
 
 void StoreWriter::remove(const RowChange& change) {
   const std::string table = sqlName(entities_.stored(*change.entity).table);
+  for (std::size_t slot = 0; slot < change.entity->attributes.size(); ++slot) {
+    releaseFile(change, slot);
+  }
   const auto statement =
       connection_.statement("DELETE FROM " + table + " WHERE Z_PK = ? AND coalesce(Z_OPT, 0) = ?");
   statement->bind(1, change.key);
@@ -188,6 +199,32 @@ void StoreWriter::remove(const RowChange& change) {
   const auto query = connection_.statement("SELECT 1 FROM " + table + " WHERE Z_PK = ?");
   query->bind(1, change.key);
   if (query->executeStep()) failConflict(change);
+}
+
+void StoreWriter::releaseFile(const RowChange& change, std::size_t slot) {
+  const StoredEntity& stored = entities_.stored(*change.entity);
+  const bool isExternal = change.entity->attributes[slot].storesExternally;
+  if (!isExternal || stored.columns[slot].empty()) return;
+  const auto query = connection_.statement("SELECT " + sqlName(stored.columns[slot]) + " FROM " +
+                                           sqlName(stored.table) + " WHERE Z_PK = ?");
+  query->bind(1, change.key);
+  const auto name = query->executeStep() ? fileNamedBy(query->getColumn(0)) : std::nullopt;
+  if (!name) return;
+  releasedFiles_.insert(*name);
+  releasingColumns_.emplace(stored.table, stored.columns[slot]);
+}
+
+/// Copies of a row may share its file.
+void StoreWriter::keepSharedFiles() {
+  for (const auto& [table, name] : releasingColumns_) {
+    const std::string column = sqlName(name);
+    const auto query = connection_.statement("SELECT " + column + " FROM " + sqlName(table) +
+                                             " WHERE length(" + column + ") = ?");
+    query->bind(1, static_cast<std::int64_t>(kExternalReferenceSize));
+    while (query->executeStep()) {
+      if (const auto file = fileNamedBy(query->getColumn(0))) releasedFiles_.erase(*file);
+    }
+  }
 }
 
 void StoreWriter::removeReferences(const RowChange& change) {

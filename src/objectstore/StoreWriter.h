@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "objectstore/ChangeSet.h"
@@ -20,6 +22,9 @@ class StoreWriter {
 
   /// Gives the keys of the inserted rows in order.
   std::vector<std::int64_t> write(const ChangeSet& changes);
+  /// Names of the files with large values that no row refers to any more: to be removed once the
+  /// transaction is committed.
+  const std::set<std::string>& releasedFiles() const { return releasedFiles_; }
 
  private:
   void allocateKeys(const std::vector<RowChange>& inserted);
@@ -29,6 +34,8 @@ class StoreWriter {
   void update(const RowChange& change);
   void remove(const RowChange& change);
   void removeReferences(const RowChange& change);
+  void releaseFile(const RowChange& change, std::size_t slot);
+  void keepSharedFiles();
   struct ColumnValue {
     std::string column;
     Value value;
@@ -44,6 +51,8 @@ class StoreWriter {
   const ManagedObjectModel& model_;
   std::map<const EntityDescription*, std::int64_t> numbers_;
   std::vector<std::int64_t> keys_;
+  std::set<std::string> releasedFiles_;
+  std::set<std::pair<std::string, std::string>> releasingColumns_;  ///< Table and column.
 };
 
 }  // namespace vantrel
