@@ -34,6 +34,8 @@ void fillOpenCommand(CLI::App& parser, Session& session);
 void fillGeoCommands(CLI::App& parser, Session& session);
 void fillUnitsCommands(CLI::App& parser, Session& session);
 void fillStoreCommands(CLI::App& parser, Session& session);
+/// Those of the store's commands that move and repair it.
+void fillStoreUpkeepCommands(CLI::App& parser, Session& session);
 void fillPlannerCommands(CLI::App& parser, Session& session);
 void fillObserverCommands(CLI::App& parser, Session& session);
 void fillObstacleCommands(CLI::App& parser, Session& session);

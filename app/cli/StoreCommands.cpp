@@ -78,6 +78,7 @@ void fillStoreCommands(CLI::App& parser, Session& session) {
       ->callback([&session] { session.exitCode = showStore(session.console); });
   parser.add_subcommand("sample", "Add eight sample plans on coming days; makes the store")
       ->callback([&session] { session.exitCode = addSamples(session.console); });
+  fillStoreUpkeepCommands(parser, session);
 }
 
 }  // namespace vantrel::cli

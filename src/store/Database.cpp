@@ -99,18 +99,23 @@ std::shared_ptr<ManagedObjectModel> Database::staticManagedObjectModel() {
   return staticManagedObjectModel_;
 }
 
+StoreOptions Database::mainStoreOptions() {
+  StoreOptions options;
+  options.migratePersistentStoresAutomatically = true;
+  options.inferMappingModelAutomatically = true;
+  // What the list of plans cannot do without; the phone's own model has more, or other hashes.
+  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
+  return options;
+}
+
 std::shared_ptr<PersistentStoreCoordinator> Database::persistentStoreCoordinator() {
   if (persistentStoreCoordinator_) return persistentStoreCoordinator_;
   const auto url = groupStoreURL();
   std::error_code error;
   if (url && !fs::exists(*url, error)) paths::createPrivateDirectory(url->parent_path());
   persistentStoreCoordinator_ = std::make_shared<PersistentStoreCoordinator>(managedObjectModel());
-  StoreOptions options;
-  options.migratePersistentStoresAutomatically = true;
-  options.inferMappingModelAutomatically = true;
-  // What the list of plans cannot do without; the phone's own model has more, or other hashes.
-  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
-  addStore(*persistentStoreCoordinator_, url, options, modelFailure_, "persistent_store");
+  addStore(*persistentStoreCoordinator_, url, mainStoreOptions(), modelFailure_,
+           "persistent_store");
   return persistentStoreCoordinator_;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,10 +45,41 @@ class Database {
   std::shared_ptr<PersistentStoreCoordinator> staticPersistentStoreCoordinator();
   ManagedObjectContext* staticManagedObjectContext();
 
+  /// Copies a store with its pictures to a place where there is none yet, and brings the copy to
+  /// the current model. False, and nothing is there, when that fails; the old store is only read.
+  bool migrateDatabase(const std::filesystem::path& url,
+                       const std::filesystem::path& toNewDatabase);
+  /// The same, telling why it failed.
+  Expected<void> copyDatabase(const std::filesystem::path& url,
+                              const std::filesystem::path& toNewDatabase);
+  /// Whether the model of the store in the group container differs from that of the main
+  /// coordinator; also when either is not there (the coordinator before it was first asked for).
+  bool isMigrationNeeded() const;
+  /// Gives every record without a unique identifier one, and resets the main context, which must
+  /// have been asked for before: objects fetched from it must be fetched again. Nothing changes
+  /// when the store cannot be written as a whole.
+  void performUpdatesFrom3To4();
+
+  using Objects = ManagedObjectContext::Objects;
+  using Comparison = std::function<bool(const ManagedObject& earlier, const ManagedObject& later)>;
+  /// The objects that equal an earlier one, in the order of the pairs: one that equals several is
+  /// named for each of them. Compares each with each; the comparison may be of any kind.
+  Objects duplicateObjectsInArray(const Objects& array, const Comparison& withCompare) const;
+  /// Every plan, point of interest and camera of the main context that is a duplicate, each once.
+  /// Fails when the pictures of a foreign store's records cannot be counted: what differs only in
+  /// pictures would be taken for a duplicate. What cannot be fetched has no duplicates.
+  Expected<Objects> duplicateObjects();
+  /// On a later turn of the main queue: deletes those duplicates and saves, all or nothing; nothing
+  /// is saved when there are none. The completion, which must not be empty, is called once, on the
+  /// main queue, with the error if there was one. The database must outlive that.
+  void removeDuplicatesWithCompletion(std::function<void(const std::optional<Error>&)> completion);
+
   std::shared_ptr<DatabaseDelegate> delegate() const { return delegate_.lock(); }
   void setDelegate(const std::shared_ptr<DatabaseDelegate>& delegate) { delegate_ = delegate; }
 
  private:
+  /// How the main store is opened, wherever it lies.
+  static StoreOptions mainStoreOptions();
   void addStore(PersistentStoreCoordinator& coordinator,
                 const std::optional<std::filesystem::path>& url, const StoreOptions& options,
                 const std::optional<Error>& modelFailure, const std::string& textsName);

@@ -1,0 +1,151 @@
+#include <CLI/App.hpp>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "cli/CommandGroup.h"
+#include "cli/ExitCode.h"
+#include "cli/JsonText.h"
+#include "cli/StoreAccess.h"
+#include "platform/SerialMainQueue.h"
+#include "store/Database.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+/// What a number of records was, and is now.
+struct Change {
+  std::size_t before = 0;
+  std::size_t after = 0;
+
+  std::string text() const {
+    return std::to_string(before) + " before, " + std::to_string(after) + " after";
+  }
+  Json json() const { return {{"before", before}, {"after", after}}; }
+};
+
+int copyStore(const std::string& from, const std::string& to, Console& console) {
+  const auto copied = Database::sharedInstance().copyDatabase(from, to);
+  return copied ? kExitDone : console.fail(copied.error());
+}
+
+/// Records of all entities that bear no unique identifier.
+Expected<std::size_t> countWithoutIdentifier(ManagedObjectContext& context) {
+  std::size_t sum = 0;
+  for (const auto& entity :
+       context.persistentStoreCoordinator()->managedObjectModel()->entities()) {
+    // Records of a kind are counted with those it is a kind of.
+    if (!entity.superentityName.empty()) continue;
+    const auto count = context.countForFetchRequest(
+        {.entityName = entity.name, .predicate = Predicate::isNil("uniqueIdentifier")});
+    if (!count) return tl::make_unexpected(count.error());
+    sum += *count;
+  }
+  return sum;
+}
+
+int giveIdentifiers(Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto before = countWithoutIdentifier(**context);
+  if (!before) return console.fail(before.error());
+  Database::sharedInstance().performUpdatesFrom3To4();
+  const auto after = countWithoutIdentifier(**context);
+  if (!after) return console.fail(after.error());
+  const Change change{*before, *after};
+  console.print(console.isJson() ? jsonText({{"withoutIdentifier", change.json()}})
+                                 : "Without identifier  " + change.text() + "\n");
+  if (change.after == 0) return kExitDone;
+  return console.fail(failure(kExitInputOutput, "store identifiers",
+                              std::to_string(change.after) + " records could not be given one"));
+}
+
+struct Kind {
+  const char* entityName;
+  const char* label;
+  const char* jsonKey;
+};
+constexpr std::array kKinds = {Kind{"Planning", "Plans", "plans"},
+                               Kind{"CustomPoi", "Places", "customPois"},
+                               Kind{"CustomCamera", "Cameras", "customCameras"}};
+using Changes = std::array<Change, kKinds.size()>;
+
+Expected<std::size_t> countOfKind(const Kind& kind, ManagedObjectContext& context) {
+  return context.countForFetchRequest({.entityName = kind.entityName});
+}
+
+Expected<void> removeDuplicates() {
+  const auto queue = std::make_shared<SerialMainQueue>();
+  MainQueue::install(queue);
+  Expected<void> result;
+  Database::sharedInstance().removeDuplicatesWithCompletion([&](const auto& error) {
+    if (error) result = tl::make_unexpected(*error);
+  });
+  queue->runUntilEmpty();
+  return result;
+}
+
+/// How many of each kind would be left.
+Expected<void> foretell(Changes& changes) {
+  return Database::sharedInstance().duplicateObjects().map([&](const auto& duplicates) {
+    for (std::size_t i = 0; i < kKinds.size(); ++i) {
+      const auto count = std::count_if(
+          duplicates.begin(), duplicates.end(),
+          [&](const auto& object) { return object->entity().name == kKinds[i].entityName; });
+      changes[i].after = changes[i].before - static_cast<std::size_t>(count);
+    }
+  });
+}
+
+int dedupe(bool isDryRun, Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  Changes changes;
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    const auto count = countOfKind(kKinds[i], **context);
+    if (!count) return console.fail(count.error());
+    changes[i].before = *count;
+  }
+  const auto done = isDryRun ? foretell(changes) : removeDuplicates();
+  if (!done) return console.fail(done.error());
+  Json json = {{"dryRun", isDryRun}};
+  std::string text;
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (!isDryRun) {
+      const auto count = countOfKind(kKinds[i], **context);
+      if (!count) return console.fail(count.error());
+      changes[i].after = *count;
+    }
+    json[kKinds[i].jsonKey] = changes[i].json();
+    text += console.labelled(kKinds[i].label, changes[i].text());
+  }
+  console.print(console.isJson() ? jsonText(json) : text);
+  return kExitDone;
+}
+
+}  // namespace
+
+void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
+  CLI::App& copy = *parser.add_subcommand(
+      "copy", "Copy a store with its pictures to a new place, at this version; OLD is only read");
+  const auto from = std::make_shared<std::string>();
+  const auto to = std::make_shared<std::string>();
+  copy.add_option("OLD", *from, "The store's .sqlite file")->required()->type_name("");
+  copy.add_option("NEW", *to, "A file that is not there yet")->required()->type_name("");
+  copy.callback([=, &session] { session.exitCode = copyStore(*from, *to, session.console); });
+
+  parser
+      .add_subcommand("identifiers",
+                      "Give every record without a unique identifier one; 74 if any is left")
+      ->callback([&session] { session.exitCode = giveIdentifiers(session.console); });
+
+  CLI::App& remove = *parser.add_subcommand(
+      "dedupe", "Remove plans, places and cameras that are there twice; the first one stays");
+  const auto isDryRun = std::make_shared<bool>(false);
+  remove.add_flag("--dry-run", *isDryRun, "Only count what would be removed");
+  remove.callback([=, &session] { session.exitCode = dedupe(*isDryRun, session.console); });
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,106 @@
+#include <utility>
+#include <variant>
+
+#include "base/Uuid.h"
+#include "objectstore/SqliteStore.h"
+#include "platform/MainQueue.h"
+#include "platform/Paths.h"
+#include "store/Database.h"
+#include "store/DuplicateSearch.h"
+
+namespace vantrel {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kUniqueIdentifierKey = "uniqueIdentifier";
+
+}  // namespace
+
+Expected<void> Database::copyDatabase(const fs::path& url, const fs::path& toNewDatabase) {
+  auto model = managedObjectModel();
+  if (modelFailure_) return tl::unexpected(*modelFailure_);
+  StoreOptions options = mainStoreOptions();
+  options.sqlitePragmas = {{"journal_mode", "WAL"}};
+  // The group's container may be new as well.
+  if (toNewDatabase == groupStoreURL()) paths::createPrivateDirectory(toNewDatabase.parent_path());
+  return SqliteStore::copy(url, toNewDatabase, options, model);
+}
+
+bool Database::migrateDatabase(const fs::path& url, const fs::path& toNewDatabase) {
+  return copyDatabase(url, toNewDatabase).has_value();
+}
+
+bool Database::isMigrationNeeded() const {
+  const auto url = groupStoreURL();
+  if (!url || !persistentStoreCoordinator_) return true;
+  const auto metadata = PersistentStoreCoordinator::metadataForPersistentStore(*url);
+  const auto hashes = persistentStoreCoordinator_->managedObjectModel()->versionHashes();
+  return !metadata || hashes.empty() || metadata->versionHashes != hashes;
+}
+
+void Database::performUpdatesFrom3To4() {
+  if (!managedObjectContext_ || !managedObjectModel_) return;
+  for (const auto& entity : std::as_const(*managedObjectModel_).entities()) {
+    const auto objects = managedObjectContext_->executeFetchRequest(
+        {.entityName = entity.name, .predicate = Predicate::isNil(kUniqueIdentifierKey)});
+    if (!objects) continue;
+    for (const auto& object : *objects) {
+      if (!std::holds_alternative<std::monostate>(object->valueForKey(kUniqueIdentifierKey))) {
+        continue;
+      }
+      object->setValueForKey(uuidString(), kUniqueIdentifierKey);
+    }
+  }
+  // What it could not write stays without; who must know counts afterwards.
+  static_cast<void>(managedObjectContext_->save());
+  managedObjectContext_->reset();
+}
+
+Database::Objects Database::duplicateObjectsInArray(const Objects& array,
+                                                    const Comparison& withCompare) const {
+  Objects duplicates;
+  for (std::size_t i = 0; i < array.size(); ++i) {
+    for (std::size_t j = i + 1; j < array.size(); ++j) {
+      if (withCompare(*array[i], *array[j])) duplicates.push_back(array[j]);
+    }
+  }
+  return duplicates;
+}
+
+Expected<Database::Objects> Database::duplicateObjects() {
+  Objects duplicates;
+  ManagedObjectContext* context = managedObjectContext();
+  if (!context) return duplicates;
+  for (const DuplicateRule* rule : kDuplicateRules) {
+    const auto objects =
+        context->executeFetchRequest({.entityName = std::string(rule->entityName)});
+    if (!objects) continue;
+    std::vector<std::size_t> imageCounts;
+    if (rule->hasPlace) {
+      auto counts = context->countsOfRelatedObjects(*objects, kImagesKey);
+      if (!counts) return tl::unexpected(counts.error());
+      imageCounts = std::move(*counts);
+    }
+    for (const std::size_t index : DuplicateSearch(*rule, *objects, imageCounts).indexes()) {
+      duplicates.push_back((*objects)[index]);
+    }
+  }
+  return duplicates;
+}
+
+void Database::removeDuplicatesWithCompletion(
+    std::function<void(const std::optional<Error>&)> completion) {
+  MainQueue::sharedQueue().async([this, completion = std::move(completion)] {
+    const auto duplicates = duplicateObjects();
+    if (!duplicates) return completion(duplicates.error());
+    if (duplicates->empty()) return completion(std::nullopt);
+    ManagedObjectContext& context = *managedObjectContext();
+    for (const auto& object : *duplicates) context.deleteObject(object);
+    const auto saved = context.save();
+    completion(saved ? std::nullopt : std::optional(saved.error()));
+  });
+}
+
+}  // namespace vantrel
