@@ -130,7 +130,7 @@ Expected<void> SqliteStore::copy(const fs::path& from, const fs::path& to,
   }
   // Errors of making it are about the new store, all others about the old one.
   std::unique_ptr<StoreDraft> made;
-  const auto begun = SqliteStore(to, model).guarded(
+  auto begun = SqliteStore(to, model).guarded(
       [&] { made = std::make_unique<StoreDraft>(fs::absolute(to)); });
   if (!begun) return begun;
   return SqliteStore(from, model).guarded([&] {

@@ -218,8 +218,10 @@ void StoreWriter::releaseFile(const RowChange& change, std::size_t slot) {
 void StoreWriter::keepSharedFiles() {
   for (const auto& [table, name] : releasingColumns_) {
     const std::string column = sqlName(name);
-    const auto query = connection_.statement("SELECT " + column + " FROM " + sqlName(table) +
-                                             " WHERE length(" + column + ") = ?");
+    std::string sql = "SELECT ";
+    sql.append(column).append(" FROM ").append(sqlName(table));
+    sql.append(" WHERE length(").append(column).append(") = ?");
+    const auto query = connection_.statement(sql);
     query->bind(1, static_cast<std::int64_t>(kExternalReferenceSize));
     while (query->executeStep()) {
       if (const auto file = fileNamedBy(query->getColumn(0))) releasedFiles_.erase(*file);
