@@ -68,10 +68,10 @@ void Options::describe(CLI::App& app, Options& options) {
   app.add_option("--scale", options.scale, "Pixels of the picture per logical pixel, 0.25 to 8")
       ->option_text("N")
       ->check([](const std::string& text) {
-        double scale = 0;
+        double factor = 0;
         const char* end = text.data() + text.size();
-        const auto read = std::from_chars(text.data(), end, scale);
-        const bool fits = scale >= kSmallestScale && scale <= kLargestScale;
+        const auto read = std::from_chars(text.data(), end, factor);
+        const bool fits = factor >= kSmallestScale && factor <= kLargestScale;
         return read.ec == std::errc() && read.ptr == end && fits ? std::string()
                                                                  : "takes a number, 0.25 to 8";
       })
