@@ -247,10 +247,10 @@ std::optional<std::string> QtUrlSession::cachedResponse(const UrlRequest& reques
 }
 
 void QtUrlSession::dataTask(const UrlRequest& request, Completion completion) {
-  const auto load = [this, request, completion = std::move(completion)]() mutable {
-    loader_->load(std::move(request), std::move(completion));
+  auto load = [this, copy = UrlRequest(request), completion = std::move(completion)]() mutable {
+    loader_->load(std::move(copy), std::move(completion));
   };
-  QMetaObject::invokeMethod(loader_, load, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(loader_, std::move(load), Qt::QueuedConnection);
 }
 
 }  // namespace vantrel
