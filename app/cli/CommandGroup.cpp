@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::array kGroups = {
     CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
+    CommandGroup{"watch", "Print the next plans again whenever they change, until ended",
+                 &fillWatchCommand},
     CommandGroup{"plan", "Add, list, show, edit and remove plans", &fillPlanCommands},
     CommandGroup{"camera", "Cameras of your own, by the size of their sensor", &fillCameraCommands},
     CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},

@@ -28,6 +28,7 @@ struct CommandGroup {
 };
 
 void fillTodayCommand(CLI::App& parser, Session& session);
+void fillWatchCommand(CLI::App& parser, Session& session);
 void fillPlanCommands(CLI::App& parser, Session& session);
 void fillCameraCommands(CLI::App& parser, Session& session);
 void fillOpenCommand(CLI::App& parser, Session& session);

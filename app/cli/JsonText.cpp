@@ -13,6 +13,10 @@ std::string jsonText(const Json& json) {
   return printableJson(json.dump(kIndent, ' ', false, Json::error_handler_t::replace)) + "\n";
 }
 
+std::string jsonLine(const Json& json) {
+  return printableJson(json.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
+}
+
 double decimalOfFloat(float value) {
   std::array<char, 64> digits{};
   const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), value);

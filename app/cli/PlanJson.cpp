@@ -41,6 +41,20 @@ Json jsonOfPlan(const Planning& plan) {
   };
 }
 
+Json jsonOfToday(const TodayList& today) {
+  Json list = Json::array();
+  for (const auto& row : today.rows) {
+    Json object = jsonOfPlan(*row.plan);
+    object["row"] = list.size();
+    object["title"] = row.title;
+    object["dateText"] = row.dateText;
+    list.push_back(std::move(object));
+  }
+  return {{"plans", std::move(list)},
+          {"message", orNull(today.message)},
+          {"mode", today.isExpanded ? "expanded" : "compact"}};
+}
+
 }  // namespace
 
 std::string deepLink(const Planning& plan) {
@@ -53,17 +67,11 @@ std::string jsonText(const Planning& plan) {
 }
 
 std::string jsonText(const TodayList& today) {
-  Json list = Json::array();
-  for (const auto& row : today.rows) {
-    Json object = jsonOfPlan(*row.plan);
-    object["row"] = list.size();
-    object["title"] = row.title;
-    object["dateText"] = row.dateText;
-    list.push_back(std::move(object));
-  }
-  return jsonText(Json{{"plans", std::move(list)},
-                       {"message", orNull(today.message)},
-                       {"mode", today.isExpanded ? "expanded" : "compact"}});
+  return jsonText(jsonOfToday(today));
+}
+
+std::string jsonLine(const TodayList& today) {
+  return jsonLine(jsonOfToday(today));
 }
 
 void printJson(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {

@@ -1,26 +1,14 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/Console.h"
+#include "cli/TodayList.h"
 #include "store/Planning.h"
 
 namespace vantrel::cli {
-
-/// What the widget shows: its visible rows, or its message.
-struct TodayRow {
-  std::shared_ptr<Planning> plan;
-  std::string title;
-  std::string dateText;
-};
-struct TodayList {
-  std::vector<TodayRow> rows;
-  std::optional<std::string> message;
-  bool isExpanded = false;
-};
 
 /// "vantrel://plan?id=..." for the plan.
 std::string deepLink(const Planning& plan);
@@ -29,6 +17,8 @@ std::string deepLink(const Planning& plan);
 /// ISO 8601, nothing that depends on the locale but the texts of the widget.
 std::string jsonText(const Planning& plan);
 std::string jsonText(const TodayList& today);
+/// The same on one line.
+std::string jsonLine(const TodayList& today);
 /// The plans as one such text, each printed before the next is made.
 void printJson(const std::vector<std::shared_ptr<Planning>>& plans, Console& console);
 
