@@ -77,13 +77,15 @@ std::string sections(const CommandTable& table) {
   return text;
 }
 
-/// Readers complain of long lines; a request must stay on one.
+/// Readers complain of long lines; a request must stay on one, and so must what is not filled.
 std::string wrapped(const std::string& page) {
   constexpr std::size_t kWidth = 80;
   std::string result;
   std::istringstream lines(page);
+  bool isFilled = true;
   for (std::string line; std::getline(lines, line);) {
-    while (line.size() > kWidth && !line.starts_with('.')) {
+    if (line == ".nf" || line == ".fi") isFilled = line == ".fi";
+    while (isFilled && line.size() > kWidth && !line.starts_with('.')) {
       const auto space = line.rfind(' ', kWidth);
       // A line that begins with a dot would be a request.
       if (space == std::string::npos || line.compare(space + 1, 1, ".") == 0) break;
