@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "base/Iso8601.h"
 #include "cli/ExitCode.h"
 #include "cli/TerminalText.h"
 #include "platform/Clock.h"
@@ -78,7 +77,9 @@ std::string withCalendarDay(const std::string& text, const TimeZone& zone) {
   return wordEnd == std::string::npos ? day : day + text.substr(wordEnd);
 }
 
-double wallSeconds(const WallTime& wall) {
+}  // namespace
+
+double secondsOfWallTime(const WallTime& wall) {
   using std::chrono::day;
   using std::chrono::month;
   using std::chrono::sys_days;
@@ -90,8 +91,6 @@ double wallSeconds(const WallTime& wall) {
          wall.second;
 }
 
-}  // namespace
-
 Expected<Moment> momentFromArgument(const std::string& option, const std::string& text,
                                     const TimeZone& zone) {
   std::optional<Date> instant = dateFromIso8601String(text);
@@ -99,7 +98,7 @@ Expected<Moment> momentFromArgument(const std::string& option, const std::string
   if (instant) return Moment{*instant, *instant};
   const std::string absolute = withCalendarDay(text, zone);
   if (const auto wall = wallTimeFromIso8601String(absolute)) {
-    const double seconds = wallSeconds(*wall);
+    const double seconds = secondsOfWallTime(*wall);
     const Date first = zone.dateForWallSeconds(seconds);
     if (absolute.size() > kDayLength) return Moment{first, first};
     const Date next = zone.dateForWallSeconds(seconds + kSecondsPerDay);

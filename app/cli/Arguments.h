@@ -7,12 +7,16 @@
 
 #include "base/Date.h"
 #include "base/Error.h"
+#include "base/Iso8601.h"
 #include "platform/TimeZone.h"
 
 namespace vantrel::cli {
 
 /// What people type for a value, checked. `option` is what the error names ("--date"); errors end
 /// the program with kExitUsage and say what is allowed.
+
+/// Seconds since 2001-01-01 00:00 on the same clock.
+double secondsOfWallTime(const WallTime& wall);
 
 struct Moment {
   Date first;

@@ -31,6 +31,8 @@ void fillTodayCommand(CLI::App& parser, Session& session);
 void fillWatchCommand(CLI::App& parser, Session& session);
 void fillPlanCommands(CLI::App& parser, Session& session);
 void fillCameraCommands(CLI::App& parser, Session& session);
+/// "import" and "export" of the plans.
+void fillExchangeCommands(CLI::App& parser, Session& session);
 void fillOpenCommand(CLI::App& parser, Session& session);
 void fillGeoCommands(CLI::App& parser, Session& session);
 void fillUnitsCommands(CLI::App& parser, Session& session);

@@ -15,6 +15,7 @@ class Console {
 
   bool isJson() const { return json_; }
   void setJson(bool json) { json_ = json; }
+  bool isQuiet() const { return quiet_; }
   void setQuiet(bool quiet) { quiet_ = quiet; }
   /// `kAuto` is colour on a terminal that can show it, unless $NO_COLOR is set.
   void setColorMode(ColorMode mode);

@@ -130,11 +130,6 @@ class Batch {
   int exitCode_ = kExitDone;
 };
 
-ExitCode exitCodeForReading(int error) {
-  if (error == ENOENT) return kExitMissing;
-  return error == EACCES || error == EPERM ? kExitPermission : kExitInputOutput;
-}
-
 }  // namespace
 
 int answerCurves(const std::string& file, bool isLonLat, Console& console) {

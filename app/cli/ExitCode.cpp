@@ -58,6 +58,11 @@ Error failure(ExitCode code, const std::string& what, const std::string& why) {
   return {std::string(kCommandDomain), code, what + ": " + why, {}};
 }
 
+ExitCode exitCodeForReading(int error) {
+  if (error == ENOENT) return kExitMissing;
+  return error == EACCES || error == EPERM ? kExitPermission : kExitInputOutput;
+}
+
 ExitCode exitCodeForError(const Error& error) {
   if (error.domain == kCommandDomain) return static_cast<ExitCode>(error.code);
   if (const auto code = storeErrorCode(error)) return exitCodeForStoreError(*code);

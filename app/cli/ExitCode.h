@@ -21,6 +21,9 @@ enum ExitCode : int {
 /// A failure of the command line itself: `what` went wrong and `why`, ending with `code`.
 Error failure(ExitCode code, const std::string& what, const std::string& why);
 
+/// The exit code for an input that could not be opened or read, by its errno.
+ExitCode exitCodeForReading(int error);
+
 /// The exit code for an error of any subsystem.
 ExitCode exitCodeForError(const Error& error);
 

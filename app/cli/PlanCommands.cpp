@@ -10,6 +10,7 @@
 #include "cli/PlaceService.h"
 #include "cli/PlanJson.h"
 #include "cli/PlanLookup.h"
+#include "cli/PlanSelection.h"
 #include "cli/PlanTemplate.h"
 #include "cli/PlanText.h"
 #include "cli/StoreAccess.h"
@@ -189,71 +190,6 @@ int showPlan(const std::string& name, Console& console) {
   });
 }
 
-struct Range {
-  std::optional<Date> first;
-  std::optional<Date> last;
-};
-
-Expected<Range> checkedRange(const std::optional<std::string>& from,
-                             const std::optional<std::string>& to) {
-  const TimeZone here = TimeZone::defaultTimeZone();
-  Range range;
-  if (from) {
-    const auto moment = momentFromArgument("--from", *from, here);
-    if (!moment) return tl::make_unexpected(moment.error());
-    range.first = moment->first;
-  }
-  if (to) {
-    const auto moment = momentFromArgument("--to", *to, here);
-    if (!moment) return tl::make_unexpected(moment.error());
-    range.last = moment->last;
-  }
-  return range;
-}
-
-using Plans = std::vector<std::shared_ptr<Planning>>;
-
-Plans asPlans(const ManagedObjectContext::Objects& objects) {
-  Plans plans;
-  plans.reserve(objects.size());
-  for (const auto& object : objects) {
-    if (auto plan = std::dynamic_pointer_cast<Planning>(object)) plans.push_back(std::move(plan));
-  }
-  return plans;
-}
-
-/// Every plan by date, those without one last.
-Expected<Plans> allPlans(ManagedObjectContext& context) {
-  FetchRequest request;
-  request.entityName = kPlanEntity;
-  request.sortDescriptors = {{"date", true}};
-  return context.executeFetchRequest(request).map(asPlans).map([](Plans plans) {
-    std::stable_partition(plans.begin(), plans.end(),
-                          [](const auto& plan) { return plan->date().has_value(); });
-    return plans;
-  });
-}
-
-/// The dated plans from `first` to `last`, by date.
-Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) {
-  constexpr double kEarliest = -1e300;
-  constexpr std::size_t kFewPlans = 100;
-  FetchRequest request;
-  request.entityName = kPlanEntity;
-  request.predicate = Predicate::greaterThanOrEqual("date", range.first.value_or(Date(kEarliest)));
-  request.sortDescriptors = {{"date", true}};
-  const auto isLater = [&](const auto& plan) { return range.last && plan->date() > range.last; };
-  // A predicate has no upper end: some plans first, and more while none of them lies behind it.
-  if (range.last) request.fetchLimit = kFewPlans;
-  auto plans = context.executeFetchRequest(request).map(asPlans);
-  while (plans && range.last && plans->size() == request.fetchLimit && !isLater(plans->back())) {
-    request.fetchLimit *= 10;
-    plans = context.executeFetchRequest(request).map(asPlans);
-  }
-  if (plans) std::erase_if(*plans, isLater);
-  return plans;
-}
-
 /// What `plan list` is given.
 struct Listing {
   std::optional<std::string> from;
@@ -267,16 +203,11 @@ int listPlans(const Listing& listing, Console& console) {
     return console.fail(
         failure(kExitUsage, "plan list", "only one of --plain, --format and --json"));
   }
-  const auto range = checkedRange(listing.from, listing.to);
-  if (!range) return console.fail(range.error());
-  const auto context = contextForReading();
-  if (!context) return console.fail(context.error());
-  const auto plans =
-      range->first || range->last ? plansInRange(**context, *range) : allPlans(**context);
+  const auto plans = plansBetween(listing.from, listing.to);
   if (!plans) return console.fail(plans.error());
   if (plans->empty()) console.note("no plans");
   if (console.isJson()) {
-    printJson(*plans, console);
+    printJson(*plans, [&](std::string_view text) { console.print(text); });
   } else if (listing.isPlain) {
     for (const auto& plan : *plans) console.print(plainLine(*plan));
   } else if (listing.format) {
@@ -355,6 +286,8 @@ void fillPlanCommands(CLI::App& parser, Session& session) {
   CLI::App& remove = *parser.add_subcommand("remove", "Remove a plan");
   const auto removed = addPlanName(remove);
   remove.callback([=, &session, &console] { session.exitCode = removePlan(*removed, console); });
+
+  fillExchangeCommands(parser, session);
 }
 
 }  // namespace vantrel::cli

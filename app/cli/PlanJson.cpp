@@ -74,20 +74,20 @@ std::string jsonLine(const TodayList& today) {
   return jsonLine(jsonOfToday(today));
 }
 
-void printJson(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {
-  console.print("{\n  \"plans\": [");
+void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSink& print) {
+  print("{\n  \"plans\": [");
   const char* lineBreak = "\n    ";
   for (const auto& plan : plans) {
-    console.print(plan == plans.front() ? lineBreak : std::string(",") + lineBreak);
+    print(plan == plans.front() ? lineBreak : std::string(",") + lineBreak);
     std::string text = jsonText(*plan);
     text.pop_back();
     // Within texts line breaks are escaped, so all of these are the layout's.
     for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) {
       text.replace(at, 1, lineBreak);
     }
-    console.print(text);
+    print(text);
   }
-  console.print(plans.empty() ? "]\n}\n" : "\n  ]\n}\n");
+  print(plans.empty() ? "]\n}\n" : "\n  ]\n}\n");
 }
 
 }  // namespace vantrel::cli

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/Console.h"
+#include "cli/TextSink.h"
 #include "cli/TodayList.h"
 #include "store/Planning.h"
 
@@ -20,6 +20,6 @@ std::string jsonText(const TodayList& today);
 /// The same on one line.
 std::string jsonLine(const TodayList& today);
 /// The plans as one such text, each printed before the next is made.
-void printJson(const std::vector<std::shared_ptr<Planning>>& plans, Console& console);
+void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSink& print);
 
 }  // namespace vantrel::cli

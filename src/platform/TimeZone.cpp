@@ -47,6 +47,11 @@ std::string nameFromPath(const std::string& path) {
   return at == std::string::npos ? std::string() : path.substr(at + kFolder.size());
 }
 
+absl::Time instantOf(Date date) {
+  return absl::FromUnixSeconds(kReferenceSecond +
+                               wholeSeconds(date.timeIntervalSinceReferenceDate()));
+}
+
 std::string deviceZoneName() {
   if (const char* variable = std::getenv("TZ")) {
     std::string text = variable;
@@ -95,9 +100,22 @@ const std::string& TimeZone::name() const {
 }
 
 int TimeZone::secondsFromGMTForDate(Date date) const {
-  const auto instant =
-      absl::FromUnixSeconds(kReferenceSecond + wholeSeconds(date.timeIntervalSinceReferenceDate()));
-  return rules_->zone.At(instant).offset;
+  return rules_->zone.At(instantOf(date)).offset;
+}
+
+bool TimeZone::isDaylightSavingTimeForDate(Date date) const {
+  return rules_->zone.At(instantOf(date)).is_dst;
+}
+
+std::string TimeZone::abbreviationForDate(Date date) const {
+  return rules_->zone.At(instantOf(date)).zone_abbr;
+}
+
+std::optional<Date> TimeZone::nextDaylightSavingTimeTransitionAfterDate(Date date) const {
+  absl::TimeZone::CivilTransition change;
+  if (!rules_->zone.NextTransition(instantOf(date), &change)) return std::nullopt;
+  const auto wallSeconds = static_cast<double>(change.from - absl::CivilSecond(2001, 1, 1));
+  return Date(wallSeconds - secondsFromGMTForDate(date));
 }
 
 Date TimeZone::dateForWallSeconds(double wallSeconds) const {

@@ -23,6 +23,11 @@ class TimeZone {
   const std::string& name() const;
   /// Seconds east of Greenwich at that instant, daylight saving included.
   int secondsFromGMTForDate(Date date) const;
+  bool isDaylightSavingTimeForDate(Date date) const;
+  /// "CEST"; "+0545" where people have no name for it.
+  std::string abbreviationForDate(Date date) const;
+  /// The first change of the zone's clock behind that instant; nothing when there is none.
+  std::optional<Date> nextDaylightSavingTimeTransitionAfterDate(Date date) const;
   /// The instant of a wall time given as seconds since 2001-01-01 00:00 on that zone's clock. A
   /// repeated wall time is the first of the two; a skipped one moves forward by the gap.
   Date dateForWallSeconds(double wallSeconds) const;

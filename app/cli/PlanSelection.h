@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Error.h"
+#include "objectstore/ManagedObjectContext.h"
+#include "store/Planning.h"
+
+namespace vantrel::cli {
+
+using Plans = std::vector<std::shared_ptr<Planning>>;
+
+/// Every plan by date, those without one last.
+Expected<Plans> allPlans(ManagedObjectContext& context);
+
+/// The plans of the existing store that `--from` and `--to` leave, by date: moments as people type
+/// them. Undated plans are among them, last, only when neither is given.
+Expected<Plans> plansBetween(const std::optional<std::string>& from,
+                             const std::optional<std::string>& to);
+
+}  // namespace vantrel::cli

@@ -1,0 +1,78 @@
+#include "exchange/OutputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr std::size_t kPiece = 1 << 16;
+constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kPermissions = 07777;
+
+}  // namespace
+
+OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)) {}
+
+OutputFile::~OutputFile() {
+  if (file_ >= 0) ::close(file_);
+  if (!beside_.empty()) ::unlink(beside_.c_str());
+}
+
+tl::unexpected<Error> OutputFile::failed(int error) const {
+  return tl::make_unexpected(
+      Error{"POSIX", error, path_.string() + ": " + std::strerror(error), {}});
+}
+
+Expected<void> OutputFile::open() {
+  std::error_code error;
+  target_ = std::filesystem::weakly_canonical(path_, error);
+  if (error) target_ = path_;
+  struct stat status {};
+  const bool exists = ::stat(target_.c_str(), &status) == 0;
+  if (exists && S_ISDIR(status.st_mode)) return failed(EISDIR);
+  if (exists && !S_ISREG(status.st_mode)) {
+    file_ = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+    if (file_ < 0) return failed(errno);
+    return {};
+  }
+  const std::string beside = target_.string() + ".part" + std::to_string(::getpid());
+  file_ =
+      ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
+  if (file_ < 0) return failed(errno);
+  beside_ = beside;
+  if (exists && ::fchmod(file_, status.st_mode & kPermissions) != 0) return failed(errno);
+  return {};
+}
+
+void OutputFile::write(std::string_view text) {
+  pending_ += text;
+  if (pending_.size() >= kPiece) flush();
+}
+
+void OutputFile::flush() {
+  std::string_view rest = pending_;
+  while (!rest.empty() && error_ == 0) {
+    const ssize_t written = ::write(file_, rest.data(), rest.size());
+    if (written > 0) rest.remove_prefix(static_cast<std::size_t>(written));
+    if (written < 0 && errno != EINTR) error_ = errno;
+  }
+  pending_.clear();
+}
+
+Expected<void> OutputFile::finish() {
+  flush();
+  if (error_ != 0) return failed(error_);
+  if (beside_.empty()) return {};
+  if (::fsync(file_) != 0 || ::rename(beside_.c_str(), target_.c_str()) != 0) return failed(errno);
+  beside_.clear();
+  return {};
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "base/Error.h"
+
+namespace vantrel::cli {
+
+/// A file that is there whole or not at all: written beside its place, then put there. A device or
+/// a pipe of that name is written to as it is.
+class OutputFile {
+ public:
+  /// Nothing is made before `open`.
+  explicit OutputFile(std::filesystem::path path);
+  /// Removes what was not finished.
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  Expected<void> open();
+  /// The first failure ends the writing; `finish` tells it.
+  void write(std::string_view text);
+  /// Makes the file lasting and puts it in its place.
+  Expected<void> finish();
+
+ private:
+  tl::unexpected<Error> failed(int error) const;
+  void flush();
+
+  std::filesystem::path path_;
+  std::filesystem::path target_;  ///< `path_` with its links followed.
+  std::filesystem::path beside_;  ///< Empty when `path_` itself is written to.
+  std::string pending_;
+  int file_ = -1;
+  int error_ = 0;
+};
+
+}  // namespace vantrel::cli
