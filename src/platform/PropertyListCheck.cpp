@@ -26,8 +26,9 @@ class BinaryCheck {
 
  private:
   struct Object {
-    std::size_t payload = 0;         ///< Bytes of a scalar.
-    std::size_t firstReference = 0;  ///< Where a container's references stand.
+    std::size_t type = 0;
+    std::size_t at = 0;       ///< Where its bytes or references stand.
+    std::size_t payload = 0;  ///< Bytes of a scalar.
     std::size_t references = 0;
   };
   struct Visit {
@@ -37,6 +38,11 @@ class BinaryCheck {
     std::size_t cost = 0;
     std::size_t depth = 1;
   };
+  /// The upper half of an object's first byte.
+  static constexpr std::size_t kText = 0x5;
+  static constexpr std::size_t kWideText = 0x6;
+  static constexpr std::size_t kDictionary = 0xd;
+
   enum class State : std::uint8_t { kUnseen, kOpen, kDone };
   struct Known {
     State state = State::kUnseen;
@@ -45,6 +51,7 @@ class BinaryCheck {
   };
 
   std::optional<Object> objectAt(std::size_t index) const;
+  bool canBeKey(std::size_t index) const;
   bool open(std::size_t index);
   void close();
   std::uint64_t number(std::size_t at, std::size_t size) const {
@@ -74,13 +81,24 @@ std::optional<BinaryCheck::Object> BinaryCheck::objectAt(std::size_t index) cons
   }
   const std::size_t room = end - at;
   std::size_t unit = 1;
-  if (type == 0x6) unit = 2;
+  if (type == kWideText) unit = 2;
   if (type == 0xa || type == 0xc) unit = trailer_.referenceSize;
-  if (type == 0xd) unit = 2 * trailer_.referenceSize;
-  if (type < 0x4 || type == 0x8) return Object{};  // at most 16 bytes, which the library checks
+  if (type == kDictionary) unit = 2 * trailer_.referenceSize;
+  if (type < 0x4 || type == 0x8) return Object{type};  // at most 16 bytes, which the library checks
   if (count > room / unit) return std::nullopt;
-  if (type < 0xa) return Object{count * unit, 0, 0};
-  return Object{0, at, count * unit / trailer_.referenceSize};
+  if (type < 0xa) return Object{type, at, count * unit, 0};
+  return Object{type, at, 0, count * unit / trailer_.referenceSize};
+}
+
+/// The library ends the process over a key with a zero character inside.
+bool BinaryCheck::canBeKey(std::size_t index) const {
+  const auto key = index < trailer_.objectCount ? objectAt(index) : std::nullopt;
+  if (!key || (key->type != kText && key->type != kWideText)) return false;
+  const std::size_t unit = key->type == kText ? 1 : 2;
+  for (std::size_t i = 0; i < key->payload; i += unit) {
+    if (number(key->at + i, unit) == 0) return false;
+  }
+  return true;
 }
 
 bool BinaryCheck::open(std::size_t index) {
@@ -109,8 +127,10 @@ bool BinaryCheck::isBounded() {
       close();
       continue;
     }
-    const std::size_t child = number(
-        visit.object.firstReference + visit.next * trailer_.referenceSize, trailer_.referenceSize);
+    const std::size_t child =
+        number(visit.object.at + visit.next * trailer_.referenceSize, trailer_.referenceSize);
+    const bool isKey = visit.object.type == kDictionary && visit.next < visit.object.references / 2;
+    if (isKey && !canBeKey(child)) return false;
     if (child >= trailer_.objectCount || known_[child].state == State::kOpen) return false;
     if (known_[child].state == State::kUnseen) {
       if (!open(child)) return false;
