@@ -51,6 +51,7 @@ class BinaryCheck {
   };
 
   std::optional<Object> objectAt(std::size_t index) const;
+  bool isText(const Object& object) const;
   bool canBeKey(std::size_t index) const;
   bool open(std::size_t index);
   void close();
@@ -90,13 +91,25 @@ std::optional<BinaryCheck::Object> BinaryCheck::objectAt(std::size_t index) cons
   return Object{type, at, 0, count * unit / trailer_.referenceSize};
 }
 
+/// Texts of single bytes are ASCII; the library would take anything for UTF-8, and could not read
+/// again what it writes then.
+bool BinaryCheck::isText(const Object& object) const {
+  if (object.type != kText) return object.type == kWideText;
+  std::byte seen{0};
+  for (const std::byte one : data_.subspan(object.at, object.payload)) seen |= one;
+  return seen < std::byte{0x80};
+}
+
 /// The library ends the process over a key with a zero character inside.
 bool BinaryCheck::canBeKey(std::size_t index) const {
   const auto key = index < trailer_.objectCount ? objectAt(index) : std::nullopt;
-  if (!key || (key->type != kText && key->type != kWideText)) return false;
-  const std::size_t unit = key->type == kText ? 1 : 2;
-  for (std::size_t i = 0; i < key->payload; i += unit) {
-    if (number(key->at + i, unit) == 0) return false;
+  if (!key || !isText(*key)) return false;
+  if (key->type == kText) {
+    const auto bytes = data_.subspan(key->at, key->payload);
+    return std::find(bytes.begin(), bytes.end(), std::byte{0}) == bytes.end();
+  }
+  for (std::size_t i = 0; i < key->payload; i += 2) {
+    if (number(key->at + i, 2) == 0) return false;
   }
   return true;
 }
@@ -104,6 +117,7 @@ bool BinaryCheck::canBeKey(std::size_t index) const {
 bool BinaryCheck::open(std::size_t index) {
   const auto object = objectAt(index);
   if (!object || path_.size() >= PropertyList::kMaxDepth) return false;
+  if (object->type == kText && !isText(*object)) return false;
   known_[index].state = State::kOpen;
   path_.push_back({index, *object, 0, kNodeCost + object->payload, 1});
   return true;
