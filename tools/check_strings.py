@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that every key of a string table stands in every language, with the same placeholders."""
+"""Checks that every key of a string table stands in every language, with the same placeholders, and
+that the sources ask for every key of the tables, and for no other."""
 
 import pathlib
 import re
@@ -7,6 +8,10 @@ import sys
 
 PAIR = re.compile(r'^"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;', re.MULTILINE)
 REFERENCE = "en.lproj"
+LITERAL = re.compile(r'"([a-z0-9_]+)"')
+LOOKUP = re.compile(r'\b(?:localizedString|localized|text)\(\s*"([a-z0-9]+_[a-z0-9_]+)"')
+# Shorter literals would make up almost any key between them.
+SHORTEST_PART = 4
 
 
 def read(path: pathlib.Path) -> dict[str, str]:
@@ -30,9 +35,33 @@ def problems(resources: pathlib.Path):
                     yield f"{where}: {key} has other placeholders than English"
 
 
+def is_made_of(key: str, parts: set[str]) -> bool:
+    """Whether literals of one source, put together, are the key."""
+    return not key or any(is_made_of(key[len(part):], parts)
+                          for part in parts if key.startswith(part))
+
+
+def problems_of_use(root: pathlib.Path):
+    tables = sorted((root / "resources" / REFERENCE).glob("*.strings"))
+    known = {key for table in tables for key in read(table)}
+    unused = set(known)
+    for source in sorted([*(root / "src").rglob("*.*"), *(root / "app").rglob("*.*")]):
+        if source.suffix not in (".cpp", ".h"):
+            continue
+        text = source.read_text(encoding="utf-8")
+        for key in LOOKUP.findall(text):
+            if key not in known:
+                yield f"{source.relative_to(root)}: key {key} is in no table"
+        literals = set(LITERAL.findall(text))
+        parts = {one for one in literals if len(one) >= SHORTEST_PART}
+        unused = {key for key in unused - literals if not is_made_of(key, parts)}
+    for key in sorted(unused):
+        yield f"{REFERENCE}: nothing asks for key {key}"
+
+
 def main() -> int:
-    resources = pathlib.Path(__file__).resolve().parent.parent / "resources"
-    found = list(problems(resources))
+    root = pathlib.Path(__file__).resolve().parent.parent
+    found = [*problems(root / "resources"), *problems_of_use(root)]
     for problem in found:
         print(problem, file=sys.stderr)
     return 1 if found else 0
