@@ -92,6 +92,8 @@ std::optional<std::string> hereText(Date date, const TimeZone& zone) {
   if (here.secondsFromGMTForDate(date) == zone.secondsFromGMTForDate(date)) return std::nullopt;
   const std::string there = wallText(date, zone);
   const std::string text = wallText(date, here);
+  // Beyond the years that are written with four digits.
+  if (text == kUnknown || there == kUnknown) return std::nullopt;
   const bool sameDay = text.substr(0, kDayLength) == there.substr(0, kDayLength);
   return (sameDay ? text.substr(kDayLength + 1) : text) + " here";
 }

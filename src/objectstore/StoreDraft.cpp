@@ -199,8 +199,12 @@ bool StoreDraft::publish() {
   if (!publishFile()) return false;
   placed_.clear();
   const int folder = ::open(place_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  ::fsync(folder);
+  // Some file systems synchronise no folders.
+  const bool isKept = folder >= 0 && (::fsync(folder) == 0 || errno == EINVAL);
   ::close(folder);
+  if (!isKept) {
+    failStore(StoreErrorCode::kInputOutput, "the store is made, but its folder cannot be written");
+  }
   return true;
 }
 

@@ -176,6 +176,14 @@ TEST_F(PlanCommands, ListARangeOfAnyNumberOfPlans) {
   }
 }
 
+TEST_F(PlanCommands, ListADateThatNoCalendarShows) {
+  add({"--name", "Far", "--timezone", "Asia/Tokyo"});
+  test::sqlite(store(), "UPDATE ZPLANNING SET ZDATE = 1e15");
+  const auto list = run({"plan", "list"});
+  EXPECT_EQ(list.exitCode, 0) << list.errors;
+  EXPECT_THAT(list.output, HasSubstr("Far"));
+}
+
 TEST_F(PlanCommands, ShowEverythingToAPerson) {
   const std::string identifier =
       add({"--name", "Sunrise", "--notes", "First\n\x1b[31mSecond", "--date", "2026-07-16 05:52",
