@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -166,6 +168,41 @@ TEST_F(RefreshTest, IsExpandedWithoutInsetsBeforeVersion10) {
   EXPECT_FALSE(context->largest);
   EXPECT_EQ(visibleTitles(*controller), (Names{"21", "22", "23"}));
   EXPECT_EQ(controller->todayView()->planTitleLabels()[0]->frame().origin, (Point{0, 12}));
+}
+
+TEST_F(RefreshTest, AYearOfMidnightsMissesNoDayAndKeepsNoMemory) {
+  constexpr int kDays = 366;
+  constexpr int kSettled = 60;
+  const auto instant = [](double days) {
+    return at("2024-01-01T00:00:00Z").dateByAddingTimeInterval(days * 86400);
+  };
+  add("day 0", instant(0.5));
+  save();
+  test::OpenStore planner(storeFile());
+  std::size_t settled = 0;
+  std::string missed;
+  for (int day = 0; day < kDays; ++day) {
+    const test::EnvironmentGuard travelled("TZ", day / 7 % 2 == 0 ? "Europe/Madrid" : "Asia/Tokyo");
+    const std::string name = "day " + std::to_string(day);
+    // Another program plans the next day, and forgets what is long over.
+    planner.insertPlan("day " + std::to_string(day + 1), 0)->setDate(instant(day + 1.5));
+    if (const auto old = planner.planNamed("day " + std::to_string(day - 3))) {
+      planner.context.deleteObject(old);
+    }
+    ASSERT_TRUE(planner.context.save());
+    // After midnight, and once more after waking up at noon.
+    for (const double part : {0.0, 0.5}) {
+      clock.set(instant(day + part));
+      const auto titles = visibleTitles(*begin());
+      if (std::find(titles.begin(), titles.end(), name) == titles.end()) missed += name + " ";
+    }
+    if (day == kSettled) settled = ::mallinfo2().uordblks;
+  }
+  EXPECT_EQ(missed, "");
+  const std::size_t atEnd = ::mallinfo2().uordblks;
+  RecordProperty("bytesAfter60Days", std::to_string(settled));
+  RecordProperty("bytesAfterAYear", std::to_string(atEnd));
+  EXPECT_LE(atEnd, settled + 8 * 1024);
 }
 
 }  // namespace
