@@ -1,0 +1,219 @@
+#!/usr/bin/env python3
+"""Fails and kills every operation that writes, at each of its calls of the system, and looks at what
+is left: old or new, whole, honest, and good to go on with.
+
+usage: faults.py PROGRAM [--operation NAME] [--sample COUNT] [--verbose]
+
+The program's own calls on its data are counted once under strace; then each is made to fail, with no
+space and with a faulty device, and the program is killed at each."""
+
+import argparse
+import collections
+import concurrent.futures
+import os
+import pathlib
+import re
+import sys
+import tempfile
+
+from operations import OPERATIONS
+from world import IDENTIFIER, World
+
+# What may fail. A name that this machine lacks is passed over.
+FAILING = ("open openat write pwrite64 fsync fdatasync rename renameat renameat2 link linkat mkdir "
+           "ftruncate fallocate copy_file_range sendfile syncfs").split()
+KILLED = FAILING + "unlink rmdir fcntl flock pread64 close chmod fchmodat".split()
+ERRORS = ("ENOSPC", "EIO")
+HONEST = (73, 74)  # Cannot create; reading or writing failed.
+# What could not be opened for writing is opened for reading, which may lead to another reason.
+HONEST_OF_OPENING = (*HONEST, 75, 77)
+
+# Settings and a store in the making, with the folder of its pictures: the next one made removes them.
+DRAFT = re.compile(r"\.plist\.new$|\.(sqlite|\w+_SUPPORT)\." + IDENTIFIER.pattern)
+
+Case = collections.namedtuple("Case", "call number error")  # without an error: killed there
+Ending = collections.namedtuple("Ending", "code state answers")
+
+
+def strace(output, calls, *more):
+    names = ",".join("?" + call for call in calls)
+    return ("strace", "-f", "-y", "-s", "0", "-o", str(output), "-e", "trace=" + names,
+            "-e", "signal=none", *more)
+
+
+def counted_calls(trace, root):
+    """(call, how manieth of its name, the line), for those that touch the data."""
+    numbers = collections.Counter()
+    for line in trace.splitlines():
+        found = re.match(r"\d+ +(\w+)\(", line)
+        if not found:
+            continue
+        call = found[1]
+        numbers[call] += 1
+        if str(root) in line:
+            yield call, numbers[call], line
+
+
+def undurable(lines):
+    """Files that were written, and folders that got a name, without being synchronised. What a log
+    beside a store still holds counts as kept."""
+    dirty = set()
+    for call, _, line in lines:
+        paths = re.findall(r'[<"](/[^">]*)', line)
+        if not paths or "= -1" in line or any(path.endswith(("-shm", ".lock")) for path in paths):
+            continue
+        if call in ("write", "pwrite64", "ftruncate", "copy_file_range", "sendfile"):
+            dirty.add(paths[0] if call != "copy_file_range" else paths[1])
+        elif call.startswith(("rename", "link")):
+            dirty.add(os.path.dirname(paths[-1]))
+        elif call in ("fsync", "fdatasync", "unlink"):
+            dirty.discard(paths[0])
+        elif call == "syncfs":
+            dirty.clear()
+    return sorted(path for path in dirty if not os.path.exists(path + "-wal"))
+
+
+def essential(state):
+    """Without pictures that no record of a store names: what a killed program leaves of them is in
+    nobody's way."""
+    def counts(path):
+        picture = re.fullmatch(r"(.*/)\.(\w+)_SUPPORT/_EXTERNAL_DATA/(.*)", path)
+        return not picture or picture[3] in repr(state.get(f"{picture[1]}{picture[2]}.sqlite"))
+    return {path: holds for path, holds in state.items() if counts(path)}
+
+
+class Trial:
+    """One operation: how it goes undisturbed, and its cases."""
+
+    def __init__(self, program, operation, folder):
+        self.operation = operation
+        self.folder = pathlib.Path(folder) / operation.name.replace(" ", "-")
+        self.before = World(program, pathlib.Path(folder) / "data" / operation.data.__name__)
+        if not self.before.state():
+            operation.data(self.before)
+        start = self.before.state()
+        first = self.before.copy_to(self.folder / "first")
+        trace = self.folder / "trace"
+        self.endings = []
+        # Once, and once more on what that left.
+        for before in (strace(trace, KILLED), ()):
+            code = first.run(*operation.words, before=before).returncode
+            # Asking may change what is asked: a store of an older version.
+            asked = first.copy_to(self.folder / f"asked{len(self.endings)}")
+            self.endings.append(Ending(code, first.state(), asked.answers()))
+        self.states = [start, self.endings[0].state]
+        calls = list(counted_calls(trace.read_text(encoding="utf-8"), first.root))
+        self.problems = [] if self.endings[0].code == 0 else [f"undisturbed: exit {self.endings[0].code}"]
+        self.problems += [f"not synchronised: {path}" for path in undurable(calls)]
+        self.cases = [Case(call, number, error) for error in (*ERRORS, None)
+                      for call, number, _ in calls if error is None or call in FAILING]
+
+    def run(self, case):
+        """(which of the states it left, its exit code, files left over, what is wrong)"""
+        with tempfile.TemporaryDirectory(dir=self.folder) as folder:
+            world = self.before.copy_to(pathlib.Path(folder) / "data")
+            log = pathlib.Path(folder) / "trace"
+            fault = f"error={case.error}" if case.error else "signal=KILL"
+            inject = f"inject={case.call}:{fault}:when={case.number}"
+            done = world.run(*self.operation.words, before=strace(log, KILLED, "-e", inject))
+            trace = log.read_text(encoding="utf-8")
+            which = self.state_of(world, case)
+            problems = ["neither the old state nor the new"] if which is None else []
+            if case.error:
+                problems += self.dishonesty(case, done, which)
+                problems += [] if "INJECTED" in trace else ["did not fail"]
+            elif done.returncode != -9:
+                problems.append(f"was not killed: exit {done.returncode}")
+            if done.returncode == 0:
+                lost = undurable(counted_calls(trace, world.root))
+                problems += [f"tells success, not synchronised: {path}" for path in lost]
+            leftover = None
+            if which is not None:
+                leftover, more = self.repeat(world, case, self.endings[which])
+                problems += more
+        return which, done.returncode, leftover, problems
+
+    def state_of(self, world, case):
+        """Which one it is: 0 old, 1 new. Only a killed program may leave more than that."""
+        state = world.state()
+        if case.error:
+            return self.states.index(state) if state in self.states else None
+        held = essential({path: holds for path, holds in state.items() if not DRAFT.search(path)})
+        states = [essential(known) for known in self.states]
+        return states.index(held) if held in states else None
+
+    def dishonesty(self, case, done, which):
+        problems = []
+        if done.returncode == 0 and which != 1:
+            problems.append("tells success")
+        if done.returncode not in (0, *(HONEST_OF_OPENING if "open" in case.call else HONEST)):
+            problems.append(f"exit {done.returncode}")
+        lines = done.stderr.splitlines()
+        if done.returncode and not (len(lines) == 1 and lines[0].startswith("vantrel: ")):
+            problems.append(f"tells {lines}")
+        return problems
+
+    def repeat(self, world, case, ending):
+        code = world.run(*self.operation.words).returncode
+        state = world.state()
+        leftover = set(state) - set(ending.state)
+        if not case.error:
+            state = essential({path: holds for path, holds in state.items() if not DRAFT.search(path)})
+            ending = ending._replace(state=essential(ending.state))
+        problems = [] if code == ending.code else [f"repeated: exit {code}, not {ending.code}"]
+        if state != ending.state:
+            problems.append("repeated: another end")
+        if world.answers() != ending.answers:
+            problems.append("repeated: other answers")
+        return leftover, problems
+
+
+def sampled(cases, count):
+    if count and len(cases) > count:
+        return cases[::-(-len(cases) // count)]
+    return cases
+
+
+def report(trial, cases, results):
+    """One line of the table, and the first of each kind of problem; how many problems there are."""
+    kills = sum(case.error is None for case in cases)
+    ends = collections.Counter(which for which, *_ in results)
+    late = sum(which == 1 and code > 0 for which, code, *_ in results)
+    leftovers = sum(bool(leftover) for _, _, leftover, _ in results)
+    print(f"{trial.operation.name:18} {len(cases) - kills:6} {kills:6} {ends[0]:6} {ends[1]:6} {late:11}"
+          f" {leftovers:9}", flush=True)
+    problems = [("undisturbed", problem) for problem in trial.problems]
+    problems += [(" ".join(map(str, case)), problem)
+                 for case, (*_, found) in zip(cases, results) for problem in found]
+    kinds = collections.Counter()
+    for case, problem in problems:
+        kind = IDENTIFIER.sub("*", re.sub(r"/\S+/", "", problem))
+        kinds[kind] += 1
+        if kinds[kind] <= 3:
+            print(f"  {case}: {problem}")
+    return len(problems)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program")
+    parser.add_argument("--operation", help="only this one")
+    parser.add_argument("--sample", type=int, help="cases of each operation, evenly chosen")
+    given = parser.parse_args()
+    failed = total = 0
+    print(f"{'operation':18} {'fails':>6} {'kills':>6} {'old':>6} {'new':>6} {'told failed':>11}"
+          f" {'leftovers':>9}")
+    with tempfile.TemporaryDirectory() as folder, \
+            concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        for operation in OPERATIONS:
+            if given.operation in (None, operation.name):
+                trial = Trial(given.program, operation, folder)
+                cases = sampled(trial.cases, given.sample)
+                failed += report(trial, cases, list(pool.map(trial.run, cases)))
+                total += len(cases)
+    print(f"{total} disturbed runs, {failed} faults")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
