@@ -83,8 +83,8 @@ class CalendarLines {
     if (isDropped()) return {};
     if (component == "STANDARD" || component == "DAYLIGHT") {
       if (++observances_ > kMostObservances) return refused("VTIMEZONE", "too many rules");
-    } else if (auto checked = checkCount(++components_); !checked) {
-      return checked;
+    } else if (component == "VEVENT" || component == "VTODO") {
+      if (auto checked = checkCount(++entries_); !checked) return checked;
     }
     pass("BEGIN:" + component);
     return {};
@@ -113,7 +113,7 @@ class CalendarLines {
   std::unique_ptr<icalparser, decltype(&icalparser_free)> parser_;
   std::vector<std::string> path_;
   std::size_t droppedAt_ = 0;  ///< How deep stands what is passed over; 0 for none.
-  std::size_t components_ = 0;
+  std::size_t entries_ = 0;
   std::size_t observances_ = 0;
   std::vector<CalendarComponent> calendars_;
 };

@@ -26,31 +26,63 @@ tl::unexpected<Error> refused(const std::string& where, const std::string& why) 
   return tl::make_unexpected(failure(kExitBadData, where, why));
 }
 
-/// Thrown out of the library's reader, which goes as deep and as far as the text does.
-struct TooMuch {
-  const char* why;
+/// Walks through JSON text and stops where it is none, goes too deep or too far. The library's own
+/// way to look on while it reads takes the square of a list's length.
+class ShapeCheck : public nlohmann::json_sax<json> {
+ public:
+  explicit ShapeCheck(std::string_view text) : text_(text) {}
+  const std::optional<Error>& failure() const { return failure_; }
+
+  bool null() override { return count(); }
+  bool boolean(bool /*value*/) override { return count(); }
+  bool number_integer(std::int64_t /*value*/) override { return count(); }
+  bool number_unsigned(std::uint64_t /*value*/) override { return count(); }
+  bool number_float(double /*value*/, const std::string& /*text*/) override { return count(); }
+  bool string(std::string& /*value*/) override { return count(); }
+  bool binary(json::binary_t& /*value*/) override { return count(); }
+  bool key(std::string& /*value*/) override { return true; }
+  bool start_object(std::size_t /*size*/) override { return enter(); }
+  bool end_object() override { return leave(); }
+  bool start_array(std::size_t /*size*/) override { return enter(); }
+  bool end_array() override { return leave(); }
+  bool parse_error(std::size_t position, const std::string& /*token*/,
+                   const nlohmann::detail::exception& fault) override {
+    constexpr int kNumberOutOfRange = 406;
+    const auto end = text_.begin() + static_cast<std::ptrdiff_t>(std::min(position, text_.size()));
+    const auto line = "line " + std::to_string(std::count(text_.begin(), end, '\n') + 1);
+    return fail(
+        line, fault.id == kNumberOutOfRange ? "a number is out of range" : "not JSON from here on");
+  }
+
+ private:
+  bool fail(const std::string& where, const char* why) {
+    failure_ = cli::failure(kExitBadData, where, why);
+    return false;
+  }
+  bool count() {
+    return ++values_ <= kMostValues || fail("JSON", "more values than any list of plans has");
+  }
+  bool enter() {
+    return ++depth_ <= kDeepest ? count() : fail("JSON", "nested too deeply to be a list of plans");
+  }
+  bool leave() {
+    --depth_;
+    return true;
+  }
+
+  std::string_view text_;
+  std::size_t values_ = 0;
+  int depth_ = 0;
+  std::optional<Error> failure_;
 };
 
 Expected<json> parsed(std::string_view text) {
-  std::size_t values = 0;
-  const auto watch = [&](int depth, json::parse_event_t event, json& /*value*/) {
-    if (depth > kDeepest) throw TooMuch{"nested too deeply to be a list of plans"};
-    if (event != json::parse_event_t::key && ++values > kMostValues) {
-      throw TooMuch{"more values than any list of plans has"};
-    }
-    return true;
-  };
-  try {
-    return json::parse(text, watch);
-  } catch (const TooMuch& fault) {
-    return refused("JSON", fault.why);
-  } catch (const json::parse_error& fault) {
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(fault.byte, text.size()));
-    const auto line = std::count(text.begin(), end, '\n') + 1;
-    return refused("line " + std::to_string(line), "not JSON from here on");
-  } catch (const json::exception&) {
-    return refused("JSON", "holds a number that is out of range");
+  ShapeCheck check(text);
+  if (!json::sax_parse(text, &check)) {
+    return tl::make_unexpected(
+        check.failure().value_or(failure(kExitBadData, "JSON", "cannot be read")));
   }
+  return json::parse(text);
 }
 
 const char* kindOf(const json& value) {
