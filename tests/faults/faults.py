@@ -97,10 +97,11 @@ class Trial:
         self.endings = []
         # Once, and once more on what that left.
         for before in (strace(trace, KILLED), ()):
-            code = first.run(*operation.words, before=before).returncode
+            done = first.run(*operation.words, before=before)
             # Asking may change what is asked: a store of an older version.
             asked = first.copy_to(self.folder / f"asked{len(self.endings)}")
-            self.endings.append(Ending(code, first.state(), asked.answers()))
+            self.endings.append(Ending(done.returncode, first.state(), asked.answers()))
+        self.listing = done.stdout if operation.words[:2] == ["plan", "list"] else None
         self.states = [start, self.endings[0].state]
         calls = list(counted_calls(trace.read_text(encoding="utf-8"), first.root))
         self.problems = [] if self.endings[0].code == 0 else [f"undisturbed: exit {self.endings[0].code}"]
@@ -144,7 +145,8 @@ class Trial:
 
     def dishonesty(self, case, done, which):
         problems = []
-        if done.returncode == 0 and which != 1:
+        # Who only lists plans may do so without migrating the store.
+        if done.returncode == 0 and which != 1 and done.stdout != self.listing:
             problems.append("tells success")
         if done.returncode not in (0, *(HONEST_OF_OPENING if "open" in case.call else HONEST)):
             problems.append(f"exit {done.returncode}")
