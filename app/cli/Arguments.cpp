@@ -169,4 +169,14 @@ Expected<std::string> textFromArgument(const std::string& option, const std::str
   return refused(option, text, "allowed is UTF-8 text");
 }
 
+Expected<std::string> filledTextFromArgument(const std::string& option, const std::string& text) {
+  if (text.find_first_not_of(' ') == std::string::npos) return pathFromArgument(option, "");
+  return textFromArgument(option, text);
+}
+
+Expected<std::string> pathFromArgument(const std::string& option, const std::string& text) {
+  if (!text.empty()) return text;
+  return tl::make_unexpected(failure(kExitUsage, option, "must not be empty"));
+}
+
 }  // namespace vantrel::cli

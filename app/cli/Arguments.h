@@ -49,5 +49,9 @@ Expected<bool> switchFromArgument(const std::string& option, const std::string& 
 
 /// Any UTF-8 text.
 Expected<std::string> textFromArgument(const std::string& option, const std::string& text);
+/// The same, but for blanks alone.
+Expected<std::string> filledTextFromArgument(const std::string& option, const std::string& text);
+/// Any bytes, for the system to judge, but not none.
+Expected<std::string> pathFromArgument(const std::string& option, const std::string& text);
 
 }  // namespace vantrel::cli

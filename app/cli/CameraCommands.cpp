@@ -30,11 +30,6 @@ struct Given {
   bool isFilm = false;
 };
 
-Expected<std::string> modelFromArgument(const std::string& option, const std::string& text) {
-  if (text.find_first_not_of(' ') != std::string::npos) return textFromArgument(option, text);
-  return tl::make_unexpected(failure(kExitUsage, option, "must not be empty"));
-}
-
 /// Beyond all lenses and film, and far below where a diagonal overflows.
 constexpr float kMost = 100'000;
 
@@ -146,7 +141,7 @@ int removeCamera(const std::string& name, Console& console) {
 
 void fillAdd(CLI::App& parser, Session& session) {
   const auto given = std::make_shared<Given>();
-  addValueOption(parser, "MODEL", given->model, &modelFromArgument, "", "Name of the model");
+  addValueOption(parser, "MODEL", given->model, &filledTextFromArgument, "", "Name of the model");
   const auto number = [&](const char* name, std::optional<float>& target, const char* unit,
                           const char* description) {
     return addValueOption(parser, name, target, &positiveFromArgument, unit, description);
@@ -167,7 +162,7 @@ void fillAdd(CLI::App& parser, Session& session) {
 
 std::shared_ptr<std::optional<std::string>> addCameraName(CLI::App& parser) {
   const auto name = std::make_shared<std::optional<std::string>>();
-  addValueOption(parser, "CAMERA", *name, &modelFromArgument, "",
+  addValueOption(parser, "CAMERA", *name, &filledTextFromArgument, "",
                  "Model, identifier, the first four or more of its characters, or URI");
   return name;
 }

@@ -64,9 +64,8 @@ std::shared_ptr<Question> addQuestion(CLI::App& parser) {
 }
 
 CLI::Option* addUsername(CLI::App& parser, Question& question) {
-  addTextOption(parser, "--username", question.service.username, "NAME",
-                "Your own account at GeoNames, instead of the program's");
-  return parser.get_option("--username");
+  return addValueOption(parser, "--username", question.service.username, &filledTextFromArgument,
+                        "NAME", "Your own account at GeoNames, instead of the program's");
 }
 
 constexpr const char* kWhoIsAsked =

@@ -10,6 +10,7 @@
 #include "cli/ChildProgram.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
+#include "cli/TerminalText.h"
 
 namespace vantrel::cli {
 
@@ -66,8 +67,9 @@ Expected<Json> lookUp(const std::string& subject, LocationCoordinate2D place,
         failure(kExitInternal, what, "vantrel-lookup ended without an answer"));
   }
   if (ended->exitCode == kExitDone) return answer;
+  // A service may answer in several lines; an error has one.
   return tl::make_unexpected(failure(static_cast<ExitCode>(ended->exitCode), what,
-                                     answer.value("error", std::string("failed"))));
+                                     printable(answer.value("error", "failed"))));
 }
 
 }  // namespace
@@ -88,7 +90,7 @@ Expected<TimeZone> timeZoneOfPlace(LocationCoordinate2D place, const PlaceServic
                                  : std::string();
     if (const auto zone = TimeZone::timeZoneWithName(name)) return *zone;
     const std::string why = name.empty() ? "the service knows none there"
-                                         : "this system knows no zone \"" + name + "\"";
+                                         : "this system knows no zone \"" + printable(name) + "\"";
     return tl::make_unexpected(failure(kExitBadData, "lookup timezone", why));
   });
 }

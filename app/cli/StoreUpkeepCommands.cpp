@@ -4,10 +4,12 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "cli/Arguments.h"
 #include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/StoreAccess.h"
+#include "cli/ValueOption.h"
 #include "platform/SerialMainQueue.h"
 #include "store/Database.h"
 
@@ -70,10 +72,16 @@ struct Kind {
 constexpr std::array kKinds = {Kind{"Planning", "Plans", "plans"},
                                Kind{"CustomPoi", "Places", "customPois"},
                                Kind{"CustomCamera", "Cameras", "customCameras"}};
-using Changes = std::array<Change, kKinds.size()>;
+using Counts = std::array<std::size_t, kKinds.size()>;
 
-Expected<std::size_t> countOfKind(const Kind& kind, ManagedObjectContext& context) {
-  return context.countForFetchRequest({.entityName = kind.entityName});
+Expected<Counts> countKinds(ManagedObjectContext& context) {
+  Counts counts{};
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    const auto count = context.countForFetchRequest({.entityName = kKinds[i].entityName});
+    if (!count) return tl::make_unexpected(count.error());
+    counts[i] = *count;
+  }
+  return counts;
 }
 
 Expected<void> removeDuplicates() {
@@ -88,38 +96,31 @@ Expected<void> removeDuplicates() {
 }
 
 /// How many of each kind would be left.
-Expected<void> foretell(Changes& changes) {
+Expected<Counts> foretell(Counts counts) {
   return Database::sharedInstance().duplicateObjects().map([&](const auto& duplicates) {
     for (std::size_t i = 0; i < kKinds.size(); ++i) {
-      const auto count = std::count_if(
+      counts[i] -= static_cast<std::size_t>(std::count_if(
           duplicates.begin(), duplicates.end(),
-          [&](const auto& object) { return object->entity().name == kKinds[i].entityName; });
-      changes[i].after = changes[i].before - static_cast<std::size_t>(count);
+          [&](const auto& object) { return object->entity().name == kKinds[i].entityName; }));
     }
+    return counts;
   });
 }
 
 int dedupe(bool isDryRun, Console& console) {
   const auto context = contextForReading();
   if (!context) return console.fail(context.error());
-  Changes changes;
-  for (std::size_t i = 0; i < kKinds.size(); ++i) {
-    const auto count = countOfKind(kKinds[i], **context);
-    if (!count) return console.fail(count.error());
-    changes[i].before = *count;
-  }
-  const auto done = isDryRun ? foretell(changes) : removeDuplicates();
-  if (!done) return console.fail(done.error());
+  const auto before = countKinds(**context);
+  if (!before) return console.fail(before.error());
+  const auto after = isDryRun ? foretell(*before)
+                              : removeDuplicates().and_then([&] { return countKinds(**context); });
+  if (!after) return console.fail(after.error());
   Json json = {{"dryRun", isDryRun}};
   std::string text;
   for (std::size_t i = 0; i < kKinds.size(); ++i) {
-    if (!isDryRun) {
-      const auto count = countOfKind(kKinds[i], **context);
-      if (!count) return console.fail(count.error());
-      changes[i].after = *count;
-    }
-    json[kKinds[i].jsonKey] = changes[i].json();
-    text += console.labelled(kKinds[i].label, changes[i].text());
+    const Change change{(*before)[i], (*after)[i]};
+    json[kKinds[i].jsonKey] = change.json();
+    text += console.labelled(kKinds[i].label, change.text());
   }
   console.print(console.isJson() ? jsonText(json) : text);
   return kExitDone;
@@ -130,11 +131,11 @@ int dedupe(bool isDryRun, Console& console) {
 void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
   CLI::App& copy = *parser.add_subcommand(
       "copy", "Copy a store with its pictures to a new place, at this version; OLD is only read");
-  const auto from = std::make_shared<std::string>();
-  const auto to = std::make_shared<std::string>();
-  copy.add_option("OLD", *from, "The store's .sqlite file")->required()->type_name("");
-  copy.add_option("NEW", *to, "A file that is not there yet")->required()->type_name("");
-  copy.callback([=, &session] { session.exitCode = copyStore(*from, *to, session.console); });
+  const auto from = std::make_shared<std::optional<std::string>>();
+  const auto to = std::make_shared<std::optional<std::string>>();
+  addValueOption(copy, "OLD", *from, &pathFromArgument, "", "The store's .sqlite file");
+  addValueOption(copy, "NEW", *to, &pathFromArgument, "", "A file that is not there yet");
+  copy.callback([=, &session] { session.exitCode = copyStore(**from, **to, session.console); });
 
   parser
       .add_subcommand("identifiers",
