@@ -13,13 +13,8 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr const char* kUnknown = "--";
 constexpr std::size_t kShortIdentifier = 8;
 using Row = std::vector<std::string>;
-
-std::string shown(const std::optional<std::string>& text) {
-  return text && !text->empty() ? printable(*text) : kUnknown;
-}
 
 std::string numberText(std::optional<float> value) {
   if (!value || !std::isfinite(*value)) return kUnknown;
@@ -40,11 +35,6 @@ std::string sizeText(std::optional<float> width, std::optional<float> height) {
 
 Json orNull(std::optional<float> value) {
   return value && std::isfinite(*value) ? Json(decimalOfFloat(*value)) : Json(nullptr);
-}
-
-template <typename T>
-Json orNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json(nullptr);
 }
 
 /// The rows with all columns but the last padded to the widest text of each.

@@ -12,11 +12,6 @@ namespace vantrel::cli {
 
 namespace {
 
-template <typename T>
-Json orNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
 Json instant(std::optional<Date> date, int offsetSeconds = 0) {
   const std::string text = date ? iso8601String(*date, offsetSeconds) : std::string();
   return text.empty() ? Json(nullptr) : Json(text);

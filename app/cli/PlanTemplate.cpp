@@ -17,12 +17,6 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr const char* kUnknown = "--";
-
-std::string shown(const std::optional<std::string>& text) {
-  return text && !text->empty() ? printable(*text) : kUnknown;
-}
-
 std::string dated(const Planning& plan, const DateFormatter& formatter) {
   const auto date = plan.date();
   const std::string text = date ? formatter.stringFromDate(*date) : "";

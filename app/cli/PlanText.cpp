@@ -16,7 +16,6 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr const char* kUnknown = "--";
 constexpr std::size_t kDayLength = 10;
 constexpr std::size_t kMinuteLength = 16;
 constexpr std::size_t kSecondLength = 19;
@@ -24,10 +23,6 @@ constexpr std::size_t kSecondLength = 19;
 constexpr std::size_t kWidestColumn = 44;
 /// As much of an identifier as tells one plan from another in any store made by hand.
 constexpr std::size_t kShortIdentifier = 8;
-
-std::string shown(const std::optional<std::string>& text) {
-  return text && !text->empty() ? printable(*text) : kUnknown;
-}
 
 /// Asked for by every row, and the same for the program's short life.
 const TimeZone& deviceZone() {

@@ -72,11 +72,6 @@ struct Planner {
   std::optional<bool> obstacle;
 };
 
-template <typename T>
-Json orNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
 std::string jsonOfPlanner(const Planner& planner, const StoredObserver& observer) {
   Json json = {
       {"mapLatitude", orNull(planner.mapLatitude)},

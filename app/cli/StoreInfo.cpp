@@ -57,11 +57,6 @@ std::string counted(const std::optional<std::size_t>& count) {
   return count ? std::to_string(*count) : "--";
 }
 
-template <typename T>
-Json orNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
 }  // namespace
 
 Expected<StoreInfo> storeInfo(const fs::path& path) {

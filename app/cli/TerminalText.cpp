@@ -81,6 +81,10 @@ std::string printable(std::string_view text) {
   return result;
 }
 
+std::string shown(const std::optional<std::string>& text) {
+  return text && !text->empty() ? printable(*text) : kUnknown;
+}
+
 std::string printableLines(std::string_view text, std::string_view indent) {
   std::string result;
   for (CodePoints at(text); at.next();) {

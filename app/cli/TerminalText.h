@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,7 +11,12 @@ namespace vantrel::cli {
 /// overrides and bytes that are no UTF-8 are shown as U+FFFD, white space as one space each.
 std::string printable(std::string_view text);
 
-/// The same for text of several lines: line breaks stay, each followed by `indent`.
+/// Stands for what is unknown.
+inline constexpr const char* kUnknown = "--";
+/// The printable text; kUnknown for none and for an empty one.
+std::string shown(const std::optional<std::string>& text);
+
+/// `printable` for text of several lines: line breaks stay, each followed by `indent`.
 std::string printableLines(std::string_view text, std::string_view indent);
 
 /// JSON text with the characters that `printable` replaces written as \uXXXX.
