@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <random>
 #include <set>
 
@@ -75,24 +74,10 @@ TEST(DuplicateSearch, NamesARecordOnceForEachThatItEquals) {
   EXPECT_THAT(next, ElementsAre(plans[1], plans[2]));
 }
 
-/// A plan as plain values, so that each can be compared with each beside the store.
-struct Plain {
-  std::optional<double> latitude, longitude, date;
-  std::optional<std::string> name;
-  std::size_t images = 0;
-};
-
-bool isPlainDuplicate(const Plain& a, const Plain& b) {
-  const auto areNear = [](const auto& x, const auto& y) {
-    return std::fabs(x.value_or(0) - y.value_or(0)) < 1e-7;
-  };
-  return areNear(a.latitude, b.latitude) && areNear(a.longitude, b.longitude) && a.date && a.name &&
-         a.date == b.date && a.name == b.name && a.images == b.images;
-}
-
 TEST(DuplicateSearch, FindsWhatComparingEachWithEachFinds) {
   const test::TemporaryDirectory directory;
   OpenStore store(directory / "Vantrel.sqlite");
+  Database database;
   std::mt19937 random(20260715);
   const auto below = [&](std::size_t end) { return static_cast<double>(random() % end); };
   const auto mostly = [&](auto value) {
@@ -106,30 +91,25 @@ TEST(DuplicateSearch, FindsWhatComparingEachWithEachFinds) {
     const double step = steps[random() % std::size(steps)];
     const double base = bases[random() % std::size(bases)];
     const std::size_t spread = 1 + random() % 12;
-    std::vector<Plain> plain(300);
-    std::vector<std::size_t> images;
-    ManagedObjectContext::Objects objects;
-    for (auto& one : plain) {
-      one = {mostly(base + step * below(spread)), mostly(base + step * below(spread)),
-             mostly(below(2)), mostly(std::string(40, random() % 2 ? 'a' : 'b')), random() % 2};
-      const auto object = store.insertPlan("", 0);
-      object->setLatitude(one.latitude);
-      object->setLongitude(one.longitude);
-      object->setDate(one.date ? std::optional(Date(*one.date)) : std::nullopt);
-      object->setName(one.name);
-      images.push_back(one.images);
-      objects.push_back(object);
+    ManagedObjectContext::Objects plans;
+    for (int i = 0; i < 300; ++i) {
+      const auto plan = store.insertPlan("", 0);
+      plan->setLatitude(mostly(base + step * below(spread)));
+      plan->setLongitude(mostly(base + step * below(spread)));
+      plan->setDate(mostly(Date(below(2))));
+      plan->setName(mostly(std::string(40, random() % 2 ? 'a' : 'b')));
+      plans.push_back(plan);
     }
-    std::set<std::size_t> expected;
-    for (std::size_t i = 0; i < plain.size(); ++i) {
-      for (std::size_t j = i + 1; j < plain.size(); ++j) {
-        if (isPlainDuplicate(plain[i], plain[j])) expected.insert(j);
-      }
+    const auto all = database.duplicateObjectsInArray(
+        plans, [](const auto& a, const auto& b) { return isDuplicate(kPlanningRule, a, b); });
+    const std::set<std::shared_ptr<ManagedObject>> expected(all.begin(), all.end());
+    std::set<std::shared_ptr<ManagedObject>> actual;
+    const std::vector<std::size_t> images(plans.size(), 0);
+    for (const auto index : DuplicateSearch(kPlanningRule, plans, images).indexes()) {
+      EXPECT_TRUE(actual.insert(plans[index]).second);
     }
     found += expected.size();
-    EXPECT_THAT(DuplicateSearch(kPlanningRule, objects, images).indexes(),
-                testing::ElementsAreArray(expected))
-        << "round " << round << ", step " << step << ", base " << base;
+    EXPECT_EQ(actual, expected) << "round " << round << ", step " << step << ", base " << base;
     store.context.reset();
   }
   EXPECT_GT(found, 1000u);
