@@ -62,8 +62,8 @@ TEST(DuplicateSearch, JudgesAPair) {
 TEST(DuplicateSearch, NamesARecordOnceForEachThatItEquals) {
   const test::TemporaryDirectory directory;
   OpenStore store(directory / "Vantrel.sqlite");
-  std::vector<std::shared_ptr<ManagedObject>> plans;
-  for (int i = 0; i < 3; ++i) plans.push_back(store.insertPlan("a", 1));
+  ManagedObjectContext::Objects plans(3);
+  for (auto& plan : plans) plan = store.insertPlan("a", 1);
   Database database;
   const auto all = database.duplicateObjectsInArray(
       plans, [](const auto& a, const auto& b) { return isDuplicate(kPlanningRule, a, b); });
