@@ -87,12 +87,12 @@ TEST(DuplicateSearch, FindsWhatComparingEachWithEachFinds) {
   const double bases[] = {0, -3e-7, 41.39, -90, 180, 1073741823.9999998, 1e300};
   const double steps[] = {1e-7, 3e-8, 4.9e-8, 5.96e-8, 9.9e-8};
   std::size_t found = 0;
-  for (int round = 0; round < 60; ++round) {
+  for (int round = 0; round < 40; ++round) {
     const double step = steps[random() % std::size(steps)];
     const double base = bases[random() % std::size(bases)];
     const std::size_t spread = 1 + random() % 12;
     ManagedObjectContext::Objects plans;
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 150; ++i) {
       const auto plan = store.insertPlan("", 0);
       plan->setLatitude(mostly(base + step * below(spread)));
       plan->setLongitude(mostly(base + step * below(spread)));
