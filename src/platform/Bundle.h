@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,7 +12,7 @@
 
 namespace vantrel {
 
-/// The program's resources: models, the static store, string tables by language. Main thread.
+/// The program's resources: models, the static store, string tables by language. Any thread.
 class Bundle {
  public:
   explicit Bundle(std::filesystem::path root) : root_(std::move(root)) {}
@@ -35,9 +36,12 @@ class Bundle {
 
  private:
   const StringTable& table(std::string_view name) const;
+  /// With the mutex held.
   const std::vector<std::string>& localizations() const;
 
   std::filesystem::path root_;
+  /// Guards what is found on first use; found once, it does not change again.
+  mutable std::mutex mutex_;
   /// The folders to look for a table in, best first; found on the first look-up.
   mutable std::optional<std::vector<std::string>> localizations_;
   mutable std::map<std::string, StringTable, std::less<>> tables_;
