@@ -49,13 +49,6 @@ class CommandLineTest : public testing::Test {
     EXPECT_EQ(result.errors.find('\x1b'), std::string::npos);
   }
 
-  /// Runs a command that is to say nothing.
-  void expectQuiet(const std::vector<std::string>& arguments) const {
-    const auto result = run(arguments);
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.output + result.errors, "");
-  }
-
   /// Adds a plan and gives its identifier.
   std::string add(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {"plan", "add"});
@@ -65,12 +58,6 @@ class CommandLineTest : public testing::Test {
   }
 
   const std::filesystem::path& container() const { return container_; }
-  std::filesystem::path settings() const {
-    return container() / "Library/Preferences/group.vantrel.vantrel.plist";
-  }
-  std::filesystem::path standardSettings() const {
-    return directory_ / "config/vantrel/vantrel.plist";
-  }
   std::filesystem::path store() const { return container_ / "Vantrel.sqlite"; }
 
  private:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs every command line that the papers, pages and --help show; each must be understood and do.
+"""Runs every command line that documents, pages and --help show; each must be understood and do.
 
 usage: shown_commands_test.py BUILD-FOLDER SOURCE-FOLDER
 
@@ -91,9 +91,9 @@ class ShownCommands(unittest.TestCase):
         self.check(from_markdown((SOURCE / "README.md").read_text()), 20)
 
     def test_in_docs(self):
-        for paper in sorted((SOURCE / "docs").glob("*.md")):
-            with self.subTest(paper.name):
-                self.check(from_markdown(paper.read_text()), 0)
+        for document in sorted((SOURCE / "docs").glob("*.md")):
+            with self.subTest(document.name):
+                self.check(from_markdown(document.read_text()), 0)
 
     def test_in_pages(self):
         for page in ("vantrel.1", "vantrel-today.1"):
