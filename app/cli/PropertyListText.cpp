@@ -97,7 +97,8 @@ Expected<PropertyList> valueFromText(const std::string& type, const std::string&
   const std::string option = "VALUE";
   if (type == "bool") return switchFromArgument(option, text).map(&PropertyList::boolean);
   if (type == "int") return integerFromArgument(option, text).map(&PropertyList::integer);
-  if (type == "float") return floatFromArgument(option, text).map(&PropertyList::realOfSinglePrecision);
+  if (type == "float")
+    return floatFromArgument(option, text).map(&PropertyList::realOfSinglePrecision);
   if (type == "double") return realFromArgument(option, text).map(&PropertyList::real);
   if (type == "string") return stringFromArgument(option, text);
   if (type == "data") return dataFromArgument(option, text);
