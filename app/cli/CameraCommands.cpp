@@ -34,7 +34,7 @@ struct Given {
 constexpr float kMost = 100'000;
 
 Expected<float> positiveFromArgument(const std::string& option, const std::string& text) {
-  const auto number = floatFromArgument(option, text);
+  auto number = floatFromArgument(option, text);
   if (number && *number > 0 && *number <= kMost) return number;
   return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"",
                                      "allowed are numbers above 0, up to 100000"));
@@ -161,7 +161,7 @@ void fillAdd(CLI::App& parser, Session& session) {
 }
 
 std::shared_ptr<std::optional<std::string>> addCameraName(CLI::App& parser) {
-  const auto name = std::make_shared<std::optional<std::string>>();
+  auto name = std::make_shared<std::optional<std::string>>();
   addValueOption(parser, "CAMERA", *name, &filledTextFromArgument, "",
                  "Model, identifier, the first four or more of its characters, or URI");
   return name;

@@ -113,6 +113,7 @@ std::string cameraTable(const CustomCamera::Cameras& cameras, const Console& con
 
 std::string sensorTable(const std::vector<SensorFormat>& sensors) {
   std::vector<Row> rows;
+  rows.reserve(sensors.size());
   for (const auto& sensor : sensors) {
     rows.push_back({printable(sensor.name), sizeText(sensor.width, sensor.height)});
   }
