@@ -14,10 +14,10 @@
 #include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
+#include "cli/NextMidnight.h"
 #include "cli/PlanJson.h"
 #include "cli/StoreAccess.h"
 #include "cli/TodayText.h"
-#include "platform/Calendar.h"
 #include "platform/Clock.h"
 #include "store/Database.h"
 
@@ -29,16 +29,6 @@ namespace {
 constexpr const char* kShown = "VANTREL_WATCH_SHOWN";
 
 enum class Form { kText, kJson, kBar };
-
-Date nextMidnight(Date now) {
-  const Calendar calendar = Calendar::currentCalendar();
-  const DateComponents today = calendar.components(now);
-  DateComponents tomorrow;
-  tomorrow.year = today.year;
-  tomorrow.month = today.month;
-  tomorrow.day = *today.day + 1;
-  return calendar.dateFromComponents(tomorrow);
-}
 
 /// When time alone makes the list another: a plan begins, or a day.
 Date nextBoundary(const Expected<TodayList>& today) {

@@ -4,7 +4,7 @@
 #include <QSocketNotifier>
 #include <chrono>
 
-#include "platform/Calendar.h"
+#include "cli/NextMidnight.h"
 #include "platform/Clock.h"
 #include "platform/TimeZone.h"
 
@@ -21,16 +21,6 @@ Date systemNow() {
   const std::chrono::duration<double> sinceEpoch =
       std::chrono::system_clock::now().time_since_epoch();
   return Date::dateWithTimeIntervalSince1970(sinceEpoch.count());
-}
-
-Date nextMidnight(Date now) {
-  const Calendar calendar = Calendar::currentCalendar();
-  const DateComponents today = calendar.components(now);
-  DateComponents tomorrow;
-  tomorrow.year = today.year;
-  tomorrow.month = today.month;
-  tomorrow.day = *today.day + 1;
-  return calendar.dateFromComponents(tomorrow);
 }
 
 }  // namespace
@@ -71,7 +61,7 @@ void RefreshTriggers::ignoreStoreChangesSoFar() {
 void RefreshTriggers::armForMidnight() {
   // The program's present instant may be another than the system's; time passes alike for both.
   const Date now = Clock::sharedClock().now();
-  const double remaining = nextMidnight(now).timeIntervalSinceDate(now);
+  const double remaining = cli::nextMidnight(now).timeIntervalSinceDate(now);
   midnight_.fireAt(systemNow().dateByAddingTimeInterval(remaining));
 }
 
