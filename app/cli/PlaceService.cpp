@@ -3,33 +3,18 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 #include "cli/ChildProgram.h"
 #include "cli/ExitCode.h"
+#include "cli/HelperProgram.h"
 #include "cli/JsonText.h"
 #include "cli/TerminalText.h"
 
 namespace vantrel::cli {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-/// Beside this program as it is built, or where it is installed. What else bears the name, in the
-/// current folder or on the PATH, is none of ours.
-std::optional<fs::path> lookupProgram() {
-  std::error_code error;
-  const fs::path own = fs::read_symlink("/proc/self/exe", error).parent_path();
-  if (error) return std::nullopt;
-  for (const char* place : {"vantrel-lookup", VANTREL_LIBEXEC_FROM_BIN "/vantrel-lookup"}) {
-    const fs::path program = (own / place).lexically_normal();
-    if (fs::is_regular_file(program, error)) return program;
-  }
-  return std::nullopt;
-}
 
 std::vector<std::string> argumentsFor(const std::string& subject, LocationCoordinate2D place,
                                       const PlaceService& service) {
@@ -54,11 +39,8 @@ Expected<Json> lookUp(const std::string& subject, LocationCoordinate2D place,
         std::fabs(place.longitude) <= kMostLongitude)) {
     return tl::make_unexpected(failure(kExitBadData, what, "there is no such place on Earth"));
   }
-  const auto program = lookupProgram();
-  if (!program) {
-    return tl::make_unexpected(
-        failure(kExitUnavailable, what, "vantrel-lookup is not installed beside this program"));
-  }
+  const auto program = helperProgram("vantrel-lookup");
+  if (!program) return tl::make_unexpected(program.error());
   const auto ended = outputOfProgram(*program, argumentsFor(subject, place, service));
   if (!ended) return tl::make_unexpected(ended.error());
   Json answer = Json::parse(ended->output, nullptr, false);
