@@ -22,7 +22,7 @@ std::vector<std::string> alternatives(const std::string& text) {
 Offer offerFor(const std::string& value) {
   if (value == "PLAN") return Offer::kPlan;
   if (value == "ZONE") return Offer::kZone;
-  if (value.starts_with("FILE") || value == "STORE") return Offer::kFile;
+  if (value.starts_with("FILE") || value == "OLD" || value == "NEW") return Offer::kFile;
   return value == "FOLDER" ? Offer::kFolder : Offer::kNothing;
 }
 

@@ -211,7 +211,7 @@ Lines zshFunction(const CommandTable& table, const TableCommand& command) {
   }
   lines += "  local curcontext=$curcontext state line\n  _arguments -C -s :" +
            zshOptionsAt(table, command) +
-           " \\\n    '1: :->command' \\\n    '*:: :->rest' && return\n"
+           " \\\n    '(-): :->command' \\\n    '(-)*:: :->rest' && return\n"
            "  case $state in\n    command)\n      local -a commands=(\n";
   for (const auto& one : below) {
     lines += "        " + quoted(one.name() + ":" + one.description) + "\n";

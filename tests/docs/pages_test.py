@@ -4,13 +4,14 @@
 usage: pages_test.py BUILD-FOLDER
 
 --help is walked from outside; the pages and completions were made another way. Shells and page
-readers of the system say whether they are well-formed, and bash and fish what they complete."""
+readers of the system say whether they are well-formed, and shells what they complete."""
 
 import os
 import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 import unittest
 
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
@@ -43,6 +44,42 @@ COMMANDS = {path: options for program in PROGRAMS for path, options in walk((pro
 
 def below(path):
     return {other[-1] for other in COMMANDS if other[:-1] == path}
+
+
+# Asked for what it would offer for each line, at the first prompt.
+ZSH = """fpath=(%s/zsh/vendor-completions $fpath)
+autoload -Uz compinit && compinit -uD
+compadd() {
+  local -a found
+  if [[ ${@[1,(i)(-|--)]} != *-[OAD]\\ * ]]; then
+    builtin compadd -A found "$@"
+    print -rl -- $found >> $ZDOTDIR/offers
+  fi
+  builtin compadd "$@"
+}
+zle-line-init() {
+  for BUFFER in ${(f)"$(<$ZDOTDIR/lines)"}; do
+    CURSOR=$#BUFFER
+    print -r -- "=== $BUFFER" >> $ZDOTDIR/offers
+    zle offer
+  done
+  exit
+}
+zle -C offer list-choices _main_complete
+zle -N zle-line-init
+""" % SHARE
+
+
+def offered_by_zsh(lines, environment):
+    """{line: words}; it completes only on a terminal."""
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        (folder / ".zshrc").write_text(ZSH)
+        (folder / "lines").write_text("\n".join(lines))
+        output("script", "-qc", "zsh -d -i", "/dev/null",
+               env={**environment, "ZDOTDIR": name, "TERM": "xterm"})
+        answers = (folder / "offers").read_text().split("=== ")[1:]
+    return {line: words.split("\n") for line, words in (one.split("\n", 1) for one in answers)}
 
 
 class Pages(unittest.TestCase):
@@ -113,18 +150,8 @@ class Completions(unittest.TestCase):
                              for line, answer in zip(self.lines(), answers)})
 
     def test_of_zsh(self):
-        # It completes only what a person types; the functions it would run are read instead.
-        for program in PROGRAMS:
-            text = (SHARE / f"zsh/vendor-completions/_{program}").read_text()
-            functions = dict(re.findall(r"^(_\S+)\(\) \{\n((?:  .*\n)*)\}", text, re.M))
-            for path, options in COMMANDS.items():
-                if path[0] == program:
-                    body = functions["_" + "_".join(path)]
-                    for option in options:
-                        self.assertRegex(body, rf"'\([^)]*\){option}=?\[", path)
-                    for name in below(path):
-                        self.assertIn(f" '{name}:", body)
-                        self.assertIn(f" {name}) _{'_'.join((*path, name))} ;;", body)
+        answers = offered_by_zsh([" ".join(line) for line in self.lines()], os.environ)
+        self.assert_offered({l: answers[" ".join(l)] for l in self.lines()})
 
     def test_of_plans(self):
         with_plan = {**os.environ, "PATH": f"{BUILD}:{os.environ['PATH']}"}
@@ -139,6 +166,9 @@ class Completions(unittest.TestCase):
                 "complete -C 'vantrel plan edit '")
         self.assertEqual(output("fish", "--no-config", "-c", fish, env=with_plan),
                          plan + "\tA: b\n")
+        # An option may stand between the commands, and before the plan.
+        line = "vantrel plan --quiet show --json "
+        self.assertEqual(offered_by_zsh([line], with_plan)[line], [plan, ""])
 
 
 if __name__ == "__main__":
