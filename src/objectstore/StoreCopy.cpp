@@ -79,6 +79,9 @@ void copyStore(const fs::path& from, StoreDraft& draft) {
   std::error_code error;
   // The logs stand beside the file that a link leads to.
   const fs::path file = fs::weakly_canonical(from);
+  if (fs::is_directory(file, error)) {
+    failStore(StoreErrorCode::kNotAStore, "a folder is not a store; name the .sqlite file in it");
+  }
   const bool isInUse = fs::exists(fs::path(file) += "-shm", error);
   const auto before = stateOf(file);
   const auto source = openWithoutTrace(file, isInUse);

@@ -74,6 +74,7 @@ TEST_F(StoreUpkeepCommands, CopyAWholeStoreOrNone) {
   EXPECT_EQ(run({"store", "copy", copy, copy + "2"}).exitCode, 66);
   EXPECT_EQ(run({"store", "copy", store(), container() / "none/Copy.sqlite"}).exitCode, 73);
   EXPECT_EQ(run({"store", "copy", store(), ""}).exitCode, 64);
+  EXPECT_EQ(run({"store", "copy", container(), copy}).exitCode, 65);
   EXPECT_THAT(run({"store", "copy", "-.5", copy}).errors, testing::HasSubstr("-.5: there is no"));
   // No file may grow beyond some blocks of 512 bytes, as on a disk that is full.
   const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "vantrel";
