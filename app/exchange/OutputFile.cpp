@@ -32,7 +32,7 @@ tl::unexpected<Error> OutputFile::failed(int error) const {
 
 Expected<void> OutputFile::open() {
   std::error_code error;
-  target_ = std::filesystem::weakly_canonical(path_, error);
+  target_ = std::filesystem::weakly_canonical(std::filesystem::absolute(path_, error), error);
   if (error) target_ = path_;
   struct stat status {};
   const bool exists = ::stat(target_.c_str(), &status) == 0;
@@ -43,8 +43,13 @@ Expected<void> OutputFile::open() {
     return {};
   }
   const std::string beside = target_.string() + ".part" + std::to_string(::getpid());
-  file_ =
-      ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
+  // One without a name is gone when the program is stopped. Not every file system has such.
+  file_ = ::open(target_.parent_path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kNewFileMode);
+  isNameless_ = file_ >= 0;
+  if (!isNameless_) {
+    file_ =
+        ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
+  }
   if (file_ < 0) return failed(errno);
   beside_ = beside;
   if (exists && ::fchmod(file_, status.st_mode & kPermissions) != 0) return failed(errno);
@@ -70,7 +75,13 @@ Expected<void> OutputFile::finish() {
   flush();
   if (error_ != 0) return failed(error_);
   if (beside_.empty()) return {};
-  if (::fsync(file_) != 0 || ::rename(beside_.c_str(), target_.c_str()) != 0) return failed(errno);
+  if (::fsync(file_) != 0) return failed(errno);
+  const std::string nameless = "/proc/self/fd/" + std::to_string(file_);
+  if (isNameless_ &&
+      ::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, beside_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+    return failed(errno);
+  }
+  if (::rename(beside_.c_str(), target_.c_str()) != 0) return failed(errno);
   beside_.clear();
   return {};
 }

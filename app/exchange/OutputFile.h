@@ -32,6 +32,7 @@ class OutputFile {
   std::filesystem::path path_;
   std::filesystem::path target_;  ///< `path_` with its links followed.
   std::filesystem::path beside_;  ///< Empty when `path_` itself is written to.
+  bool isNameless_ = false;       ///< Then `beside_` is there only at the end.
   std::string pending_;
   int file_ = -1;
   int error_ = 0;
