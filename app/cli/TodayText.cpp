@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "base/Log.h"
 #include "cli/JsonText.h"
 #include "cli/PlanText.h"
 #include "cli/TerminalText.h"
@@ -89,7 +90,8 @@ std::optional<std::string> localText(const Planning& plan, DateFormatter& format
   const std::string day = styled(Style::kShort, Style::kNone, std::nullopt);
   const bool sameDay = day == styled(Style::kShort, Style::kNone, zone);
   const std::string time = styled(Style::kNone, Style::kShort, std::nullopt);
-  return zone.name() + ", " + (sameDay ? "" : day + " ") + time + " here";
+  return stringWithFormat(Bundle::mainBundle().localizedString("today_local_time", "", "Today"),
+                          {zone.name(), sameDay ? time : day + " " + time});
 }
 
 }  // namespace
