@@ -8,6 +8,8 @@
 
 #include "platform/Bundle.h"
 #include "platform/qt/QtParagraph.h"
+#include "store/Database.h"
+#include "today/PlanOpening.h"
 
 namespace vantrel {
 
@@ -23,9 +25,14 @@ std::string text(std::string_view key) {
 
 PlanSheetWindow::PlanSheetWindow(QtTextMeasurer& measurer, LinkOpener& opener,
                                  std::optional<bool> dark)
-    : CardWindow(measurer, dark), opener_(opener), sheet_(new PlanSheetWidget(measurer, this)) {
+    : CardWindow(measurer, dark),
+      triggers_(Database::sharedInstance().groupStoreURL().value_or(std::filesystem::path())),
+      opener_(opener),
+      sheet_(new PlanSheetWidget(measurer, this)) {
   setWidget(sheet_);
   sheet_->resize(size());
+  connect(&triggers_, &RefreshTriggers::storeChanged, this, &PlanSheetWindow::renew);
+  connect(&triggers_, &RefreshTriggers::timeZoneChanged, this, &PlanSheetWindow::renew);
   connect(sheet_, &PlanSheetWidget::copyPressed, this, [this] { copy(link()); });
   connect(sheet_, &PlanSheetWidget::barActed, this, [this] { copy(sheet_->content().geoLink); });
   connect(sheet_, &PlanSheetWidget::placePressed, this, &PlanSheetWindow::openPlace);
@@ -40,6 +47,14 @@ void PlanSheetWindow::showPlan(PlanSheetContent content) {
   setWindowTitle(QtParagraph::textToShow(content.title));
   sheet_->showPlan(std::move(content));
   fitHeight();
+}
+
+/// What was shown stays where the plan is gone, and that is told.
+void PlanSheetWindow::renew() {
+  const auto plan = planOfLink(link());
+  triggers_.ignoreStoreChangesSoFar();
+  if (plan) return showPlan(PlanSheetContent::make(**plan, PlanDescription()));
+  sheet_->setBar(CardContent::Bar{messageForLinkError(plan.error()), {}});
 }
 
 void PlanSheetWindow::applySettings(const Theme& theme, const QColor& background,

@@ -5,10 +5,11 @@
 #include "today/CardWindow.h"
 #include "today/LinkOpener.h"
 #include "today/PlanSheetWidget.h"
+#include "today/RefreshTriggers.h"
 
 namespace vantrel {
 
-/// The window of one plan's sheet. Main thread.
+/// The window of one plan's sheet, which follows the plan and the time zone. Main thread.
 class PlanSheetWindow : public CardWindow {
   Q_OBJECT
 
@@ -26,9 +27,11 @@ class PlanSheetWindow : public CardWindow {
   void applySettings(const Theme& theme, const QColor& background, bool newTextScale) override;
 
  private:
+  void renew();
   void copy(const std::string& text);
   void openPlace();
 
+  RefreshTriggers triggers_;
   LinkOpener& opener_;
   PlanSheetWidget* sheet_;
 };

@@ -51,6 +51,7 @@ class PlanSheetTest : public testing::Test {
   QString clipboard() { return QApplication::clipboard()->text(); }
 
   test::TemporaryDirectory home_;
+  test::EnvironmentGuard group_{"VANTREL_GROUP_CONTAINER", home_.path().string()};
   test::EnvironmentGuard bus_{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"};
   test::EnvironmentGuard locale_{"LC_ALL", "en_US.UTF-8"};
   test::EnvironmentGuard zone_{"TZ", "Europe/Madrid"};
@@ -103,6 +104,17 @@ TEST_F(PlanSheetTest, KeysReachTheLinkAndThePlace) {
 
   QTest::keyClick(&window, Qt::Key_Escape);
   EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(PlanSheetTest, FollowsItsPlan) {
+  show();
+  plan_->setName("Sunset");
+  ASSERT_TRUE(store_.context.save());
+  EXPECT_TRUE(test::waitFor([&] { return spoken().starts_with("Sunset\n"); }));
+  store_.context.deleteObject(plan_);
+  ASSERT_TRUE(store_.context.save());
+  EXPECT_TRUE(test::waitFor([&] { return spoken().find("not among") != std::string::npos; }));
+  EXPECT_NE(spoken().find("Sunset\n"), std::string::npos);
 }
 
 TEST_F(PlanSheetTest, MirroredItIsHitWhereItIsSeen) {
