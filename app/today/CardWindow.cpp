@@ -49,7 +49,7 @@ CardWindow::CardWindow(QtTextMeasurer& measurer, std::optional<bool> dark)
 
 void CardWindow::takeDesktopSettings() {
   const bool dark = wantsDark_.value_or(cardIsDark(desktop_.isDark()));
-  const Theme theme = Theme::forStyle(dark);
+  const Theme theme = Theme::forStyle(dark, desktop_.wantsContrast());
   // The desktop's own colour, where it has taken part in the change of scheme.
   const QColor own = QGuiApplication::palette().color(QPalette::Window);
   // The measurer serves every window: another one may have set it before.

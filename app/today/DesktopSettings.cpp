@@ -21,6 +21,7 @@ const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString kAppearance = QStringLiteral("org.freedesktop.appearance");
 const QString kGnome = QStringLiteral("org.gnome.desktop.interface");
 const QString kColorScheme = QStringLiteral("color-scheme");
+const QString kContrast = QStringLiteral("contrast");
 const QString kReducedMotion = QStringLiteral("reduced-motion");
 const QString kEnableAnimations = QStringLiteral("enable-animations");
 const QString kTextScalingFactor = QStringLiteral("text-scaling-factor");
@@ -55,6 +56,7 @@ DesktopSettings::DesktopSettings(QObject* parent) : QObject(parent) {
   bus.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
               SLOT(settingChanged(QDBusMessage)));
   ask(kAppearance, kColorScheme);
+  ask(kAppearance, kContrast);
   ask(kAppearance, kReducedMotion);
   ask(kGnome, kEnableAnimations);
   ask(kGnome, kTextScalingFactor);
@@ -98,6 +100,7 @@ bool DesktopSettings::take(const QString& group, const QString& key, QVariant va
     if (value.toUInt() == kPrefersLight) dark = false;
     return replace(dark_, dark);
   }
+  if (group == kAppearance && key == kContrast) return replace(highContrast_, value.toUInt() == 1);
   if (group == kAppearance && key == kReducedMotion) {
     return replace(reducedMotion_, value.toUInt() == 1);
   }

@@ -8,7 +8,7 @@
 
 namespace vantrel {
 
-/// What the user chose for all applications: colour scheme, motion, text size. Asked of the
+/// What the user chose for all applications: colours, motion, text size. Asked of the
 /// desktop's settings portal and followed while the program runs; without a portal the palette and
 /// the font decide. Main thread.
 class DesktopSettings : public QObject {
@@ -18,6 +18,7 @@ class DesktopSettings : public QObject {
   explicit DesktopSettings(QObject* parent = nullptr);
 
   bool isDark() const;
+  bool wantsContrast() const { return highContrast_; }
   bool reducesMotion() const { return reducedMotion_ || !animations_; }
   /// Factor on the card's texts, 1 for a desktop as it is delivered.
   double textScale() const;
@@ -36,6 +37,7 @@ class DesktopSettings : public QObject {
   bool take(const QString& group, const QString& key, QVariant value);
 
   std::optional<bool> dark_;
+  bool highContrast_ = false;
   bool reducedMotion_ = false;
   bool animations_ = true;
   double textScalingFactor_ = 1;

@@ -63,8 +63,13 @@ Theme lightTheme() {
 
 }  // namespace
 
-Theme Theme::forStyle(bool dark) {
+Theme Theme::forStyle(bool dark, bool highContrast) {
   Theme theme = dark ? darkTheme() : lightTheme();
+  if (highContrast) {
+    theme.name = theme.sheetText;
+    theme.barText = theme.sheetText;
+    theme.action = dark ? QColor(0x9B, 0xE4, 0xF4) : QColor(0x06, 0x4B, 0x5B);
+  }
   theme.barStripe = opaque(palette::vantrelRed());
   return theme;
 }

@@ -22,7 +22,8 @@ struct Theme {
   QColor barStripe;
   double shadowOpacity = 0;
 
-  static Theme forStyle(bool dark);
+  /// With `highContrast` all texts have at least 7:1 instead of 4.5:1.
+  static Theme forStyle(bool dark, bool highContrast = false);
   /// The colour as this style draws it.
   QColor resolved(const Color& color) const;
   /// What to lay behind a row's text so that it can be read: the backing for a row that a touch

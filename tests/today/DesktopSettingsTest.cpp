@@ -51,13 +51,15 @@ TEST(DesktopSettings, FollowThePortal) {
   OldPortal portal;
   portal.bus = bus;
   portal.settings = {{"org.freedesktop.appearance color-scheme", 1u},
+                     {"org.freedesktop.appearance contrast", 1u},
                      {"org.gnome.desktop.interface enable-animations", false}};
   ASSERT_TRUE(bus.registerObject(kPath, &portal, QDBusConnection::ExportAllSlots));
   ASSERT_TRUE(bus.registerService("org.freedesktop.portal.Desktop"));
 
   DesktopSettings desktop;
   EXPECT_FALSE(desktop.isDark()) << "the palette's, until the portal answers";
-  ASSERT_TRUE(test::waitFor([&] { return desktop.isDark() && desktop.reducesMotion(); }));
+  ASSERT_TRUE(test::waitFor(
+      [&] { return desktop.isDark() && desktop.wantsContrast() && desktop.reducesMotion(); }));
 
   const auto change = [&](uint scheme) {
     auto signal = QDBusMessage::createSignal(kPath, kInterface, "SettingChanged");
