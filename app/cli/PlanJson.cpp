@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "base/Iso8601.h"
-#include "base/PercentEncoding.h"
 #include "cli/JsonText.h"
+#include "cli/PlanLink.h"
 #include "cli/PlanText.h"
 #include "platform/Clock.h"
 
@@ -51,11 +51,6 @@ Json jsonOfToday(const TodayList& today) {
 }
 
 }  // namespace
-
-std::string deepLink(const Planning& plan) {
-  return "vantrel://plan?id=" +
-         percentEncoded(plan.objectID().URIRepresentation(), kUrlHostAllowedCharacterSet);
-}
 
 std::string jsonText(const Planning& plan) {
   return jsonText(jsonOfPlan(plan));

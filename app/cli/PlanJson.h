@@ -10,9 +10,6 @@
 
 namespace vantrel::cli {
 
-/// "vantrel://plan?id=..." for the plan.
-std::string deepLink(const Planning& plan);
-
 /// JSON texts with a line break at the end: keys in a fixed order, absent values null, instants in
 /// ISO 8601, nothing that depends on the locale but the texts of the widget.
 std::string jsonText(const Planning& plan);

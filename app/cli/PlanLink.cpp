@@ -38,6 +38,11 @@ std::string excerpt(const std::string& text) {
 
 }  // namespace
 
+std::string deepLink(const Planning& plan) {
+  return std::string(kLinkStart) +
+         percentEncoded(plan.objectID().URIRepresentation(), kUrlHostAllowedCharacterSet);
+}
+
 Expected<std::string> uriFromLink(const std::string& link) {
   if (link.starts_with(kLinkStart) && link.size() <= kLongestLink) {
     const std::string_view encoded = std::string_view(link).substr(kLinkStart.size());

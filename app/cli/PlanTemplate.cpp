@@ -7,7 +7,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/ExitCode.h"
-#include "cli/PlanJson.h"
+#include "cli/PlanLink.h"
 #include "cli/PlanText.h"
 #include "cli/Suggestion.h"
 #include "cli/TerminalText.h"

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "base/Iso8601.h"
-#include "cli/PlanJson.h"
+#include "cli/PlanLink.h"
 #include "cli/TerminalText.h"
 
 namespace vantrel::cli {

@@ -17,10 +17,7 @@ namespace {
 using cli::failure;
 
 Error fileError(const std::string& file, int code) {
-  const auto exitCode = code == ENOENT   ? cli::kExitMissing
-                        : code == EACCES ? cli::kExitPermission
-                                         : cli::kExitInputOutput;
-  return failure(exitCode, file, std::strerror(code));
+  return failure(cli::exitCodeForReading(code), file, std::strerror(code));
 }
 
 /// The first line of the file, "-" being standard input.

@@ -34,4 +34,21 @@ QFont barAction(const QtTextMeasurer& measurer) {
   return fontOf(measurer, 13, QFont::DemiBold);
 }
 
+QFont text(CardContent::Text::Kind kind, const QtTextMeasurer& measurer) {
+  using Kind = CardContent::Text::Kind;
+  switch (kind) {
+    case Kind::kTitle:
+      return fontOf(measurer, 20, QFont::Bold);
+    case Kind::kCaption:
+      return fontOf(measurer, 12, QFont::Medium);
+    case Kind::kZone:
+      return fontOf(measurer, 13, QFont::Normal);
+    case Kind::kWhen:
+    case Kind::kDetail:
+    case Kind::kPlace:
+      break;
+  }
+  return fontOf(measurer, 15, QFont::Normal);
+}
+
 }  // namespace vantrel::cardfonts

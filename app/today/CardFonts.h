@@ -2,6 +2,8 @@
 
 #include <QFont>
 
+#include "today/CardContent.h"
+
 namespace vantrel {
 class QtTextMeasurer;
 }
@@ -13,5 +15,6 @@ QFont name(const QtTextMeasurer& measurer);
 QFont action(const QtTextMeasurer& measurer);
 QFont barText(const QtTextMeasurer& measurer);
 QFont barAction(const QtTextMeasurer& measurer);
+QFont text(CardContent::Text::Kind kind, const QtTextMeasurer& measurer);
 
 }  // namespace vantrel::cardfonts

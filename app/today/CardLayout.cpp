@@ -3,8 +3,8 @@
 #include <QFont>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include "platform/qt/QtParagraph.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "today/CardFonts.h"
 
@@ -23,6 +23,19 @@ constexpr double kActionMargin = 14;
 constexpr double kShapeSide = 8;
 constexpr double kShapeAir = 4;
 constexpr double kColumnGap = 12;
+constexpr double kTextRight = 24;
+constexpr double kTextsTop = 14;
+constexpr double kTextsBottom = 20;
+
+/// What is free above a text that is not the first.
+double gapAbove(CardContent::Text::Kind kind) {
+  using Kind = CardContent::Text::Kind;
+  return kind == Kind::kCaption ? 14 : kind == Kind::kWhen ? 6 : 2;
+}
+
+QRectF shapeAround(const QRectF& rect) {
+  return rect.adjusted(-kShapeSide, -kShapeAir, kShapeSide, kShapeAir);
+}
 
 QRectF toQRectF(const Rect& rect, QPointF origin) {
   return {origin.x() + rect.origin.x, origin.y() + rect.origin.y, rect.size.width,
@@ -52,9 +65,9 @@ void placeHeader(CardLayout& layout, const CardContent& content, double scale,
   const double middle = layout.header.center().y();
   layout.icon =
       QRectF(card.left() + kIconLeft, std::round(middle - kIconSize / 2), kIconSize, kIconSize);
-  const double action = actionWidth(content.toggle, cardfonts::action(measurer));
+  const double action = actionWidth(content.action, cardfonts::action(measurer));
   if (action > 0) {
-    layout.toggle = QRectF(card.right() - action, card.top(), action, layout.header.height());
+    layout.action = QRectF(card.right() - action, card.top(), action, layout.header.height());
   }
   const double nameLeft = card.left() + kTextLeft;
   layout.name =
@@ -77,22 +90,39 @@ void placeBar(CardLayout& layout, const CardContent& content, double scale,
   layout.barAction = QRectF(layout.bar.right() - action, layout.bar.top(), action, height);
 }
 
-void placeRows(CardLayout& layout, const CardContent& content, double top) {
-  const QPointF origin(layout.card.left() + content.bodyInset, top);
+void placeRows(CardLayout& layout, const CardContent& content) {
+  const QPointF origin(layout.card.left() + content.bodyInset, layout.bodyTop());
   for (const auto& row : content.rows) {
     layout.rows.push_back(
         {toQRectF(row.title->frame(), origin), toQRectF(row.date->frame(), origin), {}});
   }
   keepOutOfNextColumn(layout.rows);
-  for (auto& row : layout.rows) {
-    row.shape = row.title.united(row.date).adjusted(-kShapeSide, -kShapeAir, kShapeSide, kShapeAir);
-  }
+  for (auto& row : layout.rows) row.shape = shapeAround(row.title.united(row.date));
   if (content.message) layout.message = toQRectF(content.message->frame(), origin);
+}
+
+/// Tells where the card ends below them.
+double placeTexts(CardLayout& layout, const CardContent& content, const QtTextMeasurer& measurer) {
+  const double left = layout.card.left() + kTextLeft;
+  double y = layout.bodyTop() + kTextsTop;
+  for (const auto& item : content.texts) {
+    double width = std::max(layout.card.width() - kTextLeft - kTextRight, 1.0);
+    QtParagraph paragraph(item.text, cardfonts::text(item.kind, measurer), content.rightToLeft);
+    paragraph.breakLines(width, item.maximumLines);
+    const bool canBePressed = item.kind == CardContent::Text::Kind::kPlace;
+    if (canBePressed) paragraph.breakLines(width = std::ceil(paragraph.width()));
+    if (!layout.texts.empty()) y += gapAbove(item.kind);
+    const QRectF place(left, y, width, std::ceil(paragraph.height()));
+    if (canBePressed) layout.rows.push_back({place, place, shapeAround(place)});
+    layout.texts.push_back({place, std::move(paragraph)});
+    y = place.bottom();
+  }
+  return y + kTextsBottom;
 }
 
 void mirror(CardLayout& layout, double pictureWidth) {
   const auto flip = [&](QRectF& rect) { rect.moveLeft(pictureWidth - rect.right()); };
-  for (QRectF* rect : {&layout.icon, &layout.name, &layout.toggle, &layout.barStripe,
+  for (QRectF* rect : {&layout.icon, &layout.name, &layout.action, &layout.barStripe,
                        &layout.barText, &layout.barAction, &layout.message}) {
     flip(*rect);
   }
@@ -101,6 +131,7 @@ void mirror(CardLayout& layout, double pictureWidth) {
     flip(row.date);
     flip(row.shape);
   }
+  for (auto& text : layout.texts) flip(text.place);
 }
 
 }  // namespace
@@ -116,9 +147,9 @@ CardLayout CardLayout::make(const CardContent& content, double pictureWidth,
   layout.card = QRectF(kMargin, kMargin, cardWidth(pictureWidth), 0);
   placeHeader(layout, content, scale, measurer);
   if (content.bar) placeBar(layout, content, scale, measurer);
-  const double bodyTop = layout.header.bottom() + layout.bar.height();
-  layout.card.setBottom(bodyTop + content.bodyHeight);
-  placeRows(layout, content, bodyTop);
+  placeRows(layout, content);
+  layout.card.setBottom(content.texts.empty() ? layout.bodyTop() + content.bodyHeight
+                                              : placeTexts(layout, content, measurer));
   if (content.rightToLeft) mirror(layout, pictureWidth);
   return layout;
 }

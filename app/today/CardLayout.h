@@ -3,6 +3,7 @@
 #include <QRectF>
 #include <vector>
 
+#include "platform/qt/QtParagraph.h"
 #include "today/CardContent.h"
 
 namespace vantrel {
@@ -21,19 +22,25 @@ struct CardLayout {
     QRectF date;
     QRectF shape;  ///< What is touched, backed and ringed: title, date, the gap, and some air.
   };
+  struct Text {
+    QRectF place;
+    QtParagraph paragraph;
+  };
 
   QRectF card;
   QRectF header;
   QRectF icon;
   QRectF name;
-  QRectF toggle;  ///< The area to hit, larger than the text; empty when there is none.
+  QRectF action;  ///< The area to hit, larger than the text; empty when there is none.
   QRectF bar;     ///< Empty when there is none.
   QRectF barStripe;
   QRectF barText;
   QRectF barAction;  ///< The area to hit.
   QRectF message;
-  std::vector<Row> rows;
+  std::vector<Row> rows;  ///< Of a plan's sheet the one text that can be pressed, its place.
+  std::vector<Text> texts;
 
+  double bodyTop() const { return header.bottom() + bar.height(); }
   /// The height of a picture with the same space all around.
   double pictureHeight() const { return card.bottom() + kMargin; }
 

@@ -3,7 +3,6 @@
 #include <QFont>
 #include <QPainter>
 #include <QPainterPath>
-#include <cmath>
 
 #include "platform/qt/QtParagraph.h"
 #include "platform/qt/QtTextMeasurer.h"
@@ -20,7 +19,11 @@ constexpr double kShapeRadius = 8;
 constexpr double kRingWidth = 2;
 constexpr double kHeldOpacity = 0.55;
 
-enum class Side { kLeading, kTrailing };
+const QColor& colorOf(CardContent::Text::Kind kind, const Theme& theme) {
+  using Kind = CardContent::Text::Kind;
+  if (kind == Kind::kCaption || kind == Kind::kZone) return theme.name;
+  return kind == Kind::kPlace ? theme.action : theme.sheetText;
+}
 
 /// One text, cut to one line unless it may have more, centred vertically in `area`.
 void paintText(QPainter& painter, const std::string& text, const QFont& font, const QRectF& area,
@@ -28,8 +31,7 @@ void paintText(QPainter& painter, const std::string& text, const QFont& font, co
   QtParagraph paragraph(text, font, rightToLeft);
   paragraph.breakLines(area.width(), maximumLines);
   painter.setPen(color);
-  paragraph.draw(painter, {area.left(), area.center().y() - paragraph.height() / 2},
-                 rightToLeft ? QtParagraph::Alignment::kRight : QtParagraph::Alignment::kLeft);
+  paragraph.draw(painter, {area.left(), area.center().y() - paragraph.height() / 2});
 }
 
 /// A word to press; its area has the same free space on both sides.
@@ -38,10 +40,8 @@ void paintAction(QPainter& painter, const std::string& text, const QFont& font, 
   const QtParagraph paragraph(text, font);
   painter.setOpacity(held ? kHeldOpacity : 1);
   painter.setPen(color);
-  paragraph.draw(
-      painter,
-      {area.center().x() - paragraph.width() / 2, area.center().y() - paragraph.height() / 2},
-      QtParagraph::Alignment::kLeft);
+  const QPointF half(paragraph.width() / 2, paragraph.height() / 2);
+  paragraph.draw(painter, area.center() - half);
   painter.setOpacity(1);
 }
 
@@ -67,6 +67,7 @@ void CardPainter::paint(QPainter& painter, const QSize& pictureSize, const CardC
   paintHeader(painter, content, layout, theme);
   if (content.bar) paintBar(painter, content, layout, theme);
   paintRows(painter, content, layout, theme);
+  paintTexts(painter, content, layout, theme);
   paintFocus(painter, content, layout, theme);
   painter.restore();
 }
@@ -88,10 +89,10 @@ void CardPainter::paintHeader(QPainter& painter, const CardContent& content,
   painter.fillRect(layout.header, theme.header);
   painter.drawImage(layout.icon,
                     appIcon(layout.icon.width(), painter.device()->devicePixelRatioF()));
-  paintText(painter, content.name, cardfonts::name(measurer_), layout.name, theme.name,
+  paintText(painter, "Vantrel", cardfonts::name(measurer_), layout.name, theme.name,
             content.rightToLeft);
-  paintAction(painter, content.toggle, cardfonts::action(measurer_), layout.toggle, theme.action,
-              content.held == CardContent::Part::kToggle);
+  paintAction(painter, content.action, cardfonts::action(measurer_), layout.action, theme.action,
+              content.held == CardContent::Part::kAction);
 }
 
 void CardPainter::paintBar(QPainter& painter, const CardContent& content, const CardLayout& layout,
@@ -125,22 +126,29 @@ void CardPainter::paintRows(QPainter& painter, const CardContent& content, const
   }
 }
 
-void CardPainter::paintFocus(QPainter& painter, const CardContent& content,
-                             const CardLayout& layout, const Theme& theme) const {
-  constexpr double kAir = 3;
-  switch (content.focused) {
-    case CardContent::Part::kNone:
-      return;
-    case CardContent::Part::kRow:
-      if (content.focusedRow < layout.rows.size()) {
-        paintRing(painter, layout.rows[content.focusedRow].shape, theme.focus);
-      }
-      return;
-    case CardContent::Part::kToggle:
-      return paintRing(painter, layout.toggle.adjusted(kAir, kAir, -kAir, -kAir), theme.focus);
-    case CardContent::Part::kBarAction:
-      return paintRing(painter, layout.barAction.adjusted(kAir, kAir, -kAir, -kAir), theme.focus);
+void CardPainter::paintTexts(QPainter& painter, const CardContent& content,
+                             const CardLayout& layout, const Theme& theme) {
+  for (std::size_t i = 0; i < layout.texts.size(); ++i) {
+    const auto kind = content.texts[i].kind;
+    const bool held =
+        kind == CardContent::Text::Kind::kPlace && content.held == CardContent::Part::kRow;
+    painter.setOpacity(held ? kHeldOpacity : 1);
+    painter.setPen(colorOf(kind, theme));
+    const auto& [place, paragraph] = layout.texts[i];
+    paragraph.draw(painter, place.topLeft());
   }
+  painter.setOpacity(1);
+}
+
+void CardPainter::paintFocus(QPainter& painter, const CardContent& content,
+                             const CardLayout& layout, const Theme& theme) {
+  using Part = CardContent::Part;
+  constexpr QMarginsF kAir(3, 3, 3, 3);
+  if (content.focused == Part::kRow && content.focusedRow < layout.rows.size()) {
+    paintRing(painter, layout.rows[content.focusedRow].shape, theme.focus);
+  }
+  if (content.focused == Part::kAction) paintRing(painter, layout.action - kAir, theme.focus);
+  if (content.focused == Part::kBarAction) paintRing(painter, layout.barAction - kAir, theme.focus);
 }
 
 }  // namespace vantrel

@@ -11,7 +11,7 @@ namespace vantrel {
 
 class QtTextMeasurer;
 
-/// Draws the whole card, for the window as for a picture in a file. Main thread.
+/// Draws a whole card, for the window as for a picture in a file. Main thread.
 class CardPainter {
  public:
   explicit CardPainter(const QtTextMeasurer& measurer) : measurer_(measurer) {}
@@ -30,8 +30,10 @@ class CardPainter {
                 const Theme& theme) const;
   void paintRows(QPainter& painter, const CardContent& content, const CardLayout& layout,
                  const Theme& theme) const;
-  void paintFocus(QPainter& painter, const CardContent& content, const CardLayout& layout,
-                  const Theme& theme) const;
+  static void paintTexts(QPainter& painter, const CardContent& content, const CardLayout& layout,
+                         const Theme& theme);
+  static void paintFocus(QPainter& painter, const CardContent& content, const CardLayout& layout,
+                         const Theme& theme);
 
   const QtTextMeasurer& measurer_;
   CardShadow shadow_;

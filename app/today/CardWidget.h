@@ -1,82 +1,67 @@
 #pragma once
 
-#include <QVariantAnimation>
 #include <QWidget>
-#include <array>
+#include <optional>
 #include <vector>
 
 #include "today/CardPainter.h"
-#include "today/PlanDescription.h"
-#include "today/WidgetHost.h"
 
 namespace vantrel {
 
 class SpokenText;
 class TouchButton;
 
-/// The card in a window: draws it, and lays a button over every part that can be pressed. Main
-/// thread.
+/// A card in a window: draws it, lays a button over every part that can be pressed, and a text for
+/// screen readers over every other. Main thread.
 class CardWidget : public QWidget {
   Q_OBJECT
 
  public:
-  /// Both must outlive the widget.
-  CardWidget(WidgetHost& host, const QtTextMeasurer& measurer, QWidget* parent = nullptr);
+  /// `measurer` must outlive the widget.
+  explicit CardWidget(const QtTextMeasurer& measurer, QWidget* parent = nullptr);
 
-  /// Shows what the host's widget shows now. A new life whose rows are the old ones leaves every
-  /// pixel as it was.
-  void showLife();
+  /// To be filled in but for its bar and what the user is doing to it, then shown.
+  CardContent& content() { return content_; }
+  void showContent();
+  const CardLayout& layoutOfCard() const { return layout_; }
+  /// The button over the next row of the layout.
+  TouchButton* addRow();
   void setBar(const std::optional<CardContent::Bar>& bar);
   void setTheme(const Theme& theme, const QColor& background);
-  /// How long a change of height takes, in milliseconds; 0 for none.
-  void setAnimationDuration(int milliseconds) { animation_.setDuration(milliseconds); }
-  /// A row is being touched: its life must not end yet.
+  /// A row is being touched: it must neither move nor go.
   bool isTouched() const;
-  /// What the whole card needs in the end, its surroundings included.
-  int naturalHeight() const;
-
-  const CardLayout& layoutOfCard() const { return layout_; }
+  /// The height that the window is to have room for, the card's surroundings included.
+  virtual int naturalHeight() const;
 
  signals:
-  void toggled();
-  void barActed();
-  /// A row's touch has ended or was cancelled, and the widget has done what it does about it.
-  void rowTouchFinished();
+  void actionPressed();
+  void barPressed();
   void naturalHeightChanged();
-  /// The height that is shown is the natural one.
-  void settled();
 
  protected:
+  void layOut();
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
+  CardContent content_;
+  CardLayout layout_;
+  std::vector<TouchButton*> rows_;
+
  private:
-  static constexpr std::size_t kRowSlots = 5;
-  void makeRowButton(std::size_t row);
-  void connectTextButton(TouchButton& button, void (CardWidget::*signal)());
-  void touchRow(std::size_t row, WidgetHost::TouchPhase phase, QPointF position);
-  void describeRows();
-  void moveToHeight(double target);
-  void layOut();
+  TouchButton* addButton();
   void placeButtons();
   void takeFocusAndHold();
 
-  WidgetHost& host_;
   const QtTextMeasurer& measurer_;
   CardPainter painter_;
-  PlanDescription plans_;
-  CardContent content_;
-  CardLayout layout_;
   Theme theme_ = Theme::forStyle(false);
   QColor background_ = theme_.behind;
-  double targetHeight_ = 0;
-  QVariantAnimation animation_;
-  bool touchIsOnTitle_ = false;
-  TouchButton* toggle_;
+  int toldHeight_ = 0;
+  TouchButton* action_;
   TouchButton* barAction_;
   SpokenText* barText_;
   SpokenText* message_;
-  std::array<TouchButton*, kRowSlots> rows_{};
+  std::vector<SpokenText*> texts_;
 };
 
 }  // namespace vantrel

@@ -2,51 +2,77 @@
 
 #include <QScrollArea>
 #include <optional>
+#include <string>
 
+#include "base/Error.h"
+#include "today/CardWidget.h"
 #include "today/DesktopSettings.h"
-#include "today/Theme.h"
+#include "today/LinkOpener.h"
+#include "today/RefreshTriggers.h"
 
 namespace vantrel {
 
 class QtTextMeasurer;
 
 /// A window that shows one card: as high as the card needs, scrolled where the screen has less
-/// room, in the desktop's colours and text size. Main thread.
+/// room, in the desktop's colours and text size, and as old as the store. Main thread.
 class CardWindow : public QScrollArea {
   Q_OBJECT
 
  public:
   /// Whether `ready` was told.
   bool isReady() const { return isReady_; }
+  /// Shows what the store holds now.
+  virtual void refresh() = 0;
+  /// Tells something on the card, until a link could be opened.
+  void tell(const std::string& message);
 
  signals:
   /// The colours are known: what is shown from now on will not flash.
   void ready();
+  /// What is to be shown can only be told anew by a new process.
+  void restartRequested();
 
  protected:
-  /// `measurer` is the one that is installed, and must outlive the window. Without `dark` the
-  /// desktop decides. The derived window sets its card as the widget, then takes the settings.
-  CardWindow(QtTextMeasurer& measurer, std::optional<bool> dark);
+  /// `measurer` is the one that is installed; it and `opener` must outlive the window. Without
+  /// `dark` the desktop decides. The derived window sets its card last.
+  CardWindow(QtTextMeasurer& measurer, LinkOpener& opener, std::optional<bool> dark);
 
-  /// What the card needs in the end, its surroundings included.
-  virtual int naturalHeight() const = 0;
-  /// Draws the card anew with these; `newTextScale` when texts have another size than before.
-  virtual void applySettings(const Theme& theme, const QColor& background, bool newTextScale) = 0;
+  void setCard(CardWidget& card);
+  CardWidget& card() const { return *card_; }
+  /// Opens a link; where there is nobody to open it, offers it to be copied under that text.
+  void openLink(const std::string& link, std::string_view noHandler);
+  /// Copies a link, and says so for a while.
+  void copyLink(const std::string& link);
+  /// Shows what is wrong with the store, with one way out of it, instead of all that is told.
+  void setProblem(const std::optional<Error>& problem);
+  void ignoreStoreChangesSoFar() { triggers_.ignoreStoreChangesSoFar(); }
 
-  void takeDesktopSettings();
-  void fitHeight();
+  virtual void takeDesktopSettings();
+  /// Sets the texts of the card anew.
+  virtual void textScaleChanged() { card_->showContent(); }
   const DesktopSettings& desktop() const { return desktop_; }
-  QtTextMeasurer& measurer() const { return measurer_; }
+  const QtTextMeasurer& measurer() const { return measurer_; }
 
   void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void connectTriggers();
+  void fitHeight();
   void fitCard();
+  void showBar();
+  void actOnBar();
 
   QtTextMeasurer& measurer_;
+  LinkOpener& opener_;
   std::optional<bool> wantsDark_;
   DesktopSettings desktop_;
+  RefreshTriggers triggers_;
+  CardWidget* card_ = nullptr;
+  std::optional<CardContent::Bar> problem_;
+  std::optional<CardContent::Bar> notice_;
+  std::string linkToCopy_;
   double textScale_ = 0;
   bool isReady_ = false;
 };

@@ -1,23 +1,10 @@
 #include "today/PlanDescription.h"
 
 #include "base/Log.h"
-#include "platform/Bundle.h"
 #include "platform/TimeZone.h"
+#include "today/InterfaceText.h"
 
 namespace vantrel {
-
-namespace {
-
-std::string text(std::string_view key) {
-  return Bundle::mainBundle().localizedString(key, "", "Today");
-}
-
-TimeZone zoneOf(const Planning& plan) {
-  auto zone = TimeZone::timeZoneWithName(plan.timezone().value_or(""));
-  return zone ? *zone : TimeZone::defaultTimeZone();
-}
-
-}  // namespace
 
 PlanDescription::PlanDescription() {
   formatter_.setLocale(Locale::currentLocale());
@@ -27,7 +14,7 @@ PlanDescription::PlanDescription() {
 
 std::string PlanDescription::name(const Planning& plan) const {
   std::string title = plan.name().value_or("");
-  if (title.empty()) title = text("today_plan_untitled");
+  if (title.empty()) title = localized("today_plan_untitled");
   return title + ", " + dateText(plan, false);
 }
 
@@ -38,8 +25,8 @@ std::string PlanDescription::details(const Planning& plan) const {
 std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan) const {
   const auto date = plan.date();
   if (!date) return std::nullopt;
-  const TimeZone zone = zoneOf(plan);
   const TimeZone here = TimeZone::defaultTimeZone();
+  const TimeZone zone = TimeZone::timeZoneWithName(plan.timezone().value_or("")).value_or(here);
   formatter_.setTimeZone(zone);
   When when{formatter_.stringFromDate(*date), zone.name(), std::nullopt};
   if (zone.secondsFromGMTForDate(*date) != here.secondsFromGMTForDate(*date)) {
@@ -51,11 +38,11 @@ std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan)
 
 std::string PlanDescription::dateText(const Planning& plan, bool withLocalTime) const {
   const auto when = this->when(plan);
-  if (!when) return text("today_plan_no_date");
+  if (!when) return localized("today_plan_no_date");
   if (!withLocalTime || !when->here) {
-    return stringWithFormat(text("today_plan_row_description"), {when->there, when->zone});
+    return stringWithFormat(localized("today_plan_row_description"), {when->there, when->zone});
   }
-  return stringWithFormat(text("today_plan_row_description_local"),
+  return stringWithFormat(localized("today_plan_row_description_local"),
                           {when->there, when->zone, *when->here});
 }
 

@@ -1,17 +1,12 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "base/Error.h"
 #include "store/Planning.h"
 
 namespace vantrel {
-
-/// What keeps the store from being read before it is opened: it is not there yet, and looking for
-/// plans makes none (kExitMissing).
-std::optional<Error> missingStore();
 
 /// The plan that a link names, in the store as it is now. Links come from anywhere: whatever is
 /// wrong with one is told in one line that does not repeat it, with the exit code to end with.

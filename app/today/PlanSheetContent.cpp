@@ -5,11 +5,11 @@
 #include <QString>
 #include <cmath>
 
-#include "base/PercentEncoding.h"
-#include "platform/Bundle.h"
+#include "cli/PlanLink.h"
 #include "platform/Locale.h"
 #include "platform/NumberFormatter.h"
 #include "platform/qt/QtParagraph.h"
+#include "today/PlanDescription.h"
 
 namespace vantrel {
 
@@ -21,10 +21,6 @@ constexpr int kTitleLines = 6;
 constexpr int kNotesLines = 200;
 constexpr double kLargestLatitude = 90;
 constexpr double kLargestLongitude = 180;
-
-std::string localized(std::string_view key) {
-  return Bundle::mainBundle().localizedString(key, "", "Today");
-}
 
 std::string beginning(const std::string& text, qsizetype most) {
   // Bytes before characters: nobody waits for a text of megabytes to be taken apart.
@@ -54,39 +50,39 @@ std::string pictureCount(std::size_t number) {
 
 }  // namespace
 
-PlanSheetContent PlanSheetContent::make(const Planning& plan, const PlanDescription& description) {
-  PlanSheetContent sheet;
-  sheet.frame.rightToLeft = Locale(Locale::preferredLanguages().front()).isRightToLeft();
-  sheet.frame.toggle = localized("today_copy_link");
-  sheet.link = "vantrel://plan?id=" +
-               percentEncoded(plan.objectID().URIRepresentation(), kUrlHostAllowedCharacterSet);
-  sheet.title = beginning(plan.name().value_or(""), kMostTitle);
-  if (sheet.title.empty()) sheet.title = localized("today_plan_untitled");
-  sheet.items.push_back({Kind::kTitle, sheet.title, kTitleLines});
-
-  const auto add = [&sheet](std::string_view caption, Kind kind, const std::string& text,
-                            int maximumLines = 0) {
-    sheet.items.push_back({Kind::kCaption, localized(caption)});
-    sheet.items.push_back({kind, text, maximumLines});
+PlanSheetContent::PlanSheetContent(const Planning& plan)
+    : title(beginning(plan.name().value_or(""), kMostTitle)), link(cli::deepLink(plan)) {
+  using Kind = CardContent::Text::Kind;
+  if (title.empty()) title = localized("today_plan_untitled");
+  texts.push_back({Kind::kTitle, title, kTitleLines});
+  const auto add = [this](std::string_view caption, Kind kind, const std::string& text,
+                          int maximumLines = 0) {
+    texts.push_back({Kind::kCaption, localized(caption)});
+    texts.push_back({kind, text, maximumLines});
   };
-  if (const auto when = description.when(plan)) {
-    sheet.items.push_back({Kind::kText, when->there});
-    sheet.items.push_back({Kind::kZone, when->zone});
+  if (const auto when = PlanDescription().when(plan)) {
+    texts.push_back({Kind::kWhen, when->there});
+    texts.push_back({Kind::kZone, when->zone});
     if (when->here) add("today_sheet_here", Kind::kDetail, *when->here);
   } else {
-    sheet.items.push_back({Kind::kText, localized("today_plan_no_date")});
+    texts.push_back({Kind::kWhen, localized("today_plan_no_date")});
   }
   const auto latitude = plan.latitude();
   const auto longitude = plan.longitude();
   if (latitude && longitude && isOnEarth(*latitude, *longitude)) {
-    add("today_sheet_place", Kind::kPlace, placeText(*latitude, *longitude));
-    sheet.geoLink = fmt::format("geo:{:.7f},{:.7f}", *latitude, *longitude);
+    place = placeText(*latitude, *longitude);
+    add("today_sheet_place", Kind::kPlace, place);
+    geoLink = fmt::format("geo:{:.7f},{:.7f}", *latitude, *longitude);
   }
   add("today_sheet_pictures", Kind::kDetail, pictureCount(plan.imageCount()));
   if (const auto notes = beginning(plan.notes().value_or(""), kMostNotes); !notes.empty()) {
     add("today_sheet_notes", Kind::kDetail, notes, kNotesLines);
   }
-  return sheet;
+}
+
+void PlanSheetContent::describe(CardContent& content) const {
+  content.action = localized("today_copy_link");
+  content.texts = texts;
 }
 
 }  // namespace vantrel

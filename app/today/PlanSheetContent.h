@@ -5,7 +5,6 @@
 
 #include "store/Planning.h"
 #include "today/CardContent.h"
-#include "today/PlanDescription.h"
 
 namespace vantrel {
 
@@ -13,20 +12,17 @@ namespace vantrel {
 /// text, cut where nobody would read on, and do not change the direction of what stands around
 /// them.
 struct PlanSheetContent {
-  enum class Kind { kTitle, kText, kZone, kCaption, kDetail, kPlace };
-  struct Item {
-    Kind kind;
-    std::string text;
-    int maximumLines = 0;  ///< 0 for any number.
-  };
+  explicit PlanSheetContent(const Planning& plan);
 
-  CardContent frame;  ///< Its toggle is the button that copies the link.
-  std::vector<Item> items;
+  /// Fills in all of the card but its bar and what the user is doing to it. The card's action
+  /// copies the link; its row, if it has one, shows the place.
+  void describe(CardContent& content) const;
+
+  std::vector<CardContent::Text> texts;
   std::string title;
   std::string link;     ///< The deep link of the plan.
+  std::string place;    ///< "41.38510, 2.17340"; empty without a place.
   std::string geoLink;  ///< "geo:41.3851000,2.1734000" (RFC 5870); empty without a place.
-
-  static PlanSheetContent make(const Planning& plan, const PlanDescription& description);
 };
 
 }  // namespace vantrel

@@ -3,13 +3,11 @@
 #include <string>
 
 #include "today/CardWindow.h"
-#include "today/LinkOpener.h"
-#include "today/PlanSheetWidget.h"
-#include "today/RefreshTriggers.h"
+#include "today/PlanSheetContent.h"
 
 namespace vantrel {
 
-/// The window of one plan's sheet, which follows the plan and the time zone. Main thread.
+/// The window of one plan's sheet. Main thread.
 class PlanSheetWindow : public CardWindow {
   Q_OBJECT
 
@@ -18,22 +16,16 @@ class PlanSheetWindow : public CardWindow {
   PlanSheetWindow(QtTextMeasurer& measurer, LinkOpener& opener, std::optional<bool> dark);
 
   /// Takes the place of the plan that was shown before.
-  void showPlan(PlanSheetContent content);
+  void showPlan(const Planning& plan);
   /// The link of the plan that is shown.
-  const std::string& link() const { return sheet_->content().link; }
-
- protected:
-  int naturalHeight() const override { return sheet_->naturalHeight(); }
-  void applySettings(const Theme& theme, const QColor& background, bool newTextScale) override;
+  const std::string& link() const { return link_; }
+  /// Shows the plan as it is now; what was shown stays where there is no such plan any more.
+  void refresh() override;
 
  private:
-  void renew();
-  void copy(const std::string& text);
-  void openPlace();
-
-  RefreshTriggers triggers_;
-  LinkOpener& opener_;
-  PlanSheetWidget* sheet_;
+  TouchButton* place_;
+  std::string link_;
+  std::string geoLink_;
 };
 
 }  // namespace vantrel

@@ -19,8 +19,8 @@
 #include "platform/qt/QtTextMeasurer.h"
 #include "today/CardPainter.h"
 #include "today/PlanOpening.h"
-#include "today/PlanSheetPainter.h"
-#include "today/StoreProbe.h"
+#include "today/PlanSheetContent.h"
+#include "today/StoreProblem.h"
 #include "today/WidgetHost.h"
 
 namespace vantrel {
@@ -50,42 +50,29 @@ void leaveDesktopOut() {
   });
 }
 
-/// Draws with `draw` on the colour that is behind a card.
-template <typename Draw>
-QImage paint(const Options& options, double width, double naturalHeight, Draw draw) {
-  const double height = options.height > 0 ? options.height : std::ceil(naturalHeight);
-  const QSizeF size(width, height);
+/// Draws the sheet of a plan, or without one the widget.
+QImage paint(const Options& options, const Planning* plan, const QtTextMeasurer& measurer) {
+  const double width =
+      options.width > 0 ? options.width : CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin;
+  CardContent content;
+  WidgetHost host;
+  if (plan) {
+    PlanSheetContent(*plan).describe(content);
+  } else {
+    host.beginLife(cardWidth(width),
+                   options.expanded ? WidgetDisplayMode::kExpanded : WidgetDisplayMode::kCompact);
+    host.describe(content);
+  }
+  const CardLayout layout = CardLayout::make(content, width, measurer);
+  const QSizeF size(width, options.height > 0 ? options.height : std::ceil(layout.pictureHeight()));
   const Theme theme = Theme::forStyle(options.dark.value_or(cardIsDark(false)));
   QImage image((size * options.scale).toSize(), QImage::Format_RGB32);
   if (image.isNull()) return image;
   image.setDevicePixelRatio(options.scale);
   image.fill(theme.behind);
   QPainter painter(&image);
-  draw(painter, size.toSize(), theme);
+  CardPainter(measurer).paint(painter, size.toSize(), content, layout, theme);
   return image;
-}
-
-QImage paintWidget(const Options& options, double width, const QtTextMeasurer& measurer) {
-  WidgetHost host;
-  host.beginLife(cardWidth(width),
-                 options.expanded ? WidgetDisplayMode::kExpanded : WidgetDisplayMode::kCompact);
-  CardContent content;
-  host.describe(content);
-  const CardLayout layout = CardLayout::make(content, width, measurer);
-  return paint(options, width, layout.pictureHeight(),
-               [&](QPainter& painter, const QSize& size, const Theme& theme) {
-                 CardPainter(measurer).paint(painter, size, content, layout, theme);
-               });
-}
-
-QImage paintSheet(const Options& options, double width, const Planning& plan,
-                  const QtTextMeasurer& measurer) {
-  const auto content = PlanSheetContent::make(plan, PlanDescription());
-  const auto layout = PlanSheetLayout::make(content, width, measurer);
-  return paint(options, width, layout.card.pictureHeight(),
-               [&](QPainter& painter, const QSize& size, const Theme& theme) {
-                 PlanSheetPainter(measurer).paint(painter, size, content, layout, theme);
-               });
 }
 
 int writeInto(QFile& file, const QByteArray& picture, const std::string& name) {
@@ -144,17 +131,14 @@ int render(int argc, char** argv, const Options& options) {
     plan = *found;
   } else if (const auto missing = missingStore()) {
     return fail(*missing);
+  } else if (const auto problem = storeProblem()) {
+    return fail(*problem);
   }
   leaveDesktopOut();
   const QGuiApplication application(argc, argv);
   const auto measurer = std::make_shared<QtTextMeasurer>();
   TextMeasurer::install(measurer);
-  StoreProbe probe;
-  if (const auto problem = probe.problem()) return fail(*problem);
-  const double width =
-      options.width > 0 ? options.width : CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin;
-  const QImage image =
-      plan ? paintSheet(options, width, *plan, *measurer) : paintWidget(options, width, *measurer);
+  const QImage image = paint(options, plan.get(), *measurer);
   if (image.isNull()) return fail(cli::kExitUsage, "a picture of that size cannot be drawn");
   return write(image, options.renderFile);
 }

@@ -27,14 +27,19 @@ TodayProgram::~TodayProgram() {
 
 TodayWindow& TodayProgram::window() {
   if (window_) return *window_;
-  TodayWindow::Wishes wishes;
-  wishes.dark = options_.dark;
-  if (options_.expanded) wishes.expanded = true;
-  window_ = new TodayWindow(measurer_, opener_, wishes);
-  window_->setAttribute(Qt::WA_DeleteOnClose);
-  connect(window_, &TodayWindow::restartRequested, this,
-          [this] { emit restartRequested(sheet_ ? sheet_->link() : std::string()); });
+  window_ = new TodayWindow(measurer_, opener_, options_.dark, options_.expanded);
+  makeOwn(*window_);
   return *window_;
+}
+
+void TodayProgram::makeOwn(CardWindow& window) {
+  window.setAttribute(Qt::WA_DeleteOnClose);
+  connect(&window, &CardWindow::restartRequested, this, &TodayProgram::restart);
+}
+
+void TodayProgram::restart() {
+  if (window_) window_->saveState();
+  emit restartRequested(window_ != nullptr, sheet_ ? sheet_->link() : std::string());
 }
 
 void TodayProgram::bringToFront(CardWindow& window) {
@@ -68,9 +73,9 @@ bool TodayProgram::openLink(const std::string& link) {
   }
   if (!sheet_) {
     sheet_ = new PlanSheetWindow(measurer_, opener_, options_.dark);
-    sheet_->setAttribute(Qt::WA_DeleteOnClose);
+    makeOwn(*sheet_);
   }
-  sheet_->showPlan(PlanSheetContent::make(**plan, PlanDescription()));
+  sheet_->showPlan(**plan);
   bringToFront(*sheet_);
   return true;
 }
@@ -80,7 +85,7 @@ bool TodayProgram::perform(const QString& action) {
   if (more || action == QLatin1String("show-less")) {
     window().setExpanded(more);
   } else if (action == QLatin1String("refresh")) {
-    window().beginLife();
+    window().refresh();
   } else {
     return false;
   }

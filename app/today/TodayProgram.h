@@ -30,12 +30,14 @@ class TodayProgram : public QObject {
   bool perform(const QString& action);
 
  signals:
-  /// The program is to be started again in place, and to show this plan beside the widget (empty
-  /// for none).
-  void restartRequested(const std::string& link);
+  /// The program is to be started again in place, and to show the widget if there is a window of
+  /// it, and the plan of this link (empty for none).
+  void restartRequested(bool window, const std::string& link);
 
  private:
   TodayWindow& window();
+  void makeOwn(CardWindow& window);
+  void restart();
   void bringToFront(CardWindow& window);
 
   QtTextMeasurer& measurer_;

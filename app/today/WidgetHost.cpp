@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/Bundle.h"
-#include "platform/Locale.h"
 #include "time/DeviceSystemMajorVersion.h"
+#include "today/InterfaceText.h"
 
 namespace vantrel {
 
@@ -44,8 +43,7 @@ class WidgetHost::Context : public ExtensionContext {
   WidgetDisplayMode largest_ = WidgetDisplayMode::kCompact;
 };
 
-WidgetHost::WidgetHost(double textScale, LinkHandler linkHandler)
-    : textScale_(textScale), linkHandler_(std::move(linkHandler)) {}
+WidgetHost::WidgetHost(LinkHandler linkHandler) : linkHandler_(std::move(linkHandler)) {}
 
 WidgetHost::~WidgetHost() = default;
 
@@ -101,7 +99,6 @@ double WidgetHost::bodyHeight() const {
 }
 
 void WidgetHost::describe(CardContent& content) const {
-  content.rightToLeft = Locale(Locale::preferredLanguages().front()).isRightToLeft();
   content.rows.clear();
   content.message = nullptr;
   if (!controller_) return;
@@ -114,11 +111,10 @@ void WidgetHost::describe(CardContent& content) const {
   content.untouchedText = view.messageLabel().textColor();
   content.bodyInset = bodyInset();
   content.bodyHeight = bodyHeight();
-  content.toggle.clear();
+  content.action.clear();
   if (!offersModes()) return;
   const bool expanded = mode_ == WidgetDisplayMode::kExpanded;
-  content.toggle = Bundle::mainBundle().localizedString(
-      expanded ? "today_show_less" : "today_show_more", "", "Today");
+  content.action = localized(expanded ? "today_show_less" : "today_show_more");
 }
 
 std::shared_ptr<const Planning> WidgetHost::plan(std::size_t row) const {

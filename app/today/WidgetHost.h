@@ -18,19 +18,16 @@ class WidgetHost {
  public:
   using LinkHandler = std::function<void(const std::string&)>;
 
-  /// `textScale` is the user's text size: the compact mode grows with it.
-  explicit WidgetHost(double textScale = 1, LinkHandler linkHandler = {});
+  explicit WidgetHost(LinkHandler linkHandler = {});
   ~WidgetHost();
 
   /// A new life takes the place of the old one: it fetches the plans of this moment.
   void beginLife(double cardWidth, WidgetDisplayMode mode);
   bool isAlive() const { return controller_ != nullptr; }
+  /// The user's text size, 1 for the usual one: the compact mode grows with it.
   void setTextScale(double textScale) { textScale_ = textScale; }
   void setCardWidth(double width);
   void setMode(WidgetDisplayMode mode);
-  WidgetDisplayMode mode() const { return mode_; }
-  /// Whether the widget asked for the expanded mode; then the host offers both.
-  bool offersModes() const;
 
   /// Fills in all of the card but its bar and what the user is doing to it.
   void describe(CardContent& content) const;
@@ -44,10 +41,12 @@ class WidgetHost {
 
  private:
   class Context;
+  /// Whether the widget asked for the expanded mode; then the host offers both.
+  bool offersModes() const;
   Size maximumSize() const;
   double bodyHeight() const;
 
-  double textScale_;
+  double textScale_ = 1;
   double cardWidth_ = 0;
   WidgetDisplayMode mode_ = WidgetDisplayMode::kCompact;
   LinkHandler linkHandler_;

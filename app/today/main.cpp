@@ -10,7 +10,6 @@
 #include "base/Log.h"
 #include "cli/ExitCode.h"
 #include "platform/Device.h"
-#include "platform/Locale.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "store/Database.h"
@@ -18,6 +17,7 @@
 #include "today/ApplicationService.h"
 #include "today/Autostart.h"
 #include "today/DesktopNotice.h"
+#include "today/InterfaceText.h"
 #include "today/Options.h"
 #include "today/PlanOpening.h"
 #include "today/Render.h"
@@ -30,7 +30,8 @@ namespace {
 /// How long a program that the bus has started waits to be told what to show.
 constexpr std::chrono::seconds kIdle{30};
 
-/// Set for a program that takes its own place: the link of the plan that was shown, or empty.
+/// Set for a program that takes its own place: "+" for the widget's window, then the link of the
+/// plan that was shown, if there was one.
 constexpr const char* kRestarted = "VANTREL_TODAY_RESTARTED";
 
 /// The toolkit aborts when it finds no display; a person is told what to do instead.
@@ -42,24 +43,26 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
   std::_Exit(cli::kExitUnavailable);
 }
 
-/// What a program that took its own place shows: the window as it was left, and the plan beside it.
-std::optional<std::string> takeRestart(Options& options) {
+/// What a program that took its own place shows: the windows as they were left. Gives the link of
+/// the plan beside the widget's window.
+std::string takeRestart(Options& options) {
   const char* value = std::getenv(kRestarted);
-  if (!value) return std::nullopt;
-  std::string link = value;
+  if (!value) return {};
+  std::string shown = value;
   unsetenv(kRestarted);
   options.expanded = false;
   options.service = false;
   options.link.reset();
-  return link;
+  if (shown.starts_with('+')) return shown.substr(1);
+  options.link = std::move(shown);
+  return {};
 }
 
 void describeApplication() {
   QApplication::setApplicationName(QStringLiteral("vantrel-today"));
   QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
   QGuiApplication::setDesktopFileName(QString::fromLatin1(kApplicationId));
-  const Locale language(Locale::preferredLanguages().front());
-  QGuiApplication::setLayoutDirection(language.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+  QGuiApplication::setLayoutDirection(interfaceIsRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
 }
 
 void showAtStart(TodayProgram& program, const Options& options, const std::string& restartedLink) {
@@ -77,7 +80,7 @@ void showAtStart(TodayProgram& program, const Options& options, const std::strin
 }
 
 int showWindow(int argc, char** argv, Options options) {
-  const auto restartedLink = takeRestart(options);
+  const std::string restartedLink = takeRestart(options);
   // A link that leads to no plan is told before anything opens.
   if (options.link) {
     if (const auto plan = planOfLink(*options.link); !plan) {
@@ -97,11 +100,12 @@ int showWindow(int argc, char** argv, Options options) {
   MainQueue::install(std::make_shared<QtMainQueue>());
 
   TodayProgram program(*measurer, options);
-  QObject::connect(&program, &TodayProgram::restartRequested, [argv](const std::string& link) {
-    setenv(kRestarted, link.c_str(), 1);
-    ::execv("/proc/self/exe", argv);
-    logLine("vantrel-today: cannot start again; close the window and open it anew");
-  });
+  QObject::connect(
+      &program, &TodayProgram::restartRequested, [argv](bool window, const std::string& link) {
+        setenv(kRestarted, ((window ? "+" : "") + link).c_str(), 1);
+        ::execv("/proc/self/exe", argv);
+        logLine("vantrel-today: cannot start again; close the window and open it anew");
+      });
   const auto store = Database::sharedInstance().groupStoreURL();
   ApplicationService service(
       store ? store->string() : std::string(),
@@ -114,7 +118,7 @@ int showWindow(int argc, char** argv, Options options) {
     const auto role = service.start(options.link.value_or(""), action);
     if (role == ApplicationService::Role::kServed) return cli::kExitDone;
   }
-  showAtStart(program, options, restartedLink.value_or(""));
+  showAtStart(program, options, restartedLink);
   return QApplication::exec();
 }
 

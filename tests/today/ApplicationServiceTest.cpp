@@ -4,7 +4,6 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QPointer>
 #include <QProcess>
 #include <filesystem>
 
@@ -19,11 +18,9 @@ namespace {
 /// A first program in this process, on a bus of its own; later ones are started for real.
 class ApplicationServiceTest : public testing::Test {
  protected:
-  void SetUp() override {
+  ApplicationServiceTest() {
     test::needApplication();
-    ASSERT_TRUE(daemon_.start());
-    address_.emplace("DBUS_SESSION_BUS_ADDRESS", daemon_.address().toStdString());
-    ASSERT_EQ(service_.start({}, {}), ApplicationService::Role::kFirst);
+    EXPECT_EQ(service_.start({}, {}), ApplicationService::Role::kFirst);
   }
   /// The exit code of a later start, while the first serves.
   int startAnother(const QStringList& arguments) {
@@ -39,18 +36,17 @@ class ApplicationServiceTest : public testing::Test {
     auto message = QDBusMessage::createMethodCall("org.vantrel.today", "/org/vantrel/today",
                                                   "org.freedesktop.Application", method);
     message.setArguments(arguments);
-    auto bus = QDBusConnection::connectToBus(daemon_.address(), "launcher");
-    return bus.call(message, QDBus::BlockWithGui);
+    return daemon_.connection("launcher").call(message, QDBus::BlockWithGui);
   }
   void note(const std::string& what) {
     asked_.push_back(what + " " + qEnvironmentVariable("XDG_ACTIVATION_TOKEN").toStdString());
     qunsetenv("XDG_ACTIVATION_TOKEN");
   }
 
-  test::PrivateBus daemon_;
-  test::TemporaryDirectory home_;
-  test::EnvironmentGuard group_{"VANTREL_GROUP_CONTAINER", home_.path().string()};
-  std::optional<test::EnvironmentGuard> address_;
+  const test::PrivateBus daemon_;
+  const test::EnvironmentGuard address_{"DBUS_SESSION_BUS_ADDRESS", daemon_.address()};
+  const test::TemporaryDirectory home_;
+  const test::EnvironmentGuard group_{"VANTREL_GROUP_CONTAINER", home_.path().string()};
   std::vector<std::string> asked_;
   ApplicationService service_{(home_ / "Vantrel.sqlite").string(),
                               {.activate = [this] { note("activate"); },

@@ -1,28 +1,33 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <QDBusConnection>
 #include <QProcess>
-#include <QString>
+#include <string>
 
 namespace vantrel::test {
 
 /// A message bus of its own, for the object's life.
 class PrivateBus {
  public:
+  PrivateBus() {
+    daemon_.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+    EXPECT_TRUE(daemon_.waitForStarted() && daemon_.waitForReadyRead());
+    address_ = daemon_.readLine().trimmed().toStdString();
+  }
   ~PrivateBus() {
     daemon_.kill();
     daemon_.waitForFinished();
   }
-  bool start() {
-    daemon_.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-    if (!daemon_.waitForStarted() || !daemon_.waitForReadyRead()) return false;
-    address_ = QString::fromUtf8(daemon_.readLine().trimmed());
-    return !address_.isEmpty();
+  const std::string& address() const { return address_; }
+  QDBusConnection connection(const QString& name) const {
+    return QDBusConnection::connectToBus(QString::fromStdString(address_), name);
   }
-  const QString& address() const { return address_; }
 
  private:
   QProcess daemon_;
-  QString address_;
+  std::string address_;
 };
 
 }  // namespace vantrel::test

@@ -63,7 +63,7 @@ def walk():
     expect(buttons[0].name, "Show more")
     expect(
         buttons[1].name,
-        "Fog, Thursday, July 16, 2026 at 12:52\u202fPM (Asia/Tokyo)",
+        "<b>Fog</b>, Thursday, July 16, 2026 at 12:52\u202fPM (Asia/Tokyo)",
     )
     expect(
         buttons[1].description,
@@ -107,7 +107,7 @@ def main():
         with open(f"{applications}/mimeinfo.cache", "w") as cache:
             cache.write(f"[MIME Cache]\nx-scheme-handler/vantrel={LINK_ENTRY};\n")
         plans = [
-            ["Fog", "--date", "2026-07-16 12:52", "--timezone", "Asia/Tokyo"],
+            ["<b>Fog</b>", "--date", "2026-07-16 12:52", "--timezone", "Asia/Tokyo"],
             ["Harbour", "--date", "2026-07-17 20:00"],
             ["Moon", "--date", "2026-07-18 21:00", "--notes", "Two tripods"]
             + ["--latitude", "41.3", "--longitude", "2.1"],

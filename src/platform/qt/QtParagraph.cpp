@@ -53,85 +53,80 @@ QString isolated(const QString& text) {
 
 }  // namespace
 
-struct QtParagraph::State {
-  QTextLayout layout;
-  double width = kUnlimited;
-
-  void setLines() {
-    double y = 0;
-    layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-      line.setLineWidth(width);
-      line.setPosition({0, y});
-      y += line.height();
-    }
-    layout.endLayout();
-  }
-};
-
 QtParagraph::QtParagraph(std::string_view text, const QFont& font, bool interfaceIsRightToLeft)
-    : state_(std::make_unique<State>()) {
+    : layout_(std::make_unique<QTextLayout>()),
+      alignsRight_(interfaceIsRightToLeft),
+      width_(kUnlimited) {
   const QString shown = textToShow(text);
   QTextOption option;
   option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   // Lines are aligned when drawn: an alignment of the layout's own would follow each text's
   // direction.
   option.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
-  if (hasLetters(shown)) {
-    option.setTextDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-  } else {
-    option.setTextDirection(interfaceIsRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
-  }
-  state_->layout.setText(shown);
-  state_->layout.setFont(font);
-  state_->layout.setTextOption(option);
-  state_->setLines();
+  const bool rightToLeft = hasLetters(shown) ? shown.isRightToLeft() : interfaceIsRightToLeft;
+  option.setTextDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+  layout_->setText(shown);
+  layout_->setFont(font);
+  layout_->setTextOption(option);
+  setLines();
 }
 
 QtParagraph::~QtParagraph() = default;
+QtParagraph::QtParagraph(QtParagraph&& other) noexcept = default;
+QtParagraph& QtParagraph::operator=(QtParagraph&& other) noexcept = default;
+
+void QtParagraph::setLines() {
+  double y = 0;
+  layout_->beginLayout();
+  for (QTextLine line = layout_->createLine(); line.isValid(); line = layout_->createLine()) {
+    line.setLineWidth(width_);
+    line.setPosition({0, y});
+    y += line.height();
+  }
+  layout_->endLayout();
+}
 
 void QtParagraph::breakLines(double width, int maximumLines) {
-  QTextLayout& layout = state_->layout;
-  state_->width = width;
-  state_->setLines();
-  if (maximumLines <= 0 || layout.lineCount() <= maximumLines) return;
-  const int kept = layout.lineAt(maximumLines - 1).textStart();
-  QString rest = layout.text().mid(kept);
+  width_ = width;
+  setLines();
+  if (maximumLines <= 0 || lineCount() <= maximumLines) return;
+  const int kept = layout_->lineAt(maximumLines - 1).textStart();
+  QString rest = layout_->text().mid(kept);
   // A line end in the part that is cut would otherwise come back as a line.
   rest.replace(QChar::LineSeparator, QLatin1Char(' '));
-  const QFontMetricsF metrics(layout.font());
+  const QFontMetricsF metrics(layout_->font());
   // Always marked, also when the rest would have fitted into one line.
   rest = metrics.elidedText(rest + QChar(0x2026), Qt::ElideRight, width);
-  layout.setText(layout.text().left(kept) + rest);
-  state_->setLines();
+  layout_->setText(layout_->text().left(kept) + rest);
+  setLines();
 }
 
 int QtParagraph::lineCount() const {
-  return state_->layout.lineCount();
+  return layout_->lineCount();
 }
 
 double QtParagraph::width() const {
   double width = 0;
   for (int i = 0; i < lineCount(); ++i) {
-    width = std::max(width, state_->layout.lineAt(i).naturalTextWidth());
+    width = std::max(width, layout_->lineAt(i).naturalTextWidth());
   }
   return width;
 }
 
 double QtParagraph::height() const {
-  const QTextLine last = state_->layout.lineAt(lineCount() - 1);
+  const QTextLine last = layout_->lineAt(lineCount() - 1);
   return last.y() + last.height();
 }
 
 double QtParagraph::firstLineHeight() const {
-  return state_->layout.lineAt(0).height();
+  return layout_->lineAt(0).height();
 }
 
-void QtParagraph::draw(QPainter& painter, const QPointF& topLeft, Alignment alignment) const {
+void QtParagraph::draw(QPainter& painter, const QPointF& topLeft) const {
   for (int i = 0; i < lineCount(); ++i) {
-    const QTextLine line = state_->layout.lineAt(i);
-    const bool right = alignment == Alignment::kRight;
-    line.draw(&painter, topLeft + QPointF(right ? state_->width - line.naturalTextWidth() : 0, 0));
+    const QTextLine line = layout_->lineAt(i);
+    const double indent = alignsRight_ ? width_ - line.naturalTextWidth() : 0;
+    line.draw(&painter, topLeft + QPointF(indent, 0));
   }
 }
 

@@ -7,6 +7,7 @@ class QFont;
 class QPainter;
 class QPointF;
 class QString;
+class QTextLayout;
 
 namespace vantrel {
 
@@ -14,14 +15,12 @@ namespace vantrel {
 /// it contains; control characters but line ends read as spaces. Main thread.
 class QtParagraph {
  public:
-  enum class Alignment { kLeft, kRight };
-
-  /// Starts as one line however long; line ends in the text break it all the same. A text without
-  /// letters runs in the interface's direction.
+  /// Starts as one line however long; line ends in the text break it all the same. Lines stand on
+  /// the interface's leading side; a text without letters runs in the interface's direction.
   QtParagraph(std::string_view text, const QFont& font, bool interfaceIsRightToLeft = false);
   ~QtParagraph();
-  QtParagraph(const QtParagraph&) = delete;
-  QtParagraph& operator=(const QtParagraph&) = delete;
+  QtParagraph(QtParagraph&& other) noexcept;
+  QtParagraph& operator=(QtParagraph&& other) noexcept;
 
   /// Sets the lines anew, at most `width` wide, at word boundaries where there are any. With
   /// `maximumLines`, what does not fit is cut at the end and marked by an ellipsis.
@@ -30,15 +29,18 @@ class QtParagraph {
   double width() const;
   double height() const;
   double firstLineHeight() const;
-  /// Draws with the painter's pen; lines are aligned within the width given to breakLines.
-  void draw(QPainter& painter, const QPointF& topLeft, Alignment alignment) const;
+  /// Draws with the painter's pen, in an area of the width given to breakLines.
+  void draw(QPainter& painter, const QPointF& topLeft) const;
 
   /// The text as it is shown. Directions that it sets for itself end with it.
   static QString textToShow(std::string_view text);
 
  private:
-  struct State;
-  std::unique_ptr<State> state_;
+  void setLines();
+
+  std::unique_ptr<QTextLayout> layout_;
+  bool alignsRight_;
+  double width_;
 };
 
 }  // namespace vantrel

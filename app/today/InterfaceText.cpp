@@ -1,0 +1,16 @@
+#include "today/InterfaceText.h"
+
+#include "platform/Bundle.h"
+#include "platform/Locale.h"
+
+namespace vantrel {
+
+std::string localized(std::string_view key) {
+  return Bundle::mainBundle().localizedString(key, "", "Today");
+}
+
+bool interfaceIsRightToLeft() {
+  return Locale(Locale::preferredLanguages().front()).isRightToLeft();
+}
+
+}  // namespace vantrel

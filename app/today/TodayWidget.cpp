@@ -1,0 +1,106 @@
+#include "today/TodayWidget.h"
+
+#include <QEasingCurve>
+#include <QPointer>
+#include <QResizeEvent>
+#include <algorithm>
+#include <cmath>
+
+#include "platform/MainQueue.h"
+#include "platform/qt/QtParagraph.h"
+#include "today/SpokenText.h"
+#include "today/TouchButton.h"
+
+namespace vantrel {
+
+TodayWidget::TodayWidget(WidgetHost& host, const QtTextMeasurer& measurer)
+    : CardWidget(measurer), host_(host) {
+  for (std::size_t row = 0; row < TodayEventsView::kRowCount; ++row) connectRow(row);
+  animation_.setEasingCurve(QEasingCurve::OutCubic);
+  connect(&animation_, &QVariantAnimation::valueChanged, this, [this](const QVariant& height) {
+    content_.bodyHeight = height.toDouble();
+    layOut();
+  });
+  connect(&animation_, &QVariantAnimation::finished, this, &TodayWidget::layOut);
+}
+
+void TodayWidget::connectRow(std::size_t row) {
+  using Phase = WidgetHost::TouchPhase;
+  const auto send = [this, row](Phase phase) {
+    return [this, row, phase](QPointF position) { touchRow(row, phase, position); };
+  };
+  const TouchButton* button = addRow();
+  connect(button, &TouchButton::touchBegan, this, send(Phase::kBegan));
+  connect(button, &TouchButton::touchEnded, this, send(Phase::kEnded));
+  connect(button, &TouchButton::touchCancelled, this, send(Phase::kCancelled));
+}
+
+void TodayWidget::touchRow(std::size_t row, WidgetHost::TouchPhase phase, QPointF position) {
+  if (row >= layout_.rows.size()) return;
+  const CardLayout::Row& place = layout_.rows[row];
+  const QPointF point = rows_[row]->geometry().topLeft() + position;
+  const bool begins = phase == WidgetHost::TouchPhase::kBegan;
+  // The label that a touch began on hears of it to the end.
+  if (begins) touchIsOnTitle_ = point.y() < (place.title.bottom() + place.date.top()) / 2;
+  const QRectF& label = touchIsOnTitle_ ? place.title : place.date;
+  const double x = content_.rightToLeft ? label.right() - point.x() : point.x() - label.left();
+  host_.touch(row, touchIsOnTitle_, phase, {x, point.y() - label.top()});
+  // Behind the widget's own message on the queue.
+  MainQueue::sharedQueue().async([card = QPointer(this), begins] {
+    if (!card) return;
+    card->update();
+    if (!begins) emit card->rowTouchFinished();
+  });
+}
+
+int TodayWidget::naturalHeight() const {
+  // A growing card needs the room now, a shrinking one gives it back in the end.
+  const bool moves = animation_.state() == QAbstractAnimation::Running;
+  const double height =
+      moves ? std::max(targetHeight_, animation_.startValue().toDouble()) : targetHeight_;
+  return static_cast<int>(std::ceil(layout_.bodyTop() + height + CardLayout::kMargin));
+}
+
+void TodayWidget::showLife() {
+  const double shownHeight = content_.bodyHeight;
+  host_.describe(content_);
+  describeRows();
+  targetHeight_ = content_.bodyHeight;
+  animation_.stop();
+  if (isVisible() && animation_.duration() > 0 && shownHeight != targetHeight_) {
+    content_.bodyHeight = shownHeight;
+    animation_.setStartValue(shownHeight);
+    animation_.setEndValue(targetHeight_);
+    animation_.start();
+  }
+  showContent();
+}
+
+void TodayWidget::describeRows() {
+  bool changed = false;
+  for (std::size_t row = 0; row < content_.rows.size(); ++row) {
+    TouchButton& button = *rows_[row];
+    const auto plan = host_.plan(row);
+    if (!plan) continue;
+    const QString name = QtParagraph::textToShow(plans_.name(*plan));
+    const QString details = QtParagraph::textToShow(plans_.details(*plan));
+    changed |= name != button.accessibleName();
+    button.setAccessibleName(name);
+    button.setAccessibleDescription(details);
+    // Escaped, or a zone's name could pass for markup.
+    button.setToolTip(details.toHtmlEscaped());
+  }
+  if (!changed || !isVisible()) return;
+  setAccessibleDescription(QString::fromStdString(localized("today_plans_changed")));
+  announce(this);
+}
+
+void TodayWidget::resizeEvent(QResizeEvent* event) {
+  if (event->size().width() == event->oldSize().width() || !host_.isAlive()) {
+    return CardWidget::resizeEvent(event);
+  }
+  host_.setCardWidth(cardWidth(width()));
+  showLife();
+}
+
+}  // namespace vantrel
