@@ -77,6 +77,9 @@ void addEverywhere(CLI::App& root, Session& session) {
   };
   root.add_option("--color", setColor, "Colour; auto is on a terminal that shows it")
       ->type_name("auto|always|never");
+  root.add_flag_callback(
+      "--no-color", [&] { session.console.setColorMode(Console::ColorMode::kNever); },
+      "The same as --color never");
 }
 
 }  // namespace
