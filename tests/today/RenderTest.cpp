@@ -14,21 +14,18 @@ namespace {
 
 class RenderTest : public test::StoreTest {
  protected:
-  static test::ProgramResult run(std::vector<std::string> arguments,
-                                 const std::map<std::string, std::string>& environment) {
+  static test::ProgramResult run(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "vantrel-today");
-    return test::runProgram(arguments, environment);
+    return test::runProgram(arguments);
   }
 
-  const std::string group_ = directory_.path();
+  const test::EnvironmentGuard group_{"VANTREL_GROUP_CONTAINER", directory_.path()};
   const std::string picture_ = directory_ / "card.png";
 };
 
 TEST_F(RenderTest, DrawsThePictureThatIsAskedFor) {
   savePlans({{"Milky Way", 805844400}});
-  const std::map<std::string, std::string> environment = {{"VANTREL_GROUP_CONTAINER", group_},
-                                                          {"VANTREL_NOW", "2026-07-15T08:00:00Z"},
-                                                          {"LC_ALL", "en_US.UTF-8"}};
+  const test::EnvironmentGuard now("VANTREL_NOW", "2026-07-15T08:00:00Z");
   const QColor light(0xE6, 0xE7, 0xEA);
   const QColor dark(0x0E, 0x0F, 0x11);
   const struct {
@@ -46,7 +43,7 @@ TEST_F(RenderTest, DrawsThePictureThatIsAskedFor) {
     SCOPED_TRACE(testing::PrintToString(c.options));
     std::vector<std::string> arguments = {"--render", picture_};
     arguments.insert(arguments.end(), c.options.begin(), c.options.end());
-    const auto result = run(arguments, environment);
+    const auto result = run(arguments);
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output + result.errors, "");
     const QImage image(QString::fromStdString(picture_));
@@ -55,7 +52,7 @@ TEST_F(RenderTest, DrawsThePictureThatIsAskedFor) {
     EXPECT_NEAR(image.pixelColor(0, 0).red(), c.corner.red(), 3);
     EXPECT_NEAR(image.pixelColor(0, 0).blue(), c.corner.blue(), 3);
   }
-  EXPECT_EQ(run({"--render", "-"}, environment).output.substr(0, 4), "\x89PNG");
+  EXPECT_EQ(run({"--render", "-"}).output.substr(0, 4), "\x89PNG");
 
   // What is no plain file is written to, never replaced.
   const auto fifo = directory_ / "fifo";
@@ -63,44 +60,43 @@ TEST_F(RenderTest, DrawsThePictureThatIsAskedFor) {
   QFile reader;
   ASSERT_TRUE(reader.open(::open(fifo.c_str(), O_RDWR | O_NONBLOCK), QIODevice::ReadOnly,
                           QFile::AutoCloseHandle));
-  EXPECT_EQ(run({"--render", fifo}, environment).exitCode, 0);
+  EXPECT_EQ(run({"--render", fifo}).exitCode, 0);
   EXPECT_EQ(reader.read(4), "\x89PNG");
   EXPECT_TRUE(std::filesystem::is_fifo(fifo));
 }
 
 TEST_F(RenderTest, SaysWhatIsWrongInOneLineAndLeavesNothingBehind) {
-  const test::TemporaryDirectory pictures;
-  const test::TemporaryDirectory empty;
-  test::writeFile(empty / "Vantrel.sqlite", "");
-  const test::TemporaryDirectory broken;
-  test::writeFile(broken / "Vantrel.sqlite", std::string(5000, 'x'));
-  savePlans({});
-  const std::string file = pictures / "card.png";
   const struct {
     const char* name;
-    std::vector<std::string> arguments;
-    std::string group;
+    std::vector<std::string> options;
     int exitCode;
+    std::optional<std::string> store = std::nullopt;
   } cases[] = {
-      {"no store", {"--render", file}, pictures / "none", 66},
-      {"an empty file", {"--render", file}, empty.path(), 66},
-      {"no database", {"--render", file}, broken.path(), 65},
-      {"no folder", {"--render", pictures / "no/card.png"}, group_, 73},
-      {"bad size", {"--render", file, "--size", "40"}, group_, 64},
-      {"bad scale", {"--render", file, "--scale", "0"}, group_, 64},
-      {"size of no picture", {"--size", "400x300"}, group_, 64},
-      {"dark and light", {"--render", file, "--dark", "--light"}, group_, 64},
-      {"unknown option", {"--rendr", file}, group_, 64},
+      {"no store", {"--render", picture_}, 66},
+      {"an empty file", {"--render", picture_}, 66, ""},
+      {"no database", {"--render", picture_}, 65, std::string(5000, 'x')},
+      {"bad size", {"--render", picture_, "--size", "40"}, 64},
+      {"bad scale", {"--render", picture_, "--scale", "0"}, 64},
+      {"size of no picture", {"--size", "400x300"}, 64},
+      {"dark and light", {"--render", picture_, "--dark", "--light"}, 64},
+      {"unknown option", {"--rendr", picture_}, 64},
+  };
+  const auto expectRefused = [](const std::vector<std::string>& options, int exitCode) {
+    const auto result = run(options);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, testing::MatchesRegex("vantrel-today: [^\n]*\n"));
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    const auto result = run(c.arguments, {{"VANTREL_GROUP_CONTAINER", c.group}});
-    EXPECT_EQ(result.exitCode, c.exitCode);
-    EXPECT_EQ(result.output, "");
-    EXPECT_THAT(result.errors, testing::MatchesRegex("vantrel-today: [^\n]*\n"));
-    EXPECT_TRUE(std::filesystem::is_empty(pictures.path()));
-    EXPECT_TRUE(std::filesystem::is_empty(empty / "Vantrel.sqlite"));
+    if (c.store) test::writeFile(file_, *c.store);
+    expectRefused(c.options, c.exitCode);
+    EXPECT_EQ(test::readFile(file_), c.store.value_or(""));
+    std::filesystem::remove(file_);
+    EXPECT_TRUE(std::filesystem::is_empty(directory_.path()));
   }
+  savePlans({});
+  expectRefused({"--render", directory_ / "no/card.png"}, 73);
 }
 
 }  // namespace

@@ -120,9 +120,6 @@ TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
     std::string log = {};
   } cases[] = {
       {"result", httpReply(R"({"srtm3": 12})"), {"idle", "result 12"}},
-      {"result of another type",
-       httpReply(R"({"srtm3": 12})", "200 OK", "Content-Type: text/html\r\n"),
-       {"idle", "result 12"}},
       {"null counts as a result", httpReply(R"({"srtm3": null})"), {"idle", "result null"}},
       {"refused", httpReply(refused), {"idle", "org.geonames 18 limit exceeded"}},
       {"refused with a status of HTTP",
@@ -133,9 +130,7 @@ TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
        {"idle", "org.geonames 19 "}},
       {"neither", httpReply("{}"), {"idle", unknown}},
       {"status is no object", httpReply(R"({"status": "18"})"), {"idle", unknown}},
-      {"a list", httpReply("[1]"), {"idle", unknown}},
       {"no JSON", httpReply("<html>busy</html>", "503 Busy"), {"idle", notJson("parse error")}},
-      {"nothing", httpReply(""), {"idle", notJson("")}},
       {"a fragment", httpReply("12"), {"idle", notJson("neither")}},
       {"cut, without a length", "HTTP/1.1 200 OK\r\n\r\n{\"srtm3\": 1", {"idle", notJson("")}},
       {"5 MB of nested lists", httpReply(std::string(5 << 20, '[')), {"idle", notJson("nested")}},
@@ -144,7 +139,6 @@ TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
        {"idle", "result 3"},
        1},
       {"Google's OK without results", httpReply(R"({"status": "OK", "results": []})"), {}, 1},
-      {"Google's OK alone", httpReply(R"({"status": "OK"})"), {}, 2},
       {"Google refused",
        httpReply(R"({"status": "REQUEST_DENIED", "error_message": "no key"})"),
        {"idle", "error"},
@@ -173,8 +167,6 @@ TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
     const char* error;
   } cases[] = {
       {"cut in the middle", {head + "Content-Length: 99\r\n\r\n{\"srtm3\": 1"}, "closed"},
-      {"closed at once", {""}, "closed"},
-      {"no HTTP", {"220 mail.example ESMTP\r\n\r\n"}, ""},
       {"silent", {"", After::kHang}, "timed out"},
       {"never ends", {head + "\r\n{\"srtm3\": 1}", After::kDrip}, "timed out"},
       {"too large", {head + "\r\n" + std::string(9 << 20, ' '), After::kHang}, "too large"},
@@ -202,13 +194,6 @@ TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
                 testing::MatchesRegex("Connection failed! Error - .* http://127.0.0.1:"
                                       ".*/\\?username=\\*\\*\\*&token=\\*\\*\\*&lat=1\n"));
   }
-  // Whether Qt notices depends on when it hears of the end.
-  const Reply cut{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n20\r\n{\"srtm3\": 1"};
-  test::LoopbackServer server(std::map<std::string, Reply>{{"/", cut}});
-  EXPECT_THAT(noticesOf(server.address() + "/"),
-              ElementsAre("active", "idle", testing::ContainsRegex("closed|not JSON")));
-  EXPECT_THAT(noticesOf("http://127.0.0.1:1/"),
-              ElementsAre("active", "idle", HasSubstr("refused")));
 }
 
 TEST_F(WebServiceRequest, RefusesACertificateThatNobodyVouchesFor) {
@@ -230,21 +215,23 @@ TEST_F(WebServiceRequest, RefusesACertificateThatNobodyVouchesFor) {
 
 TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
   const std::string body = R"({"srtm3": 7})";
+  const auto reply = [&](const char* headers) { return httpReply(body, "200 OK", headers); };
   const struct {
     const char* name;
-    std::string headers;
+    std::string reply;
     bool isKept;
   } cases[] = {
-      {"fresh", "Cache-Control: max-age=3600\r\n", true},
-      {"fresh until a day", "Expires: Fri, 01 Jan 2100 00:00:00 GMT\r\n", true},
-      {"says nothing", "", false},
-      {"stale at once", "Cache-Control: max-age=0\r\n", false},
-      {"old", "Expires: Thu, 01 Jan 1998 00:00:00 GMT\r\n", false},
-      {"not to be stored", "Cache-Control: no-store, max-age=3600\r\n", false},
+      {"fresh", reply("Cache-Control: max-age=3600\r\n"), true},
+      {"fresh until a day", reply("Expires: Fri, 01 Jan 2100 00:00:00 GMT\r\n"), true},
+      {"says nothing", reply(""), false},
+      {"stale at once", reply("Cache-Control: max-age=0\r\n"), false},
+      {"old", reply("Expires: Thu, 01 Jan 1998 00:00:00 GMT\r\n"), false},
+      {"not to be stored", reply("Cache-Control: no-store, max-age=3600\r\n"), false},
+      {"may be cut", "HTTP/1.1 200 OK\r\nCache-Control: max-age=3600\r\n\r\n" + body, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    test::LoopbackServer server({{"/", {httpReply(body, "200 OK", c.headers)}}});
+    test::LoopbackServer server({{"/", {c.reply}}});
     const std::string url = server.address() + "/?token=" + token();
     EXPECT_THAT(noticesOf(url), ElementsAre("active", "idle", "result 7"));
     const auto again = noticesOf(url);

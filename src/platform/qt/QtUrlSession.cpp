@@ -33,7 +33,12 @@ class DigestCache : public QNetworkDiskCache {
   QIODevice* data(const QUrl& url) override { return QNetworkDiskCache::data(digest(url)); }
   bool remove(const QUrl& url) override { return QNetworkDiskCache::remove(digest(url)); }
   QIODevice* prepare(const QNetworkCacheMetaData& metaData) override {
-    return QNetworkDiskCache::prepare(digested(metaData));
+    // Cut on its way, an answer of unknown length would be kept for a whole one.
+    const auto headers = metaData.rawHeaders();
+    const bool tellsLength = std::any_of(headers.begin(), headers.end(), [](const auto& header) {
+      return header.first.compare("content-length", Qt::CaseInsensitive) == 0;
+    });
+    return tellsLength ? QNetworkDiskCache::prepare(digested(metaData)) : nullptr;
   }
 
  private:

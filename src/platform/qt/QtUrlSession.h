@@ -11,9 +11,10 @@
 namespace vantrel {
 
 /// The network through Qt, in a thread of its own. Certificates are checked, redirects lead to
-/// https or nowhere, no cookie is kept. Answers are stored as their servers allow, in a cache on
-/// disk that several processes may share; it holds neither URLs nor what stands in them. Needs a
-/// QCoreApplication, and goes before it. Operations that use it have ended by then.
+/// https or nowhere, no cookie is kept. Answers that tell their length are stored as their servers
+/// allow, in a cache on disk that several processes may share; it holds neither URLs nor what
+/// stands in them. Needs a QCoreApplication, and goes before it. Operations that use it have ended
+/// by then.
 class QtUrlSession : public UrlSession {
  public:
   struct Limits {
