@@ -227,7 +227,11 @@ TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
       {"stale at once", reply("Cache-Control: max-age=0\r\n"), false},
       {"old", reply("Expires: Thu, 01 Jan 1998 00:00:00 GMT\r\n"), false},
       {"not to be stored", reply("Cache-Control: no-store, max-age=3600\r\n"), false},
-      {"may be cut", "HTTP/1.1 200 OK\r\nCache-Control: max-age=3600\r\n\r\n" + body, false},
+      {"of a length that is not told",
+       "HTTP/1.1 200 OK\r\nConnection: close\r\nCache-Control: max-age=3600\r\n"
+       "Transfer-Encoding: chunked\r\n\r\nc\r\n" +
+           body + "\r\n0\r\n\r\n",
+       false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
