@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "platform/Device.h"
 
 namespace vantrel {
@@ -19,6 +21,10 @@ struct Case {
   bool twoColumns;
   Color text;
 };
+
+void PrintTo(const Case& c, std::ostream* out) {
+  *out << c.version << " " << c.iconMargin;
+}
 
 class TodayUtilsTest : public testing::TestWithParam<Case> {};
 
