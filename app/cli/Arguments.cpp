@@ -23,11 +23,6 @@ constexpr std::array<std::string_view, kDaysPerWeek> kWeekdays = {
 /// "2026-07-15"
 constexpr std::size_t kDayLength = 10;
 
-tl::unexpected<Error> refused(const std::string& option, const std::string& text,
-                              const std::string& allowed) {
-  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"", allowed));
-}
-
 /// The number that the whole text is.
 template <typename Number>
 std::optional<Number> number(std::string_view text) {
@@ -77,7 +72,20 @@ std::string withCalendarDay(const std::string& text, const TimeZone& zone) {
   return wordEnd == std::string::npos ? day : day + text.substr(wordEnd);
 }
 
+/// Degrees from -`limit` to `limit`.
+Expected<double> degrees(const std::string& option, const std::string& text, int limit) {
+  const auto degrees = number<double>(text);
+  if (degrees && std::fabs(*degrees) <= limit) return *degrees;
+  const std::string bound = std::to_string(limit);
+  return refused(option, text, "allowed are degrees from -" + bound + " to " + bound);
+}
+
 }  // namespace
+
+tl::unexpected<Error> refused(const std::string& option, const std::string& text,
+                              const std::string& why) {
+  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"", why));
+}
 
 double secondsOfWallTime(const WallTime& wall) {
   using std::chrono::day;
@@ -115,22 +123,12 @@ Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::st
   return refused(option, text, "no such time zone; allowed are names such as Europe/Madrid");
 }
 
-Expected<double> degreesFromArgument(const std::string& option, const std::string& text,
-                                     int limit) {
-  const auto degrees = number<double>(text);
-  if (degrees && std::fabs(*degrees) <= limit) return *degrees;
-  const std::string bound = std::to_string(limit);
-  return refused(option, text, "allowed are degrees from -" + bound + " to " + bound);
-}
-
 Expected<double> latitudeFromArgument(const std::string& option, const std::string& text) {
-  constexpr int kMostLatitude = 90;
-  return degreesFromArgument(option, text, kMostLatitude);
+  return degrees(option, text, 90);
 }
 
 Expected<double> longitudeFromArgument(const std::string& option, const std::string& text) {
-  constexpr int kMostLongitude = 180;
-  return degreesFromArgument(option, text, kMostLongitude);
+  return degrees(option, text, 180);
 }
 
 std::optional<double> finiteNumber(std::string_view text) {

@@ -15,6 +15,10 @@ namespace vantrel::cli {
 /// What people type for a value, checked. `option` is what the error names ("--date"); errors end
 /// the program with kExitUsage and say what is allowed.
 
+/// The error for a value that is none, as `why` tells.
+tl::unexpected<Error> refused(const std::string& option, const std::string& text,
+                              const std::string& why);
+
 /// Seconds since 2001-01-01 00:00 on the same clock.
 double secondsOfWallTime(const WallTime& wall);
 
@@ -30,9 +34,7 @@ Expected<Moment> momentFromArgument(const std::string& option, const std::string
 /// A name of the system's time-zone database.
 Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::string& text);
 
-/// Degrees from -`limit` to `limit`, a decimal number.
-Expected<double> degreesFromArgument(const std::string& option, const std::string& text, int limit);
-
+/// Degrees from -90 to 90, or -180 to 180.
 Expected<double> latitudeFromArgument(const std::string& option, const std::string& text);
 Expected<double> longitudeFromArgument(const std::string& option, const std::string& text);
 

@@ -1,4 +1,3 @@
-#include <CLI/App.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -7,7 +6,6 @@
 #include "cli/Arguments.h"
 #include "cli/CameraLookup.h"
 #include "cli/CameraText.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/SensorFormats.h"
 #include "cli/StoreAccess.h"
@@ -36,8 +34,7 @@ constexpr float kMost = 100'000;
 Expected<float> positiveFromArgument(const std::string& option, const std::string& text) {
   auto number = floatFromArgument(option, text);
   if (number && *number > 0 && *number <= kMost) return number;
-  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"",
-                                     "allowed are numbers above 0, up to 100000"));
+  return refused(option, text, "allowed are numbers above 0, up to 100000");
 }
 
 /// Zero is a circle of confusion that may be chosen.
@@ -120,73 +117,68 @@ int listSensors(Console& console) {
   return kExitDone;
 }
 
-int showCamera(const std::string& name, Console& console) {
-  const auto camera =
-      contextForReading().and_then([&](auto* context) { return cameraNamed(*context, name); });
+using CameraName = std::optional<std::string>;
+
+Expected<std::shared_ptr<CustomCamera>> storedCamera(const CameraName& name) {
+  return contextForReading().and_then([&](auto* context) { return cameraNamed(*context, *name); });
+}
+
+int showCamera(const CameraName& name, Console& console) {
+  const auto camera = storedCamera(name);
   if (!camera) return console.fail(camera.error());
   console.print(console.isJson() ? jsonText(jsonOfCamera(**camera))
                                  : cameraDetails(**camera, console));
   return kExitDone;
 }
 
-int removeCamera(const std::string& name, Console& console) {
-  const auto context = contextForReading();
-  if (!context) return console.fail(context.error());
-  const auto camera = cameraNamed(**context, name);
-  if (!camera) return console.fail(camera.error());
-  (*context)->deleteObject(*camera);
-  const auto saved = (*context)->save();
-  return saved ? kExitDone : console.fail(saved.error());
+int removeCamera(const CameraName& name, Console& console) {
+  const auto removed = storedCamera(name).and_then([](const auto& camera) {
+    auto& context = *camera->managedObjectContext();
+    context.deleteObject(camera);
+    return context.save();
+  });
+  return removed ? kExitDone : console.fail(removed.error());
 }
 
-void fillAdd(CLI::App& parser, Session& session) {
-  const auto given = std::make_shared<Given>();
-  addValueOption(parser, "MODEL", given->model, &filledTextFromArgument, "", "Name of the model");
+void addAttributes(CLI::App& parser, Given& given) {
+  addValueOption(parser, "MODEL", given.model, &filledTextFromArgument, "", "Name of the model");
   const auto number = [&](const char* name, std::optional<float>& target, const char* unit,
                           const char* description) {
     return addValueOption(parser, name, target, &positiveFromArgument, unit, description);
   };
-  addTextOption(parser, "--sensor", given->sensor, "NAME",
+  addTextOption(parser, "--sensor", given.sensor, "NAME",
                 "Size of a common sensor, as aps-c: see vantrel camera sensors");
   auto* sensor = parser.get_option("--sensor");
-  sensor->excludes(number("--width", given->width, "MM", "Width of the sensor or film frame"));
-  sensor->excludes(number("--height", given->height, "MM", "Its height"));
-  number("--megapixels", given->megapixels, "COUNT", "Resolution");
-  addValueOption(parser, "--coc", given->coc, &circleFromArgument, "MM",
+  sensor->excludes(number("--width", given.width, "MM", "Width of the sensor or film frame"));
+  sensor->excludes(number("--height", given.height, "MM", "Its height"));
+  number("--megapixels", given.megapixels, "COUNT", "Resolution");
+  addValueOption(parser, "--coc", given.coc, &circleFromArgument, "MM",
                  "Circle of confusion, where a 1440th of the diagonal will not do");
-  number("--aperture", given->aperture, "F", "Aperture of the lens, as 2.8");
-  number("--focal-length", given->focalLength, "MM", "Focal length of the lens");
-  parser.add_flag("--film", given->isFilm, "Takes film");
-  parser.callback([=, &session] { session.exitCode = addCamera(*given, session.console); });
+  number("--aperture", given.aperture, "F", "Aperture of the lens, as 2.8");
+  number("--focal-length", given.focalLength, "MM", "Focal length of the lens");
+  parser.add_flag("--film", given.isFilm, "Takes film");
 }
 
-std::shared_ptr<std::optional<std::string>> addCameraName(CLI::App& parser) {
-  auto name = std::make_shared<std::optional<std::string>>();
-  addValueOption(parser, "CAMERA", *name, &filledTextFromArgument, "",
+void addCameraName(CLI::App& parser, CameraName& name) {
+  addValueOption(parser, "CAMERA", name, &filledTextFromArgument, "",
                  "Model, identifier, the first four or more of its characters, or URI");
-  return name;
 }
 
 }  // namespace
 
 void fillCameraCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  Console& console = session.console;
-  fillAdd(*parser.add_subcommand("add", "Add a camera by the size of its sensor"), session);
-  parser.add_subcommand("list", "List cameras with diagonal, circle of confusion and crop factor")
-      ->callback([&] { session.exitCode = listCameras(console); });
-
-  CLI::App& show = *parser.add_subcommand("show", "Show all that is known of a camera");
-  const auto shown = addCameraName(show);
-  show.callback([=, &session, &console] { session.exitCode = showCamera(**shown, console); });
-
-  CLI::App& remove = *parser.add_subcommand("remove", "Remove a camera");
-  const auto removed = addCameraName(remove);
-  remove.callback([=, &session, &console] { session.exitCode = removeCamera(**removed, console); });
-
-  parser.add_subcommand("sensors", "List common sensors and film frames")->callback([&] {
-    session.exitCode = listSensors(console);
-  });
+  const auto add =
+      addCommand(parser, session, "add", "Add a camera by the size of its sensor", &addCamera);
+  addAttributes(add.parser, add.given);
+  addCommand(parser, session, "list",
+             "List cameras with diagonal, circle of confusion and crop factor", &listCameras);
+  const auto show =
+      addCommand(parser, session, "show", "Show all that is known of a camera", &showCamera);
+  addCameraName(show.parser, show.given);
+  const auto remove = addCommand(parser, session, "remove", "Remove a camera", &removeCamera);
+  addCameraName(remove.parser, remove.given);
+  addCommand(parser, session, "sensors", "List common sensors and film frames", &listSensors);
 }
 
 }  // namespace vantrel::cli

@@ -6,6 +6,8 @@
 #include <array>
 #include <memory>
 
+#include "cli/ValueOption.h"
+
 namespace vantrel::cli {
 
 namespace {
@@ -109,11 +111,10 @@ std::string typedText(const std::string& word) {
 
 void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
                    const std::string& valueName, const std::string& description) {
-  const auto keep = [&target](const CLI::results_t& values) {
-    target = values.front();
-    return true;
+  const auto anything = [](const std::string& /*name*/, const std::string& text) {
+    return Expected<std::string>(text);
   };
-  parser.add_option(name, keep, description)->type_name(valueName);
+  addValueOption(parser, name, target, anything, valueName, description);
 }
 
 }  // namespace vantrel::cli

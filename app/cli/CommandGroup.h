@@ -58,7 +58,7 @@ constexpr char kHiddenSign = '\0';
 /// What was typed for an argument without a name, as the parser has it: "-.5" comes in disguise.
 std::string typedText(const std::string& word);
 
-/// An option with one value; "" is a value like any other. `target` outlives the parsing.
+/// An option, or an argument that must be given, of any text; `target` outlives the parsing.
 void addTextOption(CLI::App& parser, const std::string& name, std::optional<std::string>& target,
                    const std::string& valueName, const std::string& description);
 

@@ -112,11 +112,7 @@ class Batch {
  private:
   void refuse(const std::string& why) {
     exitCode_ = kExitBadData;
-    if (console_.isJson()) {
-      const Json answer = {{"line", line_}, {"error", why}};
-      answers_ += printableJson(answer.dump(-1, ' ', false, Json::error_handler_t::replace));
-    }
-    answers_ += '\n';
+    answers_ += console_.isJson() ? jsonLine({{"line", line_}, {"error", why}}) : "\n";
     flush();
     console_.tell("vantrel: line " + std::to_string(line_) + ": " + printable(why) + "\n");
   }

@@ -1,14 +1,11 @@
-#include <CLI/App.hpp>
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/PropertyListText.h"
 #include "cli/SettingsAccess.h"
@@ -36,17 +33,12 @@ Error missingKey(const std::string& key) {
 
 Expected<std::string> typeFromArgument(const std::string& option, const std::string& text) {
   if (std::find(kTypes.begin(), kTypes.end(), text) != kTypes.end()) return text;
-  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"",
-                                     "allowed are bool, int, float, double, string, date, data"));
+  return refused(option, text, "allowed are bool, int, float, double, string, date, data");
 }
 
 Expected<std::string> keyFromArgument(const std::string& option, const std::string& text) {
   if (!text.empty()) return textFromArgument(option, text);
   return tl::make_unexpected(failure(kExitUsage, option, "a key has at least one character"));
-}
-
-Expected<std::string> anyText(const std::string& /*option*/, const std::string& text) {
-  return text;
 }
 
 /// The stored value as programs get it that ask for `type`.
@@ -184,41 +176,38 @@ int migrate(Console& console) {
 }
 
 /// A command on one key.
-void addCommand(CLI::App& group, Session& session, const char* name, const char* description,
-                int (*run)(const Request&, Console&)) {
-  CLI::App& command = *group.add_subcommand(name, description);
-  const auto request = std::make_shared<Request>();
+void addKeyCommand(CLI::App& group, Session& session, const char* name, const char* description,
+                   int (*run)(const Request&, Console&)) {
+  const auto [command, request] = addCommand(group, session, name, description, run);
   const bool writes = run == &writeKey;
   if (run != &listKeys) {
-    addValueOption(command, "KEY", request->key, &keyFromArgument, "", "The setting");
+    addValueOption(command, "KEY", request.key, &keyFromArgument, "", "The setting");
   }
   if (writes) {
-    addValueOption(
-        command, "VALUE", request->value, &anyText, "",
-        "The new value (data in base64); - reads it from standard input (data as it is)");
+    addTextOption(command, "VALUE", request.value, "",
+                  "The new value (data in base64); - reads it from standard input (data as it is)");
   }
   if (writes || run == &readKey) {
     addValueOption(
-        command, "--type", request->type, &typeFromArgument,
+        command, "--type", request.type, &typeFromArgument,
         "bool|int|float|double|string|date|data",
         writes ? "What the value is; string when left out" : "Convert the value to this");
   }
-  const auto standard = [request] { request->suite = Suite::kStandard; };
+  const auto standard = [&suite = request.suite] { suite = Suite::kStandard; };
   command.add_flag_callback("--standard", standard, "This program's own settings, not the group's");
-  command.callback([=, &session] { session.exitCode = run(*request, session.console); });
 }
 
 }  // namespace
 
 void fillDefaultsCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  addCommand(parser, session, "read", "Print one value; dates in ISO 8601, data in base64",
-             &readKey);
-  addCommand(parser, session, "write", "Set one value", &writeKey);
-  addCommand(parser, session, "delete", "Remove one value", &deleteKey);
-  addCommand(parser, session, "list", "Print all keys, types and values", &listKeys);
-  parser.add_subcommand("migrate", "Copy this program's own settings into the group's, once")
-      ->callback([&session] { session.exitCode = migrate(session.console); });
+  addKeyCommand(parser, session, "read", "Print one value; dates in ISO 8601, data in base64",
+                &readKey);
+  addKeyCommand(parser, session, "write", "Set one value", &writeKey);
+  addKeyCommand(parser, session, "delete", "Remove one value", &deleteKey);
+  addKeyCommand(parser, session, "list", "Print all keys, types and values", &listKeys);
+  addCommand(parser, session, "migrate", "Copy this program's own settings into the group's, once",
+             &migrate);
 }
 
 }  // namespace vantrel::cli

@@ -1,13 +1,10 @@
-#include <CLI/App.hpp>
 #include <array>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/Arguments.h"
-#include "cli/CommandGroup.h"
 #include "cli/CurveBatch.h"
 #include "cli/CurveText.h"
 #include "cli/ExitCode.h"
@@ -83,8 +80,7 @@ int showCurve(const CurveOptions& options, Console& console) {
   return kExitDone;
 }
 
-void fillCurve(CLI::App& parser, Session& session) {
-  const auto options = std::make_shared<CurveOptions>();
+void addCurveOptions(CLI::App& parser, CurveOptions& options) {
   constexpr std::array kPositionals = {
       std::pair{"LAT1", "Latitude of the first point: -90 to 90 degrees, or as 41.39N"},
       std::pair{"LON1", "Longitude: -540 to 540 degrees, or as 2.17E"},
@@ -94,15 +90,15 @@ void fillCurve(CLI::App& parser, Session& session) {
       std::pair{"ALT2", ""},
   };
   for (const auto& [name, description] : kPositionals) {
-    const auto keep = [options](const CLI::results_t& values) {
-      options->points.push_back(typedText(values.front()));
+    const auto keep = [&options](const CLI::results_t& values) {
+      options.points.push_back(typedText(values.front()));
       return true;
     };
     parser.add_option(name, keep, description)->type_name("");
   }
-  parser.add_flag("--lonlat", options->isLonLat, "Longitudes come before latitudes");
-  const auto keepBatch = [options](const CLI::results_t& values) {
-    options->batch = values.empty() || values.front().empty() ? "-" : typedText(values.front());
+  parser.add_flag("--lonlat", options.isLonLat, "Longitudes come before latitudes");
+  const auto keepBatch = [&options](const CLI::results_t& values) {
+    options.batch = values.empty() || values.front().empty() ? "-" : typedText(values.front());
     return true;
   };
   parser
@@ -110,7 +106,6 @@ void fillCurve(CLI::App& parser, Session& session) {
                   "Answer each line of a file, or of standard input, with one line")
       ->expected(0, 1)
       ->type_name("[FILE]");
-  parser.callback([=, &session] { session.exitCode = showCurve(*options, session.console); });
 }
 
 using Number = std::optional<double>;
@@ -124,18 +119,16 @@ struct SightOptions {
 };
 
 /// The options of both line-of-sight commands, which differ in one.
-std::shared_ptr<SightOptions> addSight(CLI::App& parser, const char* name, const char* valueName,
-                                       const char* description) {
-  auto options = std::make_shared<SightOptions>();
+void addSightOptions(CLI::App& parser, SightOptions& options, const char* name,
+                     const char* valueName, const char* description) {
   const auto add = [&](const char* option, Number& target, const char* unit, const char* what) {
     addValueOption(parser, option, target, &realFromArgument, unit, what)->required();
   };
-  add("--pin2pin-distance", options->distance, "METRES", "Between the two pins, along the ground");
-  add("--earth-radius", options->radius, "METRES", "See vantrel geo radius");
-  add(name, options->angleOrHeight, valueName, description);
-  add("--red-pin-altitude", options->redAltitude, "METRES", "Of the observer");
-  add("--black-pin-altitude", options->blackAltitude, "METRES", "Of the object");
-  return options;
+  add("--pin2pin-distance", options.distance, "METRES", "Between the two pins, along the ground");
+  add("--earth-radius", options.radius, "METRES", "See vantrel geo radius");
+  add(name, options.angleOrHeight, valueName, description);
+  add("--red-pin-altitude", options.redAltitude, "METRES", "Of the observer");
+  add("--black-pin-altitude", options.blackAltitude, "METRES", "Of the object");
 }
 
 int showHeight(const SightOptions& options, Console& console) {
@@ -157,8 +150,8 @@ int showElevation(const SightOptions& options, Console& console) {
       console);
 }
 
-int showRadius(double latitude, Console& console) {
-  const double radius = GeodeticCalculator().calculateEarthRadiusForLatitude(latitude);
+int showRadius(const Number& latitude, Console& console) {
+  const double radius = GeodeticCalculator().calculateEarthRadiusForLatitude(*latitude);
   return print({{"Earth radius", "earthRadius", radius, metresText(radius)}}, console);
 }
 
@@ -166,27 +159,23 @@ int showRadius(double latitude, Console& console) {
 
 void fillGeoCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  Console& console = session.console;
-  fillCurve(*parser.add_subcommand("curve", "Azimuths, distance and elevation between two points"),
-            session);
-
-  CLI::App& radius = *parser.add_subcommand("radius", "The earth's radius at a latitude");
-  const auto latitude = std::make_shared<Number>();
-  addValueOption(radius, "LAT", *latitude, &hemisphereLatitudeFromArgument, "",
+  const auto curve = addCommand(parser, session, "curve",
+                                "Azimuths, distance and elevation between two points", &showCurve);
+  addCurveOptions(curve.parser, curve.given);
+  const auto [radius, latitude] =
+      addCommand(parser, session, "radius", "The earth's radius at a latitude", &showRadius);
+  addValueOption(radius, "LAT", latitude, &hemisphereLatitudeFromArgument, "",
                  "Degrees, or as 41.39N");
-  radius.callback([=, &session, &console] { session.exitCode = showRadius(**latitude, console); });
-
-  CLI::App& height = *parser.add_subcommand(
-      "height", "How high above the object's terrain the observer sees the sun or moon pass");
-  const auto sight =
-      addSight(height, "--sun-moon-elevation", "DEGREES", "Of the sun or moon above the horizon");
-  height.callback([=, &session, &console] { session.exitCode = showHeight(*sight, console); });
-
-  CLI::App& elevation = *parser.add_subcommand(
-      "elevation", "At which angle the observer sees a height above the object's terrain");
-  const auto seen =
-      addSight(elevation, "--apparent-height", "METRES", "Above the object's terrain");
-  elevation.callback([=, &session, &console] { session.exitCode = showElevation(*seen, console); });
+  const auto height = addCommand(
+      parser, session, "height",
+      "How high above the object's terrain the observer sees the sun or moon pass", &showHeight);
+  addSightOptions(height.parser, height.given, "--sun-moon-elevation", "DEGREES",
+                  "Of the sun or moon above the horizon");
+  const auto elevation = addCommand(
+      parser, session, "elevation",
+      "At which angle the observer sees a height above the object's terrain", &showElevation);
+  addSightOptions(elevation.parser, elevation.given, "--apparent-height", "METRES",
+                  "Above the object's terrain");
 }
 
 }  // namespace vantrel::cli

@@ -1,9 +1,6 @@
-#include <CLI/App.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/ObserverText.h"
@@ -52,18 +49,14 @@ int showTimeZone(const Question& question, Console& console) {
   return kExitDone;
 }
 
-std::shared_ptr<Question> addQuestion(CLI::App& parser) {
-  auto question = std::make_shared<Question>();
-  addValueOption(parser, "LAT", question->latitude, &latitudeFromArgument, "",
+/// Gives the option that names an account.
+CLI::Option* addQuestion(CLI::App& parser, Question& question) {
+  addValueOption(parser, "LAT", question.latitude, &latitudeFromArgument, "",
                  "Latitude: -90 to 90 degrees, north positive");
-  addValueOption(parser, "LON", question->longitude, &longitudeFromArgument, "",
+  addValueOption(parser, "LON", question.longitude, &longitudeFromArgument, "",
                  "Longitude: -180 to 180 degrees, east positive");
-  addTextOption(parser, "--key-file", question->service.keyFile, "FILE",
+  addTextOption(parser, "--key-file", question.service.keyFile, "FILE",
                 "Holds the key of your own account on its first line; - is standard input");
-  return question;
-}
-
-CLI::Option* addUsername(CLI::App& parser, Question& question) {
   return addValueOption(parser, "--username", question.service.username, &filledTextFromArgument,
                         "NAME", "Your own account at GeoNames, instead of the program's");
 }
@@ -78,19 +71,14 @@ constexpr const char* kWhoIsAsked =
 void fillLookupCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
   parser.footer(kWhoIsAsked);
-  Console& console = session.console;
-  CLI::App& altitude = *parser.add_subcommand("altitude", "The altitude of the ground there");
-  const auto asked = addQuestion(altitude);
-  auto* username = addUsername(altitude, *asked);
-  altitude.add_flag("--google", asked->service.google, "Ask Google; needs a key of your own")
+  const auto [altitude, asked] =
+      addCommand(parser, session, "altitude", "The altitude of the ground there", &showAltitude);
+  auto* username = addQuestion(altitude, asked);
+  altitude.add_flag("--google", asked.service.google, "Ask Google; needs a key of your own")
       ->excludes(username);
-  altitude.callback([=, &session, &console] { session.exitCode = showAltitude(*asked, console); });
-
-  CLI::App& zone = *parser.add_subcommand("timezone", "The time zone that it lies in");
-  const auto askedForZone = addQuestion(zone);
-  addUsername(zone, *askedForZone);
-  zone.callback(
-      [=, &session, &console] { session.exitCode = showTimeZone(*askedForZone, console); });
+  const auto zone =
+      addCommand(parser, session, "timezone", "The time zone that it lies in", &showTimeZone);
+  addQuestion(zone.parser, zone.given);
 }
 
 }  // namespace vantrel::cli

@@ -1,8 +1,5 @@
-#include <CLI/App.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/ObserverText.h"
 #include "cli/PinOptions.h"
@@ -47,23 +44,22 @@ Expected<void> apply(const Changes& changes, VTObserver& observer) {
   return {};
 }
 
-/// Where the planner stands, when that was ever told.
-Expected<std::optional<LocationCoordinate2D>> storedPlace() {
-  const auto defaults = settingsForReading();
-  if (!defaults) return tl::make_unexpected(defaults.error());
-  return storedObserver(**defaults).map([](const StoredObserver& stored) {
-    return stored.isStored ? std::optional(stored.observer.coordinate()) : std::nullopt;
-  });
+Expected<StoredObserver> currentObserver() {
+  return settingsForReading().and_then([](auto* defaults) { return storedObserver(*defaults); });
 }
 
-int setObserver(Changes changes, Console& console) {
+int setObserver(const Changes& given, Console& console) {
+  Changes changes = given;
   if (!changes.any()) {
     return console.fail(
         failure(kExitUsage, "observer set", "nothing to change; see vantrel observer set --help"));
   }
   if (changes.pin.lookUpAltitude) {
-    const auto found = storedPlace().and_then(
-        [&](const auto& place) { return lookUpAltitude(changes.pin, place); });
+    const auto found = currentObserver().and_then([&](const auto& stored) {
+      return lookUpAltitude(changes.pin, stored.isStored
+                                             ? std::optional(stored.observer.coordinate())
+                                             : std::nullopt);
+    });
     if (!found) return console.fail(found.error());
   }
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
@@ -77,9 +73,7 @@ int setObserver(Changes changes, Console& console) {
 }
 
 int showObserver(Console& console) {
-  const auto defaults = settingsForReading();
-  if (!defaults) return console.fail(defaults.error());
-  const auto observer = storedObserver(**defaults);
+  const auto observer = currentObserver();
   if (!observer) return console.fail(observer.error());
   console.print(console.isJson() ? jsonText(jsonOfObserver(*observer))
                                  : textOfObserver(*observer, console));
@@ -90,26 +84,24 @@ int showObserver(Console& console) {
 
 void fillObserverCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  parser.add_subcommand("show", "Show the stored observer, or what a fresh one is")
-      ->callback([&session] { session.exitCode = showObserver(session.console); });
-
-  CLI::App& set = *parser.add_subcommand("set", "Change what is given, and nothing else");
-  const auto changes = std::make_shared<Changes>();
-  addPinOptions(set, changes->pin);
+  addCommand(parser, session, "show", "Show the stored observer, or what a fresh one is",
+             &showObserver);
+  const auto [set, changes] =
+      addCommand(parser, session, "set", "Change what is given, and nothing else", &setObserver);
+  addPinOptions(set, changes.pin);
   CLI::Option* const horizon[] = {
-      addValueOption(set, "--horizon-latitude", changes->horizonLatitude, &latitudeFromArgument,
+      addValueOption(set, "--horizon-latitude", changes.horizonLatitude, &latitudeFromArgument,
                      "DEGREES", "Of the point of the horizon"),
-      addValueOption(set, "--horizon-longitude", changes->horizonLongitude, &longitudeFromArgument,
+      addValueOption(set, "--horizon-longitude", changes.horizonLongitude, &longitudeFromArgument,
                      "DEGREES", "Of the point of the horizon"),
-      addValueOption(set, "--horizon-altitude", changes->horizonAltitude, &altitudeFromArgument,
+      addValueOption(set, "--horizon-altitude", changes.horizonAltitude, &altitudeFromArgument,
                      "METRES", "Of the point of the horizon"),
-      addValueOption(set, "--adjust", changes->adjust, &switchFromArgument, "on|off",
+      addValueOption(set, "--adjust", changes.adjust, &switchFromArgument, "on|off",
                      "Reckon with the height above the horizon"),
   };
-  const auto clear = [changes] { changes->clearHorizon = true; };
+  const auto clear = [&isClear = changes.clearHorizon] { isClear = true; };
   auto* none = set.add_flag_callback("--no-horizon", clear, "Forget the horizon; adjusts off");
   for (auto* option : horizon) none->excludes(option);
-  set.callback([=, &session] { session.exitCode = setObserver(*changes, session.console); });
 }
 
 }  // namespace vantrel::cli

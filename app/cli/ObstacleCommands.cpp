@@ -1,10 +1,7 @@
-#include <CLI/App.hpp>
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <nlohmann/json.hpp>
 
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/ObserverText.h"
 #include "cli/PinOptions.h"
@@ -18,11 +15,15 @@ namespace vantrel::cli {
 
 namespace {
 
-/// Whether the settings hold an obstacle. Without any latitude they hold none, though the pin reads
+/// The obstacle that the settings hold. Without any latitude they hold none, though the pin reads
 /// as one at (0, 0).
-bool isPlaced(const UserDefaults& defaults) {
-  return defaults.objectForKey(kUserDefaultsPlannerObstacleLatitude) &&
-         Obstacle().refreshFromUserDefaults();
+std::optional<Obstacle> placedObstacle(const UserDefaults& defaults) {
+  std::optional<Obstacle> obstacle(std::in_place);
+  if (!defaults.objectForKey(kUserDefaultsPlannerObstacleLatitude) ||
+      !obstacle->refreshFromUserDefaults()) {
+    obstacle.reset();
+  }
+  return obstacle;
 }
 
 /// Whether it is in any direction from the observer: not at the same point, nor so near to the
@@ -55,9 +56,10 @@ struct Sight {
 
 Sight sight(const UserDefaults& defaults, const VTObserver& observer) {
   Sight sight;
-  sight.isPlaced = isPlaced(defaults);
-  if (!sight.isPlaced) return sight;
-  sight.obstacle.refreshFromUserDefaults();
+  auto placed = placedObstacle(defaults);
+  if (!placed) return sight;
+  sight.isPlaced = true;
+  sight.obstacle = *std::move(placed);
   sight.obstacle.recalculateDataWithObserver(observer);
   sight.hasBearing = hasDirection(observer, sight.obstacle);
   sight.hasDifference = sight.obstacle.altitudeDifference() != Obstacle::kUnknownDifference;
@@ -125,29 +127,24 @@ double placeableLongitude(double longitude) {
                                                                : longitude;
 }
 
-Expected<std::optional<LocationCoordinate2D>> storedPlace() {
-  const auto defaults = settingsForReading();
-  if (!defaults) return tl::make_unexpected(defaults.error());
-  Obstacle obstacle;
-  if (!isPlaced(**defaults)) return std::nullopt;
-  obstacle.refreshFromUserDefaults();
-  return obstacle.coordinate();
-}
-
-int setObstacle(Changes changes, Console& console) {
+int setObstacle(const Changes& given, Console& console) {
+  Changes changes = given;
   if (!changes.pin.any() && !changes.visible) {
     return console.fail(
         failure(kExitUsage, "obstacle set", "nothing to change; see vantrel obstacle set --help"));
   }
   if (changes.pin.longitude) changes.pin.longitude = placeableLongitude(*changes.pin.longitude);
   if (changes.pin.lookUpAltitude) {
-    const auto found = storedPlace().and_then(
-        [&](const auto& place) { return lookUpAltitude(changes.pin, place); });
+    const auto found = settingsForReading().and_then([&](auto* defaults) {
+      const auto obstacle = placedObstacle(*defaults);
+      return lookUpAltitude(changes.pin,
+                            obstacle ? std::optional(obstacle->coordinate()) : std::nullopt);
+    });
     if (!found) return console.fail(found.error());
   }
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
     Obstacle obstacle;
-    if (!isPlaced(defaults)) {
+    if (!placedObstacle(defaults)) {
       if (!changes.pin.latitude || !changes.pin.longitude) {
         return tl::make_unexpected(
             failure(kExitUsage, "obstacle set",
@@ -171,7 +168,7 @@ int toggleObstacle(Console& console) {
     Obstacle obstacle;
     obstacle.toggle();
     defaults.setBool(obstacle.isVisible(), kUserDefaultsPlannerObstacleToggle);
-    if (!isPlaced(defaults)) console.note("no obstacle is placed");
+    if (!placedObstacle(defaults)) console.note("no obstacle is placed");
     return {};
   });
 }
@@ -188,22 +185,15 @@ int clearObstacle(Console& console) {
 
 void fillObstacleCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  parser.add_subcommand("show", "Tell bearing, distance, height difference and elevation")
-      ->callback([&session] { session.exitCode = showObstacle(session.console); });
-
-  CLI::App& set = *parser.add_subcommand("set", "Place the obstacle, or change what is given");
-  const auto changes = std::make_shared<Changes>();
-  addPinOptions(set, changes->pin);
-  addValueOption(set, "--visible", changes->visible, &switchFromArgument, "on|off",
+  addCommand(parser, session, "show", "Tell bearing, distance, height difference and elevation",
+             &showObstacle);
+  const auto [set, changes] = addCommand(
+      parser, session, "set", "Place the obstacle, or change what is given", &setObstacle);
+  addPinOptions(set, changes.pin);
+  addValueOption(set, "--visible", changes.visible, &switchFromArgument, "on|off",
                  "Show it on the planner; a new one is shown");
-  set.callback([changes, &session] { session.exitCode = setObstacle(*changes, session.console); });
-
-  parser.add_subcommand("toggle", "Show it on the planner, or hide it")->callback([&session] {
-    session.exitCode = toggleObstacle(session.console);
-  });
-  parser.add_subcommand("clear", "Remove it from the planner")->callback([&session] {
-    session.exitCode = clearObstacle(session.console);
-  });
+  addCommand(parser, session, "toggle", "Show it on the planner, or hide it", &toggleObstacle);
+  addCommand(parser, session, "clear", "Remove it from the planner", &clearObstacle);
 }
 
 }  // namespace vantrel::cli

@@ -1,23 +1,18 @@
-#include <CLI/App.hpp>
-#include <memory>
-
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/PlanJson.h"
 #include "cli/PlanLink.h"
 #include "cli/PlanText.h"
 #include "cli/StoreAccess.h"
+#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-int openLink(const std::string& link, Console& console) {
-  const auto uri = uriFromLink(link);
-  if (!uri) return console.fail(uri.error());
-  const auto context = contextForReading();
-  if (!context) return console.fail(context.error());
-  const auto plan = planWithURI(**context, *uri);
+int openLink(const std::optional<std::string>& link, Console& console) {
+  const auto plan = uriFromLink(*link).and_then([](const std::string& uri) {
+    return contextForReading().and_then([&](auto* context) { return planWithURI(*context, uri); });
+  });
   if (!plan) return console.fail(plan.error());
   console.print(console.isJson() ? jsonText(**plan) : planDetails(**plan, console));
   return kExitDone;
@@ -26,13 +21,7 @@ int openLink(const std::string& link, Console& console) {
 }  // namespace
 
 void fillOpenCommand(CLI::App& parser, Session& session) {
-  const auto link = std::make_shared<std::string>();
-  const auto keep = [link](const CLI::results_t& values) {
-    *link = typedText(values.front());
-    return true;
-  };
-  parser.add_option("LINK", keep, "vantrel://plan?id=…")->required()->type_name("");
-  parser.callback([link, &session] { session.exitCode = openLink(*link, session.console); });
+  addTextOption(parser, "LINK", setCommand(parser, session, &openLink), "", "vantrel://plan?id=…");
 }
 
 }  // namespace vantrel::cli

@@ -16,8 +16,7 @@ Expected<std::int32_t> accuracyFromArgument(const std::string& option, const std
   if (code && *code >= Limits::min() && *code <= Limits::max()) {
     return static_cast<std::int32_t>(*code);
   }
-  return tl::make_unexpected(
-      failure(kExitUsage, option + " \"" + text + "\"", "allowed are whole numbers of 32 bits"));
+  return refused(option, text, "allowed are whole numbers of 32 bits");
 }
 
 }  // namespace
@@ -64,7 +63,6 @@ void addPinOptions(CLI::App& parser, PinChanges& changes) {
 
 Expected<void> lookUpAltitude(PinChanges& changes,
                               const std::optional<LocationCoordinate2D>& stored) {
-  if (!changes.lookUpAltitude) return {};
   const auto fail = [](ExitCode code, const char* why) {
     return tl::make_unexpected(failure(code, "--altitude auto", why));
   };
@@ -83,8 +81,7 @@ Expected<void> lookUpAltitude(PinChanges& changes,
 Expected<float> altitudeFromArgument(const std::string& option, const std::string& text) {
   auto altitude = floatFromArgument(option, text);
   if (!altitude || PinLocation::isValid(*altitude)) return altitude;
-  return tl::make_unexpected(
-      failure(kExitUsage, option + " \"" + text + "\"", "this number stands for no altitude"));
+  return refused(option, text, "this number stands for no altitude");
 }
 
 }  // namespace vantrel::cli

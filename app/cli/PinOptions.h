@@ -28,8 +28,8 @@ struct PinChanges {
 /// the parsing.
 void addPinOptions(CLI::App& parser, PinChanges& changes);
 
-/// Asks a web service for the altitude, when that is what was given. The place is the one given;
-/// what it lacks is taken from `stored`. kExitMissing where no altitude is known.
+/// Asks a web service for the altitude. The place is the one given; what it lacks is taken from
+/// `stored`. kExitMissing where no altitude is known.
 Expected<void> lookUpAltitude(PinChanges& changes,
                               const std::optional<LocationCoordinate2D>& stored);
 

@@ -18,11 +18,12 @@ struct Axis {
   char negative;
   const char* allowed;
 };
-constexpr Axis kLatitude{90, 'N', 'S', "degrees from -90 to 90, or 0 to 90 with N or S behind"};
+constexpr Axis kLatitude{90, 'N', 'S',
+                         "allowed are degrees from -90 to 90, or 0 to 90 with N or S behind"};
 constexpr Axis kLongitude{540, 'E', 'W',
-                          "degrees from -540 to 540, or 0 to 540 with E or W behind"};
+                          "allowed are degrees from -540 to 540, or 0 to 540 with E or W behind"};
 
-constexpr const char* kMetres = "finite numbers of metres";
+constexpr const char* kMetres = "allowed are finite numbers of metres";
 
 std::optional<double> degrees(std::string_view text, const Axis& axis) {
   double sign = 1;
@@ -40,21 +41,19 @@ std::optional<double> degrees(std::string_view text, const Axis& axis) {
   return sign * *number;
 }
 
-tl::unexpected<Error> refused(std::string_view name, std::string_view text,
-                              std::string_view allowed) {
+/// The error for one word of a line, which may be of any length.
+tl::unexpected<Error> refusedWord(const std::string& name, std::string_view text,
+                                  const char* allowed) {
   constexpr std::size_t kMostQuoted = 40;
   const std::string quoted(text.substr(0, kMostQuoted));
-  return tl::make_unexpected(
-      failure(kExitUsage,
-              std::string(name) + " \"" + quoted + (text.size() > kMostQuoted ? "..." : "") + "\"",
-              "allowed are " + std::string(allowed)));
+  return refused(name, text.size() > kMostQuoted ? quoted + "..." : quoted, allowed);
 }
 
 }  // namespace
 
 Expected<double> hemisphereLatitudeFromArgument(const std::string& name, const std::string& text) {
   if (const auto number = degrees(text, kLatitude)) return *number;
-  return refused(name, text, kLatitude.allowed);
+  return refusedWord(name, text, kLatitude.allowed);
 }
 
 Expected<PinPair> pinPairFromArguments(const PinPairTexts& texts, bool isLonLat) {
@@ -78,7 +77,7 @@ Expected<PinPair> pinPairFromArguments(const PinPairTexts& texts, bool isLonLat)
     const Field& field = fields[(isLonLat ? kLonLat : kLatLon)[i]];
     const auto value = field.axis ? degrees(texts[i], *field.axis) : finiteNumber(texts[i]);
     if (!value) {
-      return refused(field.name, texts[i], field.axis ? field.axis->allowed : kMetres);
+      return refusedWord(field.name, texts[i], field.axis ? field.axis->allowed : kMetres);
     }
     field.target = *value;
   }

@@ -42,11 +42,6 @@ constexpr std::array kFields = {
 using Given = std::map<std::string, std::optional<std::string>>;
 using Changes = std::map<std::string, Value>;
 
-template <typename T>
-Value asValue(const T& value) {
-  return value;
-}
-
 Expected<Value> checkedValue(const std::string& key, const std::string& text,
                              const TimeZone& zone) {
   const std::string option = "--" + key;
@@ -58,9 +53,9 @@ Expected<Value> checkedValue(const std::string& key, const std::string& text,
   if (key == "timezone") {
     return timeZoneFromArgument(option, text).map([](const auto& z) { return Value(z.name()); });
   }
-  if (key == "latitude") return latitudeFromArgument(option, text).map(asValue<double>);
-  if (key == "longitude") return longitudeFromArgument(option, text).map(asValue<double>);
-  return textFromArgument(option, text).map(asValue<std::string>);
+  if (key == "latitude") return latitudeFromArgument(option, text);
+  if (key == "longitude") return longitudeFromArgument(option, text);
+  return textFromArgument(option, text);
 }
 
 /// Everything that was given, checked; wall times are those of `zone`, or of the zone given.
@@ -146,48 +141,50 @@ int addPlan(const Given& given, Console& console) {
   return kExitDone;
 }
 
-/// Opens the store and finds the plan, then does `action` with it.
-template <typename Action>
-int withPlan(Expected<ManagedObjectContext*> context, const std::string& name, Console& console,
-             Action action) {
-  if (!context) return console.fail(context.error());
-  const auto plan = planNamed(**context, name);
-  if (!plan) return console.fail(plan.error());
-  const Expected<void> done = action(*plan);
-  return done ? kExitDone : console.fail(done.error());
+using PlanName = std::optional<std::string>;
+
+Expected<std::shared_ptr<Planning>> storedPlan(const PlanName& name) {
+  return contextForReading().and_then([&](auto* context) { return planNamed(*context, *name); });
 }
 
-int editPlan(const std::string& name, const Given& given, Console& console) {
+struct Edit {
+  PlanName plan;
+  Given changes;
+};
+
+int editPlan(const Edit& edit, Console& console) {
+  const Given& given = edit.changes;
   if (given.empty()) {
-    return console.fail(failure(kExitUsage, "plan edit",
-                                "nothing to change; see vantrel plan edit "
-                                "--help"));
+    return console.fail(
+        failure(kExitUsage, "plan edit", "nothing to change; see vantrel plan edit --help"));
   }
   const auto checked = checkedChanges(withoutAsking(given), TimeZone::defaultTimeZone());
   if (!checked) return console.fail(checked.error());
-  return withPlan(contextForReading(), name, console, [&](const auto& plan) {
-    // Wall time is the plan's own, so it is read again.
-    const auto complete = withZoneOfPlace(given, plan.get());
-    if (!complete) return Expected<void>(tl::make_unexpected(complete.error()));
-    return checkedChanges(*complete, zoneOfPlan(*plan)).and_then([&](const Changes& changes) {
-      return applyAndSave(changes, *plan);
-    });
-  });
+  const auto plan = storedPlan(edit.plan);
+  if (!plan) return console.fail(plan.error());
+  // Wall time is the plan's own, so it is read again.
+  const auto done =
+      withZoneOfPlace(given, plan->get())
+          .and_then(
+              [&](const Given& complete) { return checkedChanges(complete, zoneOfPlan(**plan)); })
+          .and_then([&](const Changes& changes) { return applyAndSave(changes, **plan); });
+  return done ? kExitDone : console.fail(done.error());
 }
 
-int removePlan(const std::string& name, Console& console) {
-  return withPlan(contextForReading(), name, console, [](const auto& plan) {
+int removePlan(const PlanName& name, Console& console) {
+  const auto removed = storedPlan(name).and_then([](const auto& plan) {
     auto& context = *plan->managedObjectContext();
     context.deleteObject(plan);
     return context.save();
   });
+  return removed ? kExitDone : console.fail(removed.error());
 }
 
-int showPlan(const std::string& name, Console& console) {
-  return withPlan(contextForReading(), name, console, [&](const auto& plan) -> Expected<void> {
-    console.print(console.isJson() ? jsonText(*plan) : planDetails(*plan, console));
-    return {};
-  });
+int showPlan(const PlanName& name, Console& console) {
+  const auto plan = storedPlan(name);
+  if (!plan) return console.fail(plan.error());
+  console.print(console.isJson() ? jsonText(**plan) : planDetails(**plan, console));
+  return kExitDone;
 }
 
 /// What `plan list` is given.
@@ -219,74 +216,56 @@ int listPlans(const Listing& listing, Console& console) {
 }
 
 /// One option for each attribute; with `clearing`, also one to clear it.
-std::shared_ptr<Given> addFields(CLI::App& parser, bool clearing) {
-  auto given = std::make_shared<Given>();
+void addFields(CLI::App& parser, Given& given, bool clearing) {
   for (const auto& field : kFields) {
     const std::string key = field.key;
-    const auto keep = [given, key](const CLI::results_t& values) {
-      (*given)[key] = values.front();
+    const auto keep = [&given, key](const CLI::results_t& values) {
+      given[key] = values.front();
       return true;
     };
     auto* option = parser.add_option("--" + key, keep, field.description);
     option->type_name(field.valueName);
     if (!clearing) continue;
-    const auto clear = [given, key] { (*given)[key] = std::nullopt; };
+    const auto clear = [&given, key] { given[key] = std::nullopt; };
     parser.add_flag_callback("--no-" + key, clear, "Clear the " + key)->excludes(option);
   }
-  return given;
 }
 
-std::shared_ptr<std::string> addPlanName(CLI::App& parser) {
-  auto name = std::make_shared<std::string>();
-  const auto keep = [name](const CLI::results_t& values) {
-    *name = typedText(values.front());
-    return true;
-  };
-  parser.add_option("PLAN", keep, "Identifier, the first four or more of its characters, or URI")
-      ->required()
-      ->type_name("");
-  return name;
+void addPlanName(CLI::App& parser, PlanName& name) {
+  addTextOption(parser, "PLAN", name, "",
+                "Identifier, the first four or more of its characters, or URI");
 }
 
-void fillList(CLI::App& parser, Session& session) {
-  const auto listing = std::make_shared<Listing>();
+void addListOptions(CLI::App& parser, Listing& listing) {
   const std::string when = "now, today, friday, +2w, 2026-07-15, \"2026-07-15 23:40\"";
-  addTextOption(parser, "--from", listing->from, "WHEN", "No earlier than this: " + when);
-  addTextOption(parser, "--to", listing->to, "WHEN", "No later than this; a day counts to its end");
-  addValueOption(parser, "--format", listing->format, &PlanTemplate::parsed, "TEMPLATE",
+  addTextOption(parser, "--from", listing.from, "WHEN", "No earlier than this: " + when);
+  addTextOption(parser, "--to", listing.to, "WHEN", "No later than this; a day counts to its end");
+  addValueOption(parser, "--format", listing.format, &PlanTemplate::parsed, "TEMPLATE",
                  "A line for each plan, as \"{day} {time}\\t{name}\"; in braces may stand " +
                      PlanTemplate::fieldNames() + "; {{ is a brace");
-  parser.add_flag("--plain", listing->isPlain,
+  parser.add_flag("--plain", listing.isPlain,
                   "Lines for programs, columns divided by tabs: identifier, date, the same in the "
                   "plan's zone, zone, latitude, longitude, name");
-  parser.callback([=, &session] { session.exitCode = listPlans(*listing, session.console); });
 }
 
 }  // namespace
 
 void fillPlanCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  Console& console = session.console;
-  CLI::App& add = *parser.add_subcommand("add", "Add a plan and print its identifier");
-  const auto added = addFields(add, false);
-  add.callback([=, &session, &console] { session.exitCode = addPlan(*added, console); });
-
-  fillList(*parser.add_subcommand("list", "List plans by date, undated ones last"), session);
-
-  CLI::App& show = *parser.add_subcommand("show", "Show all that is known of a plan");
-  const auto shown = addPlanName(show);
-  show.callback([=, &session, &console] { session.exitCode = showPlan(*shown, console); });
-
-  CLI::App& edit = *parser.add_subcommand("edit", "Change a plan");
-  const auto edited = addPlanName(edit);
-  const auto changed = addFields(edit, true);
-  edit.callback(
-      [=, &session, &console] { session.exitCode = editPlan(*edited, *changed, console); });
-
-  CLI::App& remove = *parser.add_subcommand("remove", "Remove a plan");
-  const auto removed = addPlanName(remove);
-  remove.callback([=, &session, &console] { session.exitCode = removePlan(*removed, console); });
-
+  const auto add =
+      addCommand(parser, session, "add", "Add a plan and print its identifier", &addPlan);
+  addFields(add.parser, add.given, false);
+  const auto list =
+      addCommand(parser, session, "list", "List plans by date, undated ones last", &listPlans);
+  addListOptions(list.parser, list.given);
+  const auto show =
+      addCommand(parser, session, "show", "Show all that is known of a plan", &showPlan);
+  addPlanName(show.parser, show.given);
+  const auto edit = addCommand(parser, session, "edit", "Change a plan", &editPlan);
+  addPlanName(edit.parser, edit.given.plan);
+  addFields(edit.parser, edit.given.changes, true);
+  const auto remove = addCommand(parser, session, "remove", "Remove a plan", &removePlan);
+  addPlanName(remove.parser, remove.given);
   fillExchangeCommands(parser, session);
 }
 

@@ -6,6 +6,7 @@
 
 #include "cli/ExitCode.h"
 #include "cli/PlanLink.h"
+#include "cli/PlanSelection.h"
 #include "cli/PlanText.h"
 
 namespace vantrel::cli {
@@ -15,10 +16,7 @@ namespace {
 constexpr std::size_t kShortestPrefix = 4;
 constexpr std::size_t kMostCandidates = 10;
 constexpr std::string_view kUriScheme = "x-coredata://";
-constexpr const char* kPlanEntity = "Planning";
 constexpr const char* kIdentifierKey = "uniqueIdentifier";
-
-using Plans = std::vector<std::shared_ptr<Planning>>;
 
 std::string upperCase(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -26,29 +24,19 @@ std::string upperCase(std::string text) {
   return text;
 }
 
-Plans asPlans(const ManagedObjectContext::Objects& objects) {
-  Plans plans;
-  for (const auto& object : objects) {
-    if (auto plan = std::dynamic_pointer_cast<Planning>(object)) plans.push_back(std::move(plan));
-  }
-  return plans;
-}
-
 Expected<Plans> plansWithIdentifier(ManagedObjectContext& context, const std::string& identifier) {
   FetchRequest request;
-  request.entityName = kPlanEntity;
   request.predicate = Predicate::equal(kIdentifierKey, identifier);
   request.fetchLimit = kMostCandidates + 1;
-  return context.executeFetchRequest(request).map(asPlans);
+  return fetchPlans(context, request);
 }
 
 Expected<Plans> plansWithPrefix(ManagedObjectContext& context, const std::string& prefix) {
   FetchRequest request;
-  request.entityName = kPlanEntity;
   request.predicate = Predicate::greaterThanOrEqual(kIdentifierKey, prefix);
   request.sortDescriptors = {{kIdentifierKey, true}};
   request.fetchLimit = kMostCandidates + 1;
-  auto plans = context.executeFetchRequest(request).map(asPlans);
+  auto plans = fetchPlans(context, request);
   if (plans) {
     std::erase_if(*plans, [&](const auto& plan) {
       return !plan->uniqueIdentifier().value_or("").starts_with(prefix);

@@ -9,8 +9,6 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr const char* kPlanEntity = "Planning";
-
 struct Range {
   std::optional<Date> first;
   std::optional<Date> last;
@@ -33,30 +31,20 @@ Expected<Range> checkedRange(const std::optional<std::string>& from,
   return range;
 }
 
-Plans asPlans(const ManagedObjectContext::Objects& objects) {
-  Plans plans;
-  plans.reserve(objects.size());
-  for (const auto& object : objects) {
-    if (auto plan = std::dynamic_pointer_cast<Planning>(object)) plans.push_back(std::move(plan));
-  }
-  return plans;
-}
-
 /// The dated plans from `first` to `last`, by date.
 Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) {
   constexpr double kEarliest = -1e300;
   constexpr std::size_t kFewPlans = 100;
   FetchRequest request;
-  request.entityName = kPlanEntity;
   request.predicate = Predicate::greaterThanOrEqual("date", range.first.value_or(Date(kEarliest)));
   request.sortDescriptors = {{"date", true}};
   const auto isLater = [&](const auto& plan) { return range.last && plan->date() > range.last; };
   // A predicate has no upper end: some plans first, and more while none of them lies behind it.
   if (range.last) request.fetchLimit = kFewPlans;
-  auto plans = context.executeFetchRequest(request).map(asPlans);
+  auto plans = fetchPlans(context, request);
   while (plans && range.last && plans->size() == request.fetchLimit && !isLater(plans->back())) {
     request.fetchLimit *= 10;
-    plans = context.executeFetchRequest(request).map(asPlans);
+    plans = fetchPlans(context, request);
   }
   if (plans) std::erase_if(*plans, isLater);
   return plans;
@@ -64,11 +52,22 @@ Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) 
 
 }  // namespace
 
+Expected<Plans> fetchPlans(ManagedObjectContext& context, FetchRequest request) {
+  request.entityName = "Planning";
+  return context.executeFetchRequest(request).map([](const auto& objects) {
+    Plans plans;
+    plans.reserve(objects.size());
+    for (const auto& object : objects) {
+      if (auto plan = std::dynamic_pointer_cast<Planning>(object)) plans.push_back(std::move(plan));
+    }
+    return plans;
+  });
+}
+
 Expected<Plans> allPlans(ManagedObjectContext& context) {
   FetchRequest request;
-  request.entityName = kPlanEntity;
   request.sortDescriptors = {{"date", true}};
-  return context.executeFetchRequest(request).map(asPlans).map([](Plans plans) {
+  return fetchPlans(context, request).map([](Plans plans) {
     std::stable_partition(plans.begin(), plans.end(),
                           [](const auto& plan) { return plan->date().has_value(); });
     return plans;

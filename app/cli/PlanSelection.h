@@ -13,6 +13,9 @@ namespace vantrel::cli {
 
 using Plans = std::vector<std::shared_ptr<Planning>>;
 
+/// The plans that a request finds; its entity is theirs.
+Expected<Plans> fetchPlans(ManagedObjectContext& context, FetchRequest request);
+
 /// Every plan by date, those without one last.
 Expected<Plans> allPlans(ManagedObjectContext& context);
 

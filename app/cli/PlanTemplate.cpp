@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "cli/Arguments.h"
-#include "cli/ExitCode.h"
 #include "cli/PlanLink.h"
 #include "cli/PlanText.h"
 #include "cli/Suggestion.h"
@@ -91,9 +90,7 @@ Expected<PlanTemplate> PlanTemplate::parsed(const std::string& option, const std
   if (const auto valid = textFromArgument(option, text); !valid) {
     return tl::make_unexpected(valid.error());
   }
-  const auto refused = [&](const std::string& why) {
-    return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"", why));
-  };
+  const auto fail = [&](const std::string& why) { return refused(option, text, why); };
   PlanTemplate result;
   std::string literal;
   for (std::size_t at = 0; at < text.size(); ++at) {
@@ -107,13 +104,13 @@ Expected<PlanTemplate> PlanTemplate::parsed(const std::string& option, const std
       ++at;
     } else if (c == '{') {
       const auto end = text.find('}', at);
-      if (end == std::string::npos) return refused("no } behind {; a brace is written {{");
+      if (end == std::string::npos) return fail("no } behind {; a brace is written {{");
       const auto write = fieldNamed(text.substr(at + 1, end - at - 1));
-      if (!write) return refused(write.error());
+      if (!write) return fail(write.error());
       result.pieces_.push_back({std::exchange(literal, {}), *write});
       at = end;
     } else if (c == '}') {
-      return refused("no { before }; a brace is written }}");
+      return fail("no { before }; a brace is written }}");
     } else {
       literal += c;
     }

@@ -93,18 +93,18 @@ std::optional<std::string> hereText(Date date, const TimeZone& zone) {
   return (sameDay ? text.substr(kDayLength + 1) : text) + " here";
 }
 
+std::string whenText(const std::optional<Date>& date, const TimeZone& zone) {
+  if (!date) return kUnknown;
+  const auto here = hereText(*date, zone);
+  return wallText(*date, zone) + (here ? " (" + *here + ")" : "");
+}
+
 std::string planDetails(const Planning& plan, const Console& console) {
   std::string text = console.bold(shown(plan.name())) + "\n";
   const auto line = [&](const char* label, const std::string& value) {
     text += console.labelled(label, value);
   };
-  std::string when = kUnknown;
-  if (const auto date = plan.date()) {
-    const TimeZone zone = zoneOfPlan(plan);
-    when = wallText(*date, zone);
-    if (const auto here = hereText(*date, zone)) when += " (" + *here + ")";
-  }
-  line("Date", when);
+  line("Date", whenText(plan.date(), zoneOfPlan(plan)));
   line("Zone", shown(plan.timezone()));
   line("Place", placeText(plan.latitude(), plan.longitude()));
   if (const auto notes = plan.notes(); notes && !notes->empty()) {

@@ -25,6 +25,10 @@ std::string wallText(Date date, const TimeZone& zone);
 /// device's clock shows the same as the zone's.
 std::optional<std::string> hereText(Date date, const TimeZone& zone);
 
+/// The wall time of the zone, and what that is here: "2026-07-16 12:00 (05:00 here)"; "--" for
+/// none.
+std::string whenText(const std::optional<Date>& date, const TimeZone& zone);
+
 /// One plan with everything that is known of it, one line each.
 std::string planDetails(const Planning& plan, const Console& console);
 

@@ -1,10 +1,7 @@
-#include <CLI/App.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "base/Iso8601.h"
 #include "cli/Arguments.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/ObserverText.h"
 #include "cli/PlanText.h"
@@ -97,25 +94,19 @@ std::string jsonOfPlanner(const Planner& planner, const StoredObserver& observer
 
 std::string textOfPlanner(const Planner& planner, const StoredObserver& observer,
                           const Console& console) {
-  const std::string unknown = "--";
-  std::string when = unknown;
-  if (planner.date) {
-    when = wallText(*planner.date, planner.zone());
-    if (const auto here = hereText(*planner.date, planner.zone())) when += " (" + *here + ")";
-  }
-  const auto shown = [&](const std::optional<bool>& visible) {
-    return visible ? (*visible ? "shown" : "hidden") : unknown;
+  const auto visibility = [](const std::optional<bool>& visible) {
+    return visible ? (*visible ? "shown" : "hidden") : kUnknown;
   };
   const LocationCoordinate2D place = observer.observer.coordinate();
   return console.bold("Planner") + "\n" +
          console.labelled("Map", placeText(planner.mapLatitude, planner.mapLongitude)) +
-         console.labelled("Date", when) +
-         console.labelled("Zone", printable(planner.timezone.value_or(unknown))) +
-         console.labelled("Panel", planner.panel ? std::to_string(*planner.panel) : unknown) +
-         console.labelled("Milky way", shown(planner.milkyWay)) +
-         console.labelled("Obstacle", shown(planner.obstacle)) +
-         console.labelled("Observer",
-                          observer.isStored ? placeText(place.latitude, place.longitude) : unknown);
+         console.labelled("Date", whenText(planner.date, planner.zone())) +
+         console.labelled("Zone", shown(planner.timezone)) +
+         console.labelled("Panel", planner.panel ? std::to_string(*planner.panel) : kUnknown) +
+         console.labelled("Milky way", visibility(planner.milkyWay)) +
+         console.labelled("Obstacle", visibility(planner.obstacle)) +
+         console.labelled(
+             "Observer", observer.isStored ? placeText(place.latitude, place.longitude) : kUnknown);
 }
 
 int showPlanner(Console& console) {
@@ -138,52 +129,43 @@ int handOff(Console& console, HandOff give) {
   });
 }
 
-void fillPreset(CLI::App& parser, Session& session) {
-  const auto preset = std::make_shared<Preset>();
-  addValueOption(parser, "--latitude", preset->latitude, &latitudeFromArgument, "DEGREES",
-                 "-90 to 90, north positive")
-      ->required();
-  addValueOption(parser, "--longitude", preset->longitude, &longitudeFromArgument, "DEGREES",
-                 "-180 to 180, east positive")
-      ->required();
-  addValueOption(parser, "--date", preset->date, &dateFromArgument, "WHEN",
-                 "2026-07-15T21:40:00Z, or wall time here as \"2026-07-15 23:40\"")
-      ->required();
-  parser.callback([preset, &session] {
-    session.exitCode = handOff(session.console, [&] {
-      TodayUtils::setDefaultPlannerPosition({*preset->latitude, *preset->longitude}, *preset->date);
-    });
+int setPreset(const Preset& preset, Console& console) {
+  return handOff(console, [&] {
+    TodayUtils::setDefaultPlannerPosition({*preset.latitude, *preset.longitude}, *preset.date);
   });
+}
+
+int setPanel(const std::optional<std::int64_t>& page, Console& console) {
+  return handOff(console, [&] { TodayUtils::setCurrentPlannerPanelIndex(*page); });
+}
+
+int setMilkyWay(const std::optional<bool>& visible, Console& console) {
+  return handOff(console, [&] { TodayUtils::setPlannerMilkyWayVisible(*visible); });
 }
 
 }  // namespace
 
 void fillPlannerCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  fillPreset(
-      *parser.add_subcommand("preset", "Set map, observer and date; the obstacle is switched off"),
-      session);
-
-  CLI::App& panel = *parser.add_subcommand("panel", "Choose the page of the information panel");
-  const auto page = std::make_shared<std::optional<std::int64_t>>();
-  addValueOption(panel, "PAGE", *page, &integerFromArgument, "", "Its number; 0 is the first");
-  panel.callback([page, &session] {
-    session.exitCode =
-        handOff(session.console, [&] { TodayUtils::setCurrentPlannerPanelIndex(**page); });
-  });
-
-  CLI::App& milkyWay = *parser.add_subcommand("milky-way", "Show or hide the milky way");
-  const auto visible = std::make_shared<std::optional<bool>>();
-  addValueOption(milkyWay, "VISIBLE", *visible, &switchFromArgument, "", "Whether it shows")
-      ->type_name("on|off");
-  milkyWay.callback([visible, &session] {
-    session.exitCode =
-        handOff(session.console, [&] { TodayUtils::setPlannerMilkyWayVisible(**visible); });
-  });
-
-  parser.add_subcommand("show", "Show what the planner is set to")->callback([&session] {
-    session.exitCode = showPlanner(session.console);
-  });
+  const auto [preset, given] =
+      addCommand(parser, session, "preset",
+                 "Set map, observer and date; the obstacle is switched off", &setPreset);
+  addValueOption(preset, "--latitude", given.latitude, &latitudeFromArgument, "DEGREES",
+                 "-90 to 90, north positive")
+      ->required();
+  addValueOption(preset, "--longitude", given.longitude, &longitudeFromArgument, "DEGREES",
+                 "-180 to 180, east positive")
+      ->required();
+  addValueOption(preset, "--date", given.date, &dateFromArgument, "WHEN",
+                 "2026-07-15T21:40:00Z, or wall time here as \"2026-07-15 23:40\"")
+      ->required();
+  const auto [panel, page] =
+      addCommand(parser, session, "panel", "Choose the page of the information panel", &setPanel);
+  addValueOption(panel, "PAGE", page, &integerFromArgument, "", "Its number; 0 is the first");
+  const auto [milkyWay, visible] =
+      addCommand(parser, session, "milky-way", "Show or hide the milky way", &setMilkyWay);
+  addValueOption(milkyWay, "VISIBLE", visible, &switchFromArgument, "on|off", "Whether it shows");
+  addCommand(parser, session, "show", "Show what the planner is set to", &showPlanner);
 }
 
 }  // namespace vantrel::cli

@@ -45,25 +45,23 @@ Error unknownWord(const std::string& word, const char* kind, const std::vector<s
   return failure(kExitUsage, word, why);
 }
 
-/// The group that the first word of the line names; null for none.
-const CommandGroup* groupAskedFor(const std::vector<std::string>& arguments) {
+/// The words that may name commands: no options, nor the value of the one that every command knows.
+std::vector<std::string> bareWords(const std::vector<std::string>& arguments) {
+  std::vector<std::string> words;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& word = arguments[i];
-    if (word == "--color") ++i;
-    if (word.starts_with('-')) continue;
-    const auto groups = commandGroups();
-    const auto group = std::find_if(groups.begin(), groups.end(),
-                                    [&](const auto& one) { return one.name == word; });
-    return group == groups.end() ? nullptr : &*group;
+    if (!arguments[i].starts_with('-')) words.push_back(arguments[i]);
+    if (arguments[i] == "--color") ++i;
   }
-  return nullptr;
+  return words;
 }
 
-CLI::App* commandNamed(CLI::App& parser, const std::string& name) {
-  for (auto* command : parser.get_subcommands({})) {
-    if (command->get_name() == name) return command;
-  }
-  return nullptr;
+/// The group that the first of the words names; null for none.
+const CommandGroup* groupAskedFor(const std::vector<std::string>& words) {
+  const auto groups = commandGroups();
+  const auto group = std::find_if(groups.begin(), groups.end(), [&](const auto& one) {
+    return !words.empty() && one.name == words.front();
+  });
+  return group == groups.end() ? nullptr : &*group;
 }
 
 std::vector<std::string> commandNames(const CLI::App& parser) {
@@ -82,22 +80,18 @@ std::vector<std::string> optionNames(const CLI::App& parser) {
   return names;
 }
 
-/// The words that name commands, walked down from `root`; what is filled on the way decides what
-/// can be parsed. The command that they lead to, else what is wrong.
-Expected<CLI::App*> fillCommands(CLI::App& root, Session& session,
-                                 const std::vector<std::string>& arguments) {
+/// The command that the words lead to from `root`, else what is wrong.
+Expected<CLI::App*> commandAskedFor(CLI::App& root, const std::vector<std::string>& words) {
   CLI::App* parser = &root;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& word = arguments[i];
-    if (word == "--color") ++i;
-    if (word.starts_with('-')) continue;
-    CLI::App* below = commandNamed(*parser, word);
-    if (!below) {
+  for (const auto& word : words) {
+    const auto all = parser->get_subcommands({});
+    if (all.empty()) break;
+    const auto below = std::find_if(all.begin(), all.end(),
+                                    [&](const auto* one) { return one->get_name() == word; });
+    if (below == all.end()) {
       return tl::make_unexpected(unknownWord(word, "command", commandNames(*parser), *parser));
     }
-    if (parser == &root) groupAskedFor(arguments)->fill(*below, session);
-    parser = below;
-    if (parser->get_subcommands({}).empty()) break;
+    parser = *below;
   }
   return parser;
 }
@@ -165,9 +159,12 @@ int runProgram(const std::vector<std::string>& arguments) {
   Session session;
   session.console.setColorMode(Console::ColorMode::kAuto);
   CLI::App root;
-  describeProgram(root, session, groupAskedFor(arguments));
+  const auto commands = bareWords(arguments);
+  const CommandGroup* group = groupAskedFor(commands);
+  describeProgram(root, session, group);
   try {
-    const auto parser = fillCommands(root, session, arguments);
+    if (group) group->fill(*root.get_subcommand(group->name), session);
+    const auto parser = commandAskedFor(root, commands);
     if (!parser) return session.console.finish(session.console.fail(parser.error()));
     auto words = withHiddenSigns(arguments, **parser);
     std::reverse(words.begin(), words.end());

@@ -24,6 +24,21 @@ Json jsonOfDate(Date date) {
   return text.empty() ? Json(nullptr) : Json(text);
 }
 
+/// White space counts for nothing.
+std::optional<Data> dataFromBase64(const std::string& text) {
+  Data data(BASE64_DECODE_LENGTH(text.size()));
+  std::size_t length = data.size();
+  base64_decode_ctx context{};
+  ::base64_decode_init(&context);
+  if (!::base64_decode_update(&context, &length, reinterpret_cast<uint8_t*>(data.data()),
+                              text.size(), text.data()) ||
+      !::base64_decode_final(&context)) {
+    return std::nullopt;
+  }
+  data.resize(length);
+  return data;
+}
+
 Expected<PropertyList> dataFromArgument(const std::string& option, const std::string& text) {
   if (const auto data = dataFromBase64(text)) return PropertyList::data(*data);
   return tl::make_unexpected(failure(kExitUsage, option, "allowed is base64"));
@@ -39,27 +54,13 @@ Expected<PropertyList> stringFromArgument(const std::string& option, const std::
 }  // namespace
 
 std::string typeOfValue(const PropertyList& value) {
-  switch (value.kind()) {
-    case PropertyList::Kind::kBoolean:
-      return "bool";
-    case PropertyList::Kind::kInteger:
-      return "int";
-    case PropertyList::Kind::kReal:
-      return "double";
-    case PropertyList::Kind::kString:
-      return "string";
-    case PropertyList::Kind::kDate:
-      return "date";
-    case PropertyList::Kind::kData:
-      return "data";
-    case PropertyList::Kind::kUid:
-      return "uid";
-    case PropertyList::Kind::kArray:
-      return "array";
-    case PropertyList::Kind::kDictionary:
-      return "dictionary";
-    case PropertyList::Kind::kNothing:
-      break;
+  using Kind = PropertyList::Kind;
+  constexpr std::pair<Kind, const char*> kNames[] = {
+      {Kind::kBoolean, "bool"},  {Kind::kInteger, "int"}, {Kind::kReal, "double"},
+      {Kind::kString, "string"}, {Kind::kDate, "date"},   {Kind::kData, "data"},
+      {Kind::kUid, "uid"},       {Kind::kArray, "array"}, {Kind::kDictionary, "dictionary"}};
+  for (const auto& [kind, name] : kNames) {
+    if (value.kind() == kind) return name;
   }
   return "nothing";
 }
@@ -90,7 +91,9 @@ std::string textOfValue(const PropertyList& value) {
   if (const auto text = value.asString()) return printable(*text);
   const Json json = jsonOfValue(value);
   if (json.is_string()) return json.get<std::string>();
-  return printableJson(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+  std::string line = jsonLine(json);
+  line.pop_back();
+  return line;
 }
 
 Expected<PropertyList> valueFromText(const std::string& type, const std::string& text) {
@@ -105,20 +108,6 @@ Expected<PropertyList> valueFromText(const std::string& type, const std::string&
   return momentFromArgument(option, text, TimeZone::defaultTimeZone()).map([](const Moment& m) {
     return PropertyList::date(m.first);
   });
-}
-
-std::optional<Data> dataFromBase64(const std::string& text) {
-  Data data(BASE64_DECODE_LENGTH(text.size()));
-  std::size_t length = data.size();
-  base64_decode_ctx context{};
-  ::base64_decode_init(&context);
-  if (!::base64_decode_update(&context, &length, reinterpret_cast<uint8_t*>(data.data()),
-                              text.size(), text.data()) ||
-      !::base64_decode_final(&context)) {
-    return std::nullopt;
-  }
-  data.resize(length);
-  return data;
 }
 
 }  // namespace vantrel::cli

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "base/Error.h"
@@ -22,8 +21,5 @@ std::string textOfValue(const PropertyList& value);
 /// A value of `type` ("bool", "int", "float", "double", "string", "date", "data") from what was
 /// typed; another type, and a text that does not fit, are usage errors.
 Expected<PropertyList> valueFromText(const std::string& type, const std::string& text);
-
-/// Data written in base64; white space counts for nothing.
-std::optional<Data> dataFromBase64(const std::string& text);
 
 }  // namespace vantrel::cli

@@ -85,8 +85,9 @@ int civilDayFor(const Rule& rule, Date now, const TimeZone& zone) {
   return civilDayOf(now, zone) + rule.daysAhead;
 }
 
-}  // namespace
-
+/// When the sun's centre passes `altitude` (degrees) on a civil day, counted from 2001-01-01, at a
+/// place (degrees, north and east positive): in the morning or in the evening. Good to some
+/// minutes; on days without that, when it comes closest. The sunrise equation.
 Date sunPassesAltitude(double altitude, bool inTheMorning, int civilDay, double latitude,
                        double longitude) {
   constexpr double kDegree = std::numbers::pi / 180;
@@ -106,6 +107,8 @@ Date sunPassesAltitude(double altitude, bool inTheMorning, int civilDay, double 
   const double halfArc = std::acos(std::clamp(cosHourAngle, -1.0, 1.0)) / (2 * std::numbers::pi);
   return Date((transit + (inTheMorning ? -halfArc : halfArc)) * kSecondsPerDay);
 }
+
+}  // namespace
 
 std::vector<SamplePlan> samplePlans(Date now) {
   std::vector<SamplePlan> plans;

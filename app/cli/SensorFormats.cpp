@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "cli/ExitCode.h"
+#include "cli/Arguments.h"
 #include "cli/Suggestion.h"
 #include "store/Database.h"
 
@@ -70,9 +70,9 @@ Expected<SensorFormat> sensorNamed(const std::string& option, const std::string&
     }
   }
   if (matches.size() == 1) return matches.front();
-  const std::string why = matches.empty() ? "no such sensor; " + suggestion(text, *formats)
-                                          : "more than one sensor; there are " + listed(matches);
-  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"", why));
+  return refused(option, text,
+                 matches.empty() ? "no such sensor; " + suggestion(text, *formats)
+                                 : "more than one sensor; there are " + listed(matches));
 }
 
 }  // namespace vantrel::cli

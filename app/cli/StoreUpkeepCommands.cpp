@@ -1,11 +1,9 @@
-#include <CLI/App.hpp>
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/StoreAccess.h"
@@ -28,8 +26,13 @@ struct Change {
   Json json() const { return {{"before", before}, {"after", after}}; }
 };
 
-int copyStore(const std::string& from, const std::string& to, Console& console) {
-  const auto copied = Database::sharedInstance().copyDatabase(from, to);
+struct Copy {
+  std::optional<std::string> from;
+  std::optional<std::string> to;
+};
+
+int copyStore(const Copy& copy, Console& console) {
+  const auto copied = Database::sharedInstance().copyDatabase(*copy.from, *copy.to);
   return copied ? kExitDone : console.fail(copied.error());
 }
 
@@ -107,7 +110,7 @@ Expected<Counts> foretell(Counts counts) {
   });
 }
 
-int dedupe(bool isDryRun, Console& console) {
+int dedupe(const bool& isDryRun, Console& console) {
   const auto context = contextForReading();
   if (!context) return console.fail(context.error());
   const auto before = countKinds(**context);
@@ -129,24 +132,19 @@ int dedupe(bool isDryRun, Console& console) {
 }  // namespace
 
 void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
-  CLI::App& copy = *parser.add_subcommand(
-      "copy", "Copy a store with its pictures to a new place, at this version; OLD is only read");
-  const auto from = std::make_shared<std::optional<std::string>>();
-  const auto to = std::make_shared<std::optional<std::string>>();
-  addValueOption(copy, "OLD", *from, &pathFromArgument, "", "The store's .sqlite file");
-  addValueOption(copy, "NEW", *to, &pathFromArgument, "", "A file that is not there yet");
-  copy.callback([=, &session] { session.exitCode = copyStore(**from, **to, session.console); });
-
-  parser
-      .add_subcommand("identifiers",
-                      "Give every record without a unique identifier one; 74 if any is left")
-      ->callback([&session] { session.exitCode = giveIdentifiers(session.console); });
-
-  CLI::App& remove = *parser.add_subcommand(
-      "dedupe", "Remove plans, places and cameras that are there twice; the first one stays");
-  const auto isDryRun = std::make_shared<bool>(false);
-  remove.add_flag("--dry-run", *isDryRun, "Only count what would be removed");
-  remove.callback([=, &session] { session.exitCode = dedupe(*isDryRun, session.console); });
+  const auto [copy, files] =
+      addCommand(parser, session, "copy",
+                 "Copy a store with its pictures to a new place, at this version; OLD is only read",
+                 &copyStore);
+  addValueOption(copy, "OLD", files.from, &pathFromArgument, "", "The store's .sqlite file");
+  addValueOption(copy, "NEW", files.to, &pathFromArgument, "", "A file that is not there yet");
+  addCommand(parser, session, "identifiers",
+             "Give every record without a unique identifier one; 74 if any is left",
+             &giveIdentifiers);
+  const auto [remove, isDryRun] = addCommand(
+      parser, session, "dedupe",
+      "Remove plans, places and cameras that are there twice; the first one stays", &dedupe);
+  remove.add_flag("--dry-run", isDryRun, "Only count what would be removed");
 }
 
 }  // namespace vantrel::cli

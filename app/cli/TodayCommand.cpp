@@ -1,10 +1,7 @@
-#include <CLI/App.hpp>
-#include <memory>
-
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/PlanJson.h"
 #include "cli/TodayText.h"
+#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 
@@ -30,11 +27,10 @@ int showToday(const Request& request, Console& console) {
 }  // namespace
 
 void fillTodayCommand(CLI::App& parser, Session& session) {
-  const auto request = std::make_shared<Request>();
-  parser.add_flag("--expanded", request->isExpanded,
+  Request& request = setCommand(parser, session, &showToday);
+  parser.add_flag("--expanded", request.isExpanded,
                   "All the next plans, five at most, instead of two");
-  parser.add_flag("--waybar", request->isForBar, "One line of JSON for a status bar");
-  parser.callback([request, &session] { session.exitCode = showToday(*request, session.console); });
+  parser.add_flag("--waybar", request.isForBar, "One line of JSON for a status bar");
 }
 
 }  // namespace vantrel::cli

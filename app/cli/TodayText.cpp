@@ -1,6 +1,7 @@
 #include "cli/TodayText.h"
 
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "base/Log.h"
@@ -16,10 +17,6 @@ namespace vantrel::cli {
 
 namespace {
 
-std::string title(const TodayRow& row) {
-  return row.title.empty() ? "--" : printable(row.title);
-}
-
 bool hasBegun(const TodayRow& row) {
   return row.plan->date() <= Clock::sharedClock().now();
 }
@@ -32,7 +29,7 @@ const TodayRow* nextRow(const TodayList& today) {
 }
 
 std::string rowLine(const TodayRow& row) {
-  return row.dateText + "  " + title(row);
+  return row.dateText + "  " + shown(row.title);
 }
 
 std::string stateOf(const TodayRow* next) {
@@ -46,27 +43,12 @@ std::string stateOf(const TodayRow* next) {
 
 /// Bars take texts for markup.
 std::string inMarkup(const std::string& text) {
+  constexpr std::string_view kSpecial = "&<>\"'";
+  constexpr std::array kNames = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
   std::string result;
   for (const char c : text) {
-    switch (c) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      case '"':
-        result += "&quot;";
-        break;
-      case '\'':
-        result += "&apos;";
-        break;
-      default:
-        result += c;
-    }
+    const auto at = kSpecial.find(c);
+    result += at == std::string_view::npos ? std::string(1, c) : kNames[at];
   }
   return result;
 }
@@ -81,8 +63,8 @@ std::optional<std::string> localText(const Planning& plan, DateFormatter& format
   const TimeZone zone = zoneOfPlan(plan);
   if (!date || !hereText(*date, zone)) return std::nullopt;
   using Style = DateFormatter::Style;
-  const auto styled = [&](Style day, Style time, const std::optional<TimeZone>& shown) {
-    formatter.setTimeZone(shown);
+  const auto styled = [&](Style day, Style time, const std::optional<TimeZone>& clock) {
+    formatter.setTimeZone(clock);
     formatter.setDateStyle(day);
     formatter.setTimeStyle(time);
     return formatter.stringFromDate(*date);
@@ -103,7 +85,7 @@ std::string todayText(const TodayList& today, const Console& console) {
   if (today.message) text += *today.message + "\n";
   for (const auto& row : today.rows) {
     if (!text.empty()) text += "\n";
-    text += console.bold(title(row)) + "\n  " + row.dateText;
+    text += console.bold(shown(row.title)) + "\n  " + row.dateText;
     if (const auto local = localText(*row.plan, formatter)) text += "  " + console.dim(*local);
     text += "\n";
   }
@@ -121,7 +103,7 @@ std::string barLine(const TodayList& today) {
   std::string tooltip = inMarkup(today.message.value_or(""));
   for (const auto& row : today.rows) {
     if (!tooltip.empty()) tooltip += "\n";
-    tooltip += "<b>" + inMarkup(title(row)) + "</b>\n" + inMarkup(row.dateText);
+    tooltip += "<b>" + inMarkup(shown(row.title)) + "</b>\n" + inMarkup(row.dateText);
     if (const auto local = localText(*row.plan, formatter)) tooltip += "  " + inMarkup(*local);
   }
   return barLine(next ? inMarkup(rowLine(*next)) : "", tooltip, stateOf(next));

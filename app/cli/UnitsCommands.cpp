@@ -1,9 +1,6 @@
-#include <CLI/App.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/SettingsAccess.h"
@@ -20,24 +17,21 @@ constexpr int kMostDecimals = 15;
 constexpr int kMostLevels = 4;
 constexpr int kDefaultDecimals = 1;
 
-tl::unexpected<Error> refused(const std::string& name, const std::string& text,
-                              const std::string& allowed) {
-  return tl::make_unexpected(
-      failure(kExitUsage, name + " \"" + text + "\"", "allowed are " + allowed));
-}
+using Length = std::optional<float>;
 
 template <int kLeast, int kMost>
 Expected<int> countFromArgument(const std::string& name, const std::string& text) {
   const auto count = integerFromArgument(name, text);
   if (count && *count >= kLeast && *count <= kMost) return static_cast<int>(*count);
-  return refused(name, text,
-                 "whole numbers from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
+  return refused(
+      name, text,
+      "allowed are whole numbers from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
 }
 
 Expected<std::int32_t> systemFromArgument(const std::string& name, const std::string& text) {
   if (text == "metric") return DistanceUnitsManager::kMetric;
   if (text == "imperial") return DistanceUnitsManager::kImperial;
-  return refused(name, text, "metric, imperial");
+  return refused(name, text, "allowed are metric, imperial");
 }
 
 const char* systemName(const DistanceUnitsManager& manager) {
@@ -56,7 +50,10 @@ Json jsonOfUnit(const DistanceUnit& unit) {
           {"allowsDecimals", unit.allowsDecimals()}};
 }
 
-int showUnits(const DistanceUnitsManager& manager, Console& console) {
+int showUnits(Console& console) {
+  const auto known = unitsManager();
+  if (!known) return console.fail(known.error());
+  const DistanceUnitsManager& manager = **known;
   const auto& units = manager.units();
   if (console.isJson()) {
     Json list = Json::array();
@@ -76,12 +73,12 @@ int showUnits(const DistanceUnitsManager& manager, Console& console) {
   return kExitDone;
 }
 
-int setUnits(std::int32_t units, Console& console) {
-  return changeSettings(console, [units](UserDefaults& settings) -> Expected<void> {
+int setUnits(const std::optional<std::int32_t>& units, Console& console) {
+  return changeSettings(console, [&](UserDefaults& settings) -> Expected<void> {
     auto& manager = DistanceUnitsManager::sharedInstance();
     // What is chosen already is not written, so that damaged settings would stay as they are.
     if (manager.currentUnits() == units) return settings.checkReadable();
-    manager.setCurrentUnits(units);
+    manager.setCurrentUnits(*units);
     return {};
   });
 }
@@ -91,21 +88,28 @@ using UnitName = std::optional<std::string>;
 Expected<void> checkUnit(const DistanceUnitsManager& manager, const char* option,
                          const UnitName& name) {
   if (!name || manager.indexOfUnit(*name) != -1) return {};
-  std::string allowed;
-  for (const auto& unit : manager.units()) allowed += (allowed.empty() ? "" : ", ") + unit.name();
-  return refused(option, *name, allowed);
+  std::string names;
+  for (const auto& unit : manager.units()) names += (names.empty() ? "" : ", ") + unit.name();
+  return refused(option, *name, "allowed are " + names);
 }
 
-int showBest(const DistanceUnitsManager& manager, float value, const UnitName& least,
-             const UnitName& most, Console& console) {
-  const auto known = checkUnit(manager, "--min", least).and_then([&] {
-    return checkUnit(manager, "--max", most);
-  });
-  if (!known) return console.fail(known.error());
-  const DistanceUnit* unit = manager.bestDistanceUnitForValue(value, least, most);
+struct BestRequest {
+  Length length;
+  UnitName least;
+  UnitName most;
+};
+
+int showBest(const BestRequest& request, Console& console) {
+  const auto& [length, least, most] = request;
+  const auto manager = unitsManager();
+  if (!manager) return console.fail(manager.error());
+  for (const auto& [option, name] : {std::pair("--min", least), std::pair("--max", most)}) {
+    const auto known = checkUnit(**manager, option, name);
+    if (!known) return console.fail(known.error());
+  }
+  const DistanceUnit* unit = (*manager)->bestDistanceUnitForValue(*length, least, most);
   if (!unit) {
-    return console.fail(
-        failure(kExitUsage, "--min \"" + *least + "\"", "larger than --max \"" + *most + "\""));
+    return console.fail(refused("--min", *least, "larger than --max \"" + *most + "\"").value());
   }
   console.print(console.isJson() ? jsonText(jsonOfUnit(*unit)) : unit->name() + "\n");
   return kExitDone;
@@ -117,84 +121,53 @@ int showText(const char* key, float value, const std::string& text, Console& con
   return kExitDone;
 }
 
-/// Runs `action` with the manager and gives its exit code.
-template <typename Action>
-int withUnits(Console& console, Action action) {
-  const auto manager = unitsManager();
-  return manager ? action(**manager) : console.fail(manager.error());
+struct FormatRequest {
+  Length length;
+  std::optional<int> decimals;
+  std::optional<int> levels;
+};
+
+int showFormatted(const FormatRequest& request, Console& console) {
+  if (const auto manager = unitsManager(); !manager) return console.fail(manager.error());
+  const auto number = NSNumberWithDistanceUnit::numberWithFloat(*request.length);
+  const std::string text = number.formattedValueWithNumberOfDecimals(
+      request.decimals.value_or(kDefaultDecimals), request.levels.value_or(1));
+  return showText("text", *request.length, text, console);
 }
 
-std::shared_ptr<std::optional<float>> addLength(CLI::App& parser, const char* description) {
-  auto value = std::make_shared<std::optional<float>>();
-  addValueOption(parser, "VALUE", *value, &floatFromArgument, "", description);
-  return value;
-}
-
-constexpr const char* kInBaseUnits = "Metres, or feet while units are imperial";
-
-void fillShowAndSet(CLI::App& parser, Session& session) {
-  Console& console = session.console;
-  CLI::App& show = *parser.add_subcommand("show", "Show the chosen system and its units");
-  show.callback([&] {
-    session.exitCode =
-        withUnits(console, [&](const auto& manager) { return showUnits(manager, console); });
-  });
-
-  CLI::App& set = *parser.add_subcommand("set", "Choose the system, for all programs of the group");
-  const auto system = std::make_shared<std::optional<std::int32_t>>();
-  addValueOption(set, "SYSTEM", *system, &systemFromArgument, "", "The system")
-      ->type_name("metric|imperial");
-  set.callback([=, &session, &console] { session.exitCode = setUnits(**system, console); });
-}
-
-void fillBest(CLI::App& parser, Session& session) {
-  const auto value = addLength(parser, kInBaseUnits);
-  const auto least = std::make_shared<UnitName>();
-  const auto most = std::make_shared<UnitName>();
-  addTextOption(parser, "--min", *least, "UNIT", "No smaller unit than this");
-  addTextOption(parser, "--max", *most, "UNIT", "No larger unit than this");
-  parser.callback([=, &session] {
-    session.exitCode = withUnits(session.console, [&](const auto& manager) {
-      return showBest(manager, **value, *least, *most, session.console);
-    });
-  });
-}
-
-void fillFormat(CLI::App& parser, Session& session) {
-  const auto value = addLength(parser, kInBaseUnits);
-  const auto decimals = std::make_shared<std::optional<int>>();
-  const auto levels = std::make_shared<std::optional<int>>();
-  addValueOption(parser, "--decimals", *decimals, &countFromArgument<0, kMostDecimals>, "COUNT",
-                 "At most so many digits behind the point (1)");
-  addValueOption(parser, "--levels", *levels, &countFromArgument<1, kMostLevels>, "COUNT",
-                 "At most so many units, as in 1km 250m (1)");
-  parser.callback([=, &session] {
-    session.exitCode = withUnits(session.console, [&](const auto&) {
-      const auto number = NSNumberWithDistanceUnit::numberWithFloat(**value);
-      const std::string text = number.formattedValueWithNumberOfDecimals(
-          decimals->value_or(kDefaultDecimals), levels->value_or(1));
-      return showText("text", **value, text, session.console);
-    });
-  });
-}
-
-void fillFraction(CLI::App& parser, Session& session) {
-  const auto value = addLength(parser, "Inches, 0 to 1; nearer ends stand for what lies outside");
-  parser.callback([=, &session] {
-    session.exitCode =
-        showText("fraction", **value, DistanceUnitsManager::fractionInchesForValue(**value),
-                 session.console);
-  });
+int showFraction(const Length& length, Console& console) {
+  return showText("fraction", *length, DistanceUnitsManager::fractionInchesForValue(*length),
+                  console);
 }
 
 }  // namespace
 
 void fillUnitsCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  fillShowAndSet(parser, session);
-  fillBest(*parser.add_subcommand("best", "Name the unit that a length reads best in"), session);
-  fillFormat(*parser.add_subcommand("format", "Write a length with its unit"), session);
-  fillFraction(*parser.add_subcommand("fraction", "The nearest thirty-second of an inch"), session);
+  addCommand(parser, session, "show", "Show the chosen system and its units", &showUnits);
+  const auto [set, system] = addCommand(
+      parser, session, "set", "Choose the system, for all programs of the group", &setUnits);
+  addValueOption(set, "SYSTEM", system, &systemFromArgument, "metric|imperial", "The system");
+
+  constexpr const char* kInBaseUnits = "Metres, or feet while units are imperial";
+  const auto [best, limits] =
+      addCommand(parser, session, "best", "Name the unit that a length reads best in", &showBest);
+  addValueOption(best, "VALUE", limits.length, &floatFromArgument, "", kInBaseUnits);
+  addTextOption(best, "--min", limits.least, "UNIT", "No smaller unit than this");
+  addTextOption(best, "--max", limits.most, "UNIT", "No larger unit than this");
+
+  const auto [format, form] =
+      addCommand(parser, session, "format", "Write a length with its unit", &showFormatted);
+  addValueOption(format, "VALUE", form.length, &floatFromArgument, "", kInBaseUnits);
+  addValueOption(format, "--decimals", form.decimals, &countFromArgument<0, kMostDecimals>, "COUNT",
+                 "At most so many digits behind the point (1)");
+  addValueOption(format, "--levels", form.levels, &countFromArgument<1, kMostLevels>, "COUNT",
+                 "At most so many units, as in 1km 250m (1)");
+
+  const auto [fraction, inches] = addCommand(parser, session, "fraction",
+                                             "The nearest thirty-second of an inch", &showFraction);
+  addValueOption(fraction, "VALUE", inches, &floatFromArgument, "",
+                 "Inches, 0 to 1; nearer ends stand for what lies outside");
 }
 
 }  // namespace vantrel::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -9,8 +10,37 @@
 
 namespace vantrel::cli {
 
-/// An option whose value `parse` reads from its name and text; `target` outlives the parsing. A
-/// value that `parse` refuses is a usage error with its message.
+/// Makes the parser a command that `run` does; its result is the exit code. Where its options are
+/// to leave what the command is given.
+template <typename Given>
+Given& setCommand(CLI::App& parser, Session& session, int (*run)(const Given&, Console&)) {
+  const auto given = std::make_shared<Given>();
+  parser.callback([=, &session] { session.exitCode = run(*given, session.console); });
+  return *given;
+}
+
+/// A command below a group.
+template <typename Given>
+struct Command {
+  CLI::App& parser;
+  Given& given;
+};
+template <typename Given>
+Command<Given> addCommand(CLI::App& group, Session& session, const char* name,
+                          const char* description, int (*run)(const Given&, Console&)) {
+  CLI::App& parser = *group.add_subcommand(name, description);
+  return {parser, setCommand(parser, session, run)};
+}
+/// One that is given nothing.
+inline void addCommand(CLI::App& group, Session& session, const char* name, const char* description,
+                       int (*run)(Console&)) {
+  group.add_subcommand(name, description)->callback([run, &session] {
+    session.exitCode = run(session.console);
+  });
+}
+
+/// An option, or an argument that must be given, whose value `parse` reads from its name and text;
+/// `target` outlives the parsing. A value that `parse` refuses is a usage error with its message.
 template <typename T, typename Parse>
 CLI::Option* addValueOption(CLI::App& parser, const std::string& name, std::optional<T>& target,
                             Parse parse, const std::string& valueName,
@@ -21,9 +51,9 @@ CLI::Option* addValueOption(CLI::App& parser, const std::string& name, std::opti
     target = *value;
     return true;
   };
-  CLI::Option* option = parser.add_option(name, keep, description)->type_name(valueName);
-  // A word for a person to read, not an option's name, stands in front of an argument's errors.
-  return name.starts_with('-') ? option : option->required()->type_name("");
+  return parser.add_option(name, keep, description)
+      ->type_name(valueName)
+      ->required(!name.starts_with('-'));
 }
 
 }  // namespace vantrel::cli

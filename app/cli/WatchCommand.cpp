@@ -1,23 +1,21 @@
 #include <unistd.h>
 
-#include <CLI/App.hpp>
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 #include "cli/ChangeWaiter.h"
-#include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/NextMidnight.h"
 #include "cli/PlanJson.h"
 #include "cli/StoreAccess.h"
 #include "cli/TodayText.h"
+#include "cli/ValueOption.h"
 #include "platform/Clock.h"
 #include "store/Database.h"
 
@@ -72,7 +70,11 @@ std::size_t shownBefore() {
   return shown;
 }
 
-int watchPlans(Form form, Console& console) {
+int watchPlans(const bool& isForBar, Console& console) {
+  if (isForBar && console.isJson()) {
+    return console.fail(failure(kExitUsage, "watch", "either --waybar or --json"));
+  }
+  const Form form = isForBar ? Form::kBar : console.isJson() ? Form::kJson : Form::kText;
   const auto store = Database::sharedInstance().groupStoreURL();
   // Without a home there is nothing to wait for.
   if (!store) return console.fail(existingStore().error());
@@ -81,8 +83,7 @@ int watchPlans(Form form, Console& console) {
   bool isOpen = false;
   for (;;) {
     if (!isOpen) {
-      isOpen =
-          existingStore().and_then([](const auto&) { return contextForReading(); }).has_value();
+      isOpen = contextForReading().has_value();
       waiter.ignoreStoreChangesSoFar();
     }
     const auto today = todayList(true);
@@ -114,17 +115,8 @@ int watchPlans(Form form, Console& console) {
 }  // namespace
 
 void fillWatchCommand(CLI::App& parser, Session& session) {
-  const auto isForBar = std::make_shared<bool>(false);
-  parser.add_flag("--waybar", *isForBar, "Lines of JSON for a status bar");
-  parser.callback([isForBar, &session] {
-    Console& console = session.console;
-    if (*isForBar && console.isJson()) {
-      session.exitCode = console.fail(failure(kExitUsage, "watch", "either --waybar or --json"));
-      return;
-    }
-    const Form form = *isForBar ? Form::kBar : console.isJson() ? Form::kJson : Form::kText;
-    session.exitCode = watchPlans(form, console);
-  });
+  parser.add_flag("--waybar", setCommand(parser, session, &watchPlans),
+                  "Lines of JSON for a status bar");
 }
 
 }  // namespace vantrel::cli
