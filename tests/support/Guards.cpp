@@ -97,14 +97,12 @@ void writeFile(const fs::path& path, const std::string& content) {
 }
 
 ProgramResult runProgram(const std::vector<std::string>& arguments,
-                         const std::map<std::string, std::string>& environment,
-                         const std::string& input) {
+                         const std::map<std::string, std::string>& environment) {
   const TemporaryDirectory directory;
-  writeFile(directory / "in", input);
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
   constexpr int kFlags = O_CREAT | O_WRONLY;
-  ::posix_spawn_file_actions_addopen(&actions, 0, (directory / "in").c_str(), O_RDONLY, 0);
+  ::posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
   ::posix_spawn_file_actions_addopen(&actions, 1, (directory / "out").c_str(), kFlags, 0600);
   ::posix_spawn_file_actions_addopen(&actions, 2, (directory / "err").c_str(), kFlags, 0600);
 

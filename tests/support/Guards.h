@@ -81,7 +81,6 @@ struct ProgramResult {
 };
 /// Runs a program of this build (or any found on the PATH) to its end, without a shell.
 ProgramResult runProgram(const std::vector<std::string>& arguments,
-                         const std::map<std::string, std::string>& environment = {},
-                         const std::string& input = {});
+                         const std::map<std::string, std::string>& environment = {});
 
 }  // namespace vantrel::test
