@@ -1,11 +1,11 @@
 #include "cli/TerminalText.h"
 
+#include <fmt/format.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
-#include <array>
 #include <cstdint>
-#include <cstdio>
+#include <iterator>
 
 namespace vantrel::cli {
 
@@ -103,9 +103,7 @@ std::string printableJson(std::string_view json) {
   result.reserve(json.size());
   for (CodePoints at(json); at.next();) {
     if (at.value() >= 0x7f && isUnsafe(at.value())) {
-      std::array<char, 8> escape{};
-      std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(at.value()));
-      result += escape.data();
+      fmt::format_to(std::back_inserter(result), "\\u{:04x}", at.value());
     } else {
       result += at.bytes();
     }

@@ -39,6 +39,7 @@ TEST_F(ObstacleTest, DifferencesAreWholeAndTheirTextsConvertedAfterwards) {
       {200.25f, 100, "100m | 5.14°", "328ft | 5.14°"},
       // 13 m, then 42.65 feet of those 13: not 41 of the 12.5.
       {112.5f, 13, "13m | 0.64°", "43ft | 0.64°"},
+      {112.49998f, 12, "12m | 0.64°", "39ft | 0.64°"},
       {87.5f, -13, "-13m | -0.65°", "-43ft | -0.65°"},
       {100, 0, "0m | -0.00°", "0ft | -0.00°"},
       {99.75f, 0, "0m | -0.02°", "0ft | -0.02°"},
@@ -94,6 +95,7 @@ TEST_F(ObstacleTest, TellsBearingDistanceAndSubtitle) {
   pin.recalculateDataWithObserver(observer());
   EXPECT_EQ(pin.bearing(), -57.29578f) << "no direction to the observer's own place";
   EXPECT_EQ(pin.pin2pinDistance(), 0);
+  EXPECT_EQ(pin.pin2pinDistanceString(), "0\"");
 }
 
 TEST_F(ObstacleTest, ReadsTheSettings) {

@@ -37,6 +37,7 @@ TEST(DuplicateSearch, JudgesAPair) {
       // Plain double arithmetic decides: 9.99999994e-8, and 1.00000001e-7.
       {"just close", "1, 10, 2.17, 'a'", "1, 10.0000001, 2.17, 'a'", true},
       {"just too far", "1, 41.39, 2.17, 'a'", "1, 41.3900001, 2.17, 'a'", false},
+      {"too far by nothing", "1, 0, 2.17, 'a'", "1, 1e-7, 2.17, 'a'", false},
       {"longitudes too far", "1, 41.39, 2.17, 'a'", "1, 41.39, 2.1700002, 'a'", false},
       {"no wrap at 180", "1, 0, 180, 'a'", "1, 0, -180, 'a'", false},
       {"sparse numbers", "1, 1073741824, 2, 'a'", "1, 1073741824.0000001, 2, 'a'", true},

@@ -18,6 +18,7 @@ TEST_F(NSNumberWithDistanceUnitTest, TextsOfLengths) {
   // Computed in exact fractions with Python.
   const Case cases[] = {
       {0, 0, 1, 1, "0mm"},
+      {0, 0, 1, 2, "0mm"},
       {0, 999.96f, 1, 1, "1000m"},
       {0, 999.96f, 1, 2, "999m 96cm"},
       {0, 1150, 1, 1, "1.2km"},
