@@ -102,7 +102,7 @@ void Options::describe(CLI::App& app, Options& options) {
       "is shown, Escape closes it.\n"
       "Exit codes: 0 done, 64 usage, 65 no link to a plan, 66 no store or no such plan in it, 69 "
       "no "
-      "display, 73 and 74 a file could not be written, 77 no permission.");
+      "display, 73 and 74 a file could not be written, 75 the store is in use, 77 no permission.");
 }
 
 std::optional<int> Options::parse(int argc, char** argv, Options& options) {
