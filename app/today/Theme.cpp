@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kReadableContrast = 4.5;
 
-QColor opaque(const Color& color) {
+QColor toQColor(const Color& color) {
   return QColor::fromRgbF(static_cast<float>(color.red()), static_cast<float>(color.green()),
                           static_cast<float>(color.blue()), static_cast<float>(color.alpha()));
 }
@@ -30,14 +30,14 @@ Theme darkTheme() {
   Theme theme;
   theme.dark = true;
   theme.behind = QColor(0x0E, 0x0F, 0x11);
-  theme.card = opaque(palette::menuBackgroundColor());
-  theme.header = opaque(palette::panelColor());
+  theme.card = toQColor(palette::menuBackgroundColor());
+  theme.header = toQColor(palette::panelColor());
   theme.name = QColor(0xA7, 0xA7, 0xA7);
   theme.sheetText = Qt::white;
-  theme.action = opaque(palette::vantrelBlue());
-  theme.focus = opaque(palette::vantrelYellow());
+  theme.action = toQColor(palette::vantrelBlue());
+  theme.focus = toQColor(palette::vantrelYellow());
   theme.backing = QColor(0x3A, 0x3A, 0x3A);
-  theme.barFill = opaque(palette::vantrelRedWithAlpha(0.13));
+  theme.barFill = toQColor(palette::vantrelRedWithAlpha(0.13));
   theme.barText = QColor(0xFF, 0xD9, 0xCC);
   theme.shadowOpacity = 0.58;
   return theme;
@@ -54,8 +54,8 @@ Theme lightTheme() {
   theme.sheetText = Qt::black;
   theme.action = blue;
   theme.focus = blue;
-  theme.backing = opaque(palette::menuBackgroundColor());
-  theme.barFill = opaque(palette::vantrelRedWithAlpha(0.08));
+  theme.backing = toQColor(palette::menuBackgroundColor());
+  theme.barFill = toQColor(palette::vantrelRedWithAlpha(0.08));
   theme.barText = QColor(0x7A, 0x23, 0x06);
   theme.shadowOpacity = 0.125;
   return theme;
@@ -70,12 +70,12 @@ Theme Theme::forStyle(bool dark, bool highContrast) {
     theme.barText = theme.sheetText;
     theme.action = dark ? QColor(0x9B, 0xE4, 0xF4) : QColor(0x06, 0x4B, 0x5B);
   }
-  theme.barStripe = opaque(palette::vantrelRed());
+  theme.barStripe = toQColor(palette::vantrelRed());
   return theme;
 }
 
 QColor Theme::resolved(const Color& color) const {
-  return opaque(color.resolvedColor(dark));
+  return toQColor(color.resolvedColor(dark));
 }
 
 QColor Theme::backingFor(const QColor& text, const QColor& untouchedText) const {

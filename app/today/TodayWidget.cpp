@@ -2,7 +2,6 @@
 
 #include <QEasingCurve>
 #include <QPointer>
-#include <QResizeEvent>
 #include <algorithm>
 #include <cmath>
 
@@ -27,7 +26,7 @@ TodayWidget::TodayWidget(WidgetHost& host, const QtTextMeasurer& measurer)
 void TodayWidget::connectRow(std::size_t row) {
   using Phase = WidgetHost::TouchPhase;
   const auto send = [this, row](Phase phase) {
-    return [this, row, phase](QPointF position) { touchRow(row, phase, position); };
+    return [this, row, phase] { touchRow(row, phase); };
   };
   const TouchButton* button = addRow();
   connect(button, &TouchButton::touchBegan, this, send(Phase::kBegan));
@@ -35,21 +34,14 @@ void TodayWidget::connectRow(std::size_t row) {
   connect(button, &TouchButton::touchCancelled, this, send(Phase::kCancelled));
 }
 
-void TodayWidget::touchRow(std::size_t row, WidgetHost::TouchPhase phase, QPointF position) {
+void TodayWidget::touchRow(std::size_t row, WidgetHost::TouchPhase phase) {
   if (row >= layout_.rows.size()) return;
-  const CardLayout::Row& place = layout_.rows[row];
-  const QPointF point = rows_[row]->geometry().topLeft() + position;
-  const bool begins = phase == WidgetHost::TouchPhase::kBegan;
-  // The label that a touch began on hears of it to the end.
-  if (begins) touchIsOnTitle_ = point.y() < (place.title.bottom() + place.date.top()) / 2;
-  const QRectF& label = touchIsOnTitle_ ? place.title : place.date;
-  const double x = content_.rightToLeft ? label.right() - point.x() : point.x() - label.left();
-  host_.touch(row, touchIsOnTitle_, phase, {x, point.y() - label.top()});
+  host_.touch(row, phase);
   // Behind the widget's own message on the queue.
-  MainQueue::sharedQueue().async([card = QPointer(this), begins] {
+  MainQueue::sharedQueue().async([card = QPointer(this), phase] {
     if (!card) return;
     card->update();
-    if (!begins) emit card->rowTouchFinished();
+    if (phase != WidgetHost::TouchPhase::kBegan) emit card->rowTouchFinished();
   });
 }
 
@@ -96,10 +88,7 @@ void TodayWidget::describeRows() {
 }
 
 void TodayWidget::resizeEvent(QResizeEvent* event) {
-  if (event->size().width() == event->oldSize().width() || !host_.isAlive()) {
-    return CardWidget::resizeEvent(event);
-  }
-  host_.setCardWidth(cardWidth(width()));
+  if (!host_.setCardWidth(cardWidth(width()))) return CardWidget::resizeEvent(event);
   showLife();
 }
 

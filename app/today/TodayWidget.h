@@ -32,14 +32,13 @@ class TodayWidget : public CardWidget {
 
  private:
   void connectRow(std::size_t row);
-  void touchRow(std::size_t row, WidgetHost::TouchPhase phase, QPointF position);
+  void touchRow(std::size_t row, WidgetHost::TouchPhase phase);
   void describeRows();
 
   WidgetHost& host_;
   PlanDescription plans_;
   double targetHeight_ = 0;
   QVariantAnimation animation_;
-  bool touchIsOnTitle_ = false;
 };
 
 }  // namespace vantrel

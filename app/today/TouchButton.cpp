@@ -22,32 +22,25 @@ TouchButton::TouchButton(QWidget* parent) : QAbstractButton(parent) {
   setCursor(Qt::PointingHandCursor);
   // A screen reader's press comes as a click without a touch before it.
   connect(this, &QAbstractButton::clicked, this, [this] {
-    const QPointF middle = QRectF(rect()).center();
-    begin(middle);
-    finish(middle);
+    begin();
+    finish(true);
   });
 }
 
-void TouchButton::begin(QPointF position) {
+void TouchButton::begin() {
   if (held_) return;
   held_ = true;
-  emit touchBegan(position);
+  emit touchBegan();
 }
 
-void TouchButton::finish(QPointF position) {
+void TouchButton::finish(bool inside) {
   if (!held_) return;
   held_ = false;
-  if (QRectF(rect()).contains(position)) {
-    emit touchEnded(position);
+  if (inside) {
+    emit touchEnded();
   } else {
-    emit touchCancelled(position);
+    emit touchCancelled();
   }
-}
-
-void TouchButton::cancel() {
-  if (!held_) return;
-  held_ = false;
-  emit touchCancelled(QRectF(rect()).center());
 }
 
 bool TouchButton::event(QEvent* event) {
@@ -58,7 +51,7 @@ bool TouchButton::event(QEvent* event) {
     case QEvent::TouchCancel:
       return handleTouch(static_cast<QTouchEvent&>(*event));
     case QEvent::WindowDeactivate:
-      cancel();
+      finish(false);
       break;
     default:
       break;
@@ -69,16 +62,16 @@ bool TouchButton::event(QEvent* event) {
 bool TouchButton::handleTouch(QTouchEvent& event) {
   // Further fingers do not count.
   const QPointF position = event.points().isEmpty() ? QPointF() : event.points().first().position();
-  if (event.type() == QEvent::TouchBegin) begin(position);
-  if (event.type() == QEvent::TouchEnd) finish(position);
-  if (event.type() == QEvent::TouchCancel) cancel();
+  if (event.type() == QEvent::TouchBegin) begin();
+  if (event.type() == QEvent::TouchEnd) finish(QRectF(rect()).contains(position));
+  if (event.type() == QEvent::TouchCancel) finish(false);
   event.accept();
   return true;
 }
 
 void TouchButton::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
-    begin(event->position());
+    begin();
   } else {
     event->ignore();
   }
@@ -89,7 +82,7 @@ void TouchButton::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void TouchButton::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) finish(event->position());
+  if (event->button() == Qt::LeftButton) finish(QRectF(rect()).contains(event->position()));
 }
 
 void TouchButton::keyPressEvent(QKeyEvent* event) {
@@ -98,9 +91,9 @@ void TouchButton::keyPressEvent(QKeyEvent* event) {
     emit focusChanged();
   }
   if (isActivationKey(event->key())) {
-    if (!event->isAutoRepeat()) begin(QRectF(rect()).center());
+    if (!event->isAutoRepeat()) begin();
   } else if (event->key() == Qt::Key_Escape && held_) {
-    cancel();
+    finish(false);
   } else {
     QAbstractButton::keyPressEvent(event);
   }
@@ -108,7 +101,7 @@ void TouchButton::keyPressEvent(QKeyEvent* event) {
 
 void TouchButton::keyReleaseEvent(QKeyEvent* event) {
   if (!isActivationKey(event->key())) return QAbstractButton::keyReleaseEvent(event);
-  if (!event->isAutoRepeat()) finish(QRectF(rect()).center());
+  if (!event->isAutoRepeat()) finish(true);
 }
 
 void TouchButton::focusInEvent(QFocusEvent* event) {
@@ -124,13 +117,13 @@ void TouchButton::focusInEvent(QFocusEvent* event) {
 
 void TouchButton::focusOutEvent(QFocusEvent* event) {
   QAbstractButton::focusOutEvent(event);
-  cancel();
+  finish(false);
   emit focusChanged();
 }
 
 void TouchButton::hideEvent(QHideEvent* event) {
   QAbstractButton::hideEvent(event);
-  cancel();
+  finish(false);
 }
 
 void TouchButton::paintEvent(QPaintEvent* /*event*/) {}

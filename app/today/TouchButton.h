@@ -21,9 +21,9 @@ class TouchButton : public QAbstractButton {
  signals:
   /// A touch begins, then ends or is cancelled: let go outside, taken away by the system, or given
   /// up with Escape.
-  void touchBegan(QPointF position);
-  void touchEnded(QPointF position);
-  void touchCancelled(QPointF position);
+  void touchBegan();
+  void touchEnded();
+  void touchCancelled();
   void focusChanged();
 
  protected:
@@ -39,9 +39,8 @@ class TouchButton : public QAbstractButton {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void begin(QPointF position);
-  void finish(QPointF position);
-  void cancel();
+  void begin();
+  void finish(bool inside);
   bool handleTouch(QTouchEvent& event);
 
   bool held_ = false;

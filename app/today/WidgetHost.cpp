@@ -75,14 +75,15 @@ void WidgetHost::setMode(WidgetDisplayMode mode) {
   }
 }
 
-void WidgetHost::setCardWidth(double width) {
+bool WidgetHost::setCardWidth(double width) {
+  if (!controller_ || width == cardWidth_) return false;
   cardWidth_ = width;
-  if (!controller_) return;
   Rect frame = controller_->view()->frame();
   frame.size.width = maximumSize().width;
   controller_->view()->setFrame(frame);
   controller_->view()->layoutIfNeeded();
   setMode(mode_);
+  return true;
 }
 
 double WidgetHost::bodyHeight() const {
@@ -123,19 +124,17 @@ std::shared_ptr<const Planning> WidgetHost::plan(std::size_t row) const {
   return row < plans.size() ? plans[row] : nullptr;
 }
 
-void WidgetHost::touch(std::size_t row, bool onTitle, TouchPhase phase, Point position) {
-  if (!controller_) return;
-  const TodayEventsView& view = *controller_->todayView();
-  const auto& labels = onTitle ? view.planTitleLabels() : view.planDateLabels();
-  if (row >= labels.size()) return;
-  TodayViewLabel& label = *labels[row];
+void WidgetHost::touch(std::size_t row, TouchPhase phase) {
+  if (!controller_ || row >= TodayEventsView::kRowCount) return;
+  // A row's two labels do the same about a touch.
+  TodayViewLabel& label = *controller_->todayView()->planTitleLabels()[row];
   switch (phase) {
     case TouchPhase::kBegan:
-      return label.touchesBegan({position});
+      return label.touchesBegan({});
     case TouchPhase::kEnded:
-      return label.touchesEnded({position});
+      return label.touchesEnded({});
     case TouchPhase::kCancelled:
-      return label.touchesCancelled({position});
+      return label.touchesCancelled({});
   }
 }
 

@@ -26,7 +26,8 @@ class WidgetHost {
   bool isAlive() const { return controller_ != nullptr; }
   /// The user's text size, 1 for the usual one: the compact mode grows with it.
   void setTextScale(double textScale) { textScale_ = textScale; }
-  void setCardWidth(double width);
+  /// Whether the widget was laid out anew.
+  bool setCardWidth(double width);
   void setMode(WidgetDisplayMode mode);
 
   /// Fills in all of the card but its bar and what the user is doing to it.
@@ -34,10 +35,10 @@ class WidgetHost {
   /// The plan of a visible row, in their order; null for none.
   std::shared_ptr<const Planning> plan(std::size_t row) const;
 
-  /// A finger on a visible row; `position` is in the coordinates of the row's title (`onTitle`) or
-  /// date. What the widget does about it happens on a later turn of the main queue.
+  /// A finger on a visible row. What the widget does about it happens on a later turn of the main
+  /// queue.
   enum class TouchPhase { kBegan, kEnded, kCancelled };
-  void touch(std::size_t row, bool onTitle, TouchPhase phase, Point position);
+  void touch(std::size_t row, TouchPhase phase);
 
  private:
   class Context;
