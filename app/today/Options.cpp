@@ -96,13 +96,12 @@ void Options::describe(CLI::App& app, Options& options) {
       });
   app.footer(
       "A window that is open already comes to the front; with --dark, --light or --system-version "
-      "a "
-      "new one opens.\n"
+      "a new one opens.\n"
       "Keys: F5 looks for new plans, Tab and Enter open one; Ctrl+C copies the link of a plan that "
       "is shown, Escape closes it.\n"
       "Exit codes: 0 done, 64 usage, 65 no link to a plan, 66 no store or no such plan in it, 69 "
-      "no "
-      "display, 73 and 74 a file could not be written, 75 the store is in use, 77 no permission.");
+      "no display, 73 and 74 a file could not be written, 75 the store is in use, 77 no "
+      "permission.");
 }
 
 std::optional<int> Options::parse(int argc, char** argv, Options& options) {
