@@ -102,10 +102,13 @@ class Parser {
   std::string readAttribute(std::istringstream& words);
   std::string readRelationship(std::istringstream& words);
   template <typename Add>
-  std::string addSince(Options& options, const std::string& name, Add add);
+  std::string addSince(Options& options, Add add);
+  template <typename Add>
+  std::string addProperty(Options& options, const std::string& name, Add add);
   std::string relationshipsWithoutEnd() const;
 
   ModelSource source_;
+  std::string entityName_;  ///< Of the entity whose properties are being read.
 };
 
 std::string Parser::statement(std::istringstream& words) {
@@ -130,35 +133,48 @@ std::string Parser::readEntity(std::istringstream& words) {
   EntityDescription entity;
   if (!(words >> entity.name)) return "the entity needs a name";
   if (source_.versions.empty()) return "the versions must stand before the entities";
-  for (auto& version : source_.versions) {
+  for (const auto& version : source_.versions) {
     for (const auto& other : version.entities) {
       if (other.name == entity.name) return "there are two entities of this name";
     }
-    version.entities.push_back(entity);
   }
-  return {};
+  entityName_ = entity.name;
+  Options options(words);
+  return addSince(options, [&](ModelVersion& version) {
+    version.entities.push_back(entity);
+    return true;
+  });
 }
 
-/// Calls `add` with the last entity of each version that has the property.
+/// Calls `add` with each version from that on which the option "since" names; it tells whether all
+/// is well.
 template <typename Add>
-std::string Parser::addSince(Options& options, const std::string& name, Add add) {
+std::string Parser::addSince(Options& options, Add add) {
   const auto since = options.take("since");
   if (const auto unknown = options.unknown()) return "\"" + *unknown + "\" is no option here";
-  if (source_.versions.empty() || source_.versions.front().entities.empty()) {
-    return "a property must stand below its entity";
-  }
   bool reached = !since;
   for (auto& version : source_.versions) {
     reached = reached || version.identifier == since;
+    if (reached && !add(version)) return "there are two properties of this name";
+  }
+  return reached ? "" : "there is no version " + *since;
+}
+
+/// Calls `add` with the last entity of each version that has it and the property.
+template <typename Add>
+std::string Parser::addProperty(Options& options, const std::string& name, Add add) {
+  if (entityName_.empty()) return "a property must stand below its entity";
+  return addSince(options, [&](ModelVersion& version) {
+    if (version.entities.empty() || version.entities.back().name != entityName_) return true;
     auto& entity = version.entities.back();
     const auto same = [&](const auto& property) { return property.name == name; };
     if (std::any_of(entity.attributes.begin(), entity.attributes.end(), same) ||
         std::any_of(entity.relationships.begin(), entity.relationships.end(), same)) {
-      return "there are two properties of this name";
+      return false;
     }
-    if (reached) add(entity);
-  }
-  return reached ? "" : "there is no version " + *since;
+    add(entity);
+    return true;
+  });
 }
 
 std::string Parser::readAttribute(std::istringstream& words) {
@@ -180,7 +196,7 @@ std::string Parser::readAttribute(std::istringstream& words) {
     attribute.defaultValue = defaultValue(*text, *type);
     if (attribute.defaultValue == Value()) return "\"" + *text + "\" is no default for this type";
   }
-  return addSince(options, attribute.name, [&](EntityDescription& entity) {
+  return addProperty(options, attribute.name, [&](EntityDescription& entity) {
     entity.attributes.push_back(attribute);
     if (isIndexed) entity.indexedAttributes.push_back(attribute.name);
   });
@@ -200,8 +216,9 @@ std::string Parser::readRelationship(std::istringstream& words) {
   relationship.isOrdered = options.has("ordered");
   relationship.deleteRule = *rule;
   relationship.inverseName = options.take("inverse").value_or("");
-  return addSince(options, relationship.name,
-                  [&](EntityDescription& entity) { entity.relationships.push_back(relationship); });
+  return addProperty(options, relationship.name, [&](EntityDescription& entity) {
+    entity.relationships.push_back(relationship);
+  });
 }
 
 std::string Parser::relationshipsWithoutEnd() const {

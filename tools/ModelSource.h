@@ -24,7 +24,7 @@ struct ModelSource {
 ///
 ///     model NAME
 ///     versions IDENTIFIER…
-///     entity NAME
+///     entity NAME [since=V]
 ///       attribute NAME TYPE [optional] [indexed] [external] [transient] [default=VALUE] [since=V]
 ///       relationship NAME one|many ENTITY [inverse=NAME] [delete=none|nullify|cascade|deny]
 ///                                         [ordered] [since=V]

@@ -224,7 +224,9 @@ TEST(ModelCompiler, SaysWhatIsWrongWithASource) {
       {"relationship r many F", "E.r has no other end"},
       {"relationship r many E inverse=q", "E.r has no other end"},
       {"relationship r some E", ":4: \"some\" is neither"},
-      {"entity F G", ":4: \"G\" is too much"},
+      {"entity F G", ":4: \"G\" is no option"},
+      {"entity F since=3", ":4: there is no version 3"},
+      {"relationship r many F\nentity F since=2", "E.r has no other end"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.source);
@@ -235,12 +237,13 @@ TEST(ModelCompiler, SaysWhatIsWrongWithASource) {
   }
 }
 
-TEST(ModelCompiler, WritesDefaults) {
+TEST(ModelCompiler, WritesDefaultsAndEntitiesOfLaterVersions) {
   const test::TemporaryDirectory directory;
   test::writeFile(directory / "M.model",
-                  "model M\nversions 1\nentity E\nattribute i integer64 default=-3\n"
+                  "model M\nversions 1 2\nentity E\nattribute i integer64 default=-3\n"
                   "attribute b boolean default=true\nattribute f float default=0.1\n"
-                  "attribute s string default=x\nrelationship other one E\n");
+                  "attribute s string default=x\nrelationship other one E\n"
+                  "entity New since=2\nattribute a date\n");
   ASSERT_EQ(test::runProgram({"modelc", directory / "M.model", directory.path()}).exitCode, 0);
   const auto model = ManagedObjectModel::modelWithContentsOfURL(directory / "M.momd");
   ASSERT_TRUE(model);
@@ -250,6 +253,12 @@ TEST(ModelCompiler, WritesDefaults) {
   EXPECT_EQ(entity->attribute("f")->defaultValue, Value(static_cast<double>(0.1F)));
   EXPECT_EQ(entity->attribute("s")->defaultValue, Value("x"));
   EXPECT_EQ(entity->relationship("other")->inverseName, "");
+  ASSERT_NE(model->entityNamed("New"), nullptr);
+  EXPECT_NE(model->entityNamed("New")->attribute("a"), nullptr);
+  const auto before = ManagedObjectModel::modelWithContentsOfURL(directory / "M.momd/M1.mom");
+  ASSERT_TRUE(before);
+  EXPECT_EQ(before->entityNamed("New"), nullptr);
+  EXPECT_EQ(before->entityNamed("E")->attribute("a"), nullptr);
 }
 
 }  // namespace
