@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstdio>
+#include <memory>
 
 #include "base/Log.h"
 #include "cli/ExitCode.h"
@@ -26,9 +27,19 @@ bool parseSize(const std::string& text, int& width, int& height) {
   return std::min(width, height) >= kSmallestSide && std::max(width, height) <= kLargestSide;
 }
 
+/// Help without the remarks that the library adds to options.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const std::string& text = option->get_option_text();
+    return text.empty() ? "" : " " + text;
+  }
+};
+
 }  // namespace
 
 void Options::describe(CLI::App& app, Options& options) {
+  app.formatter(std::make_shared<HelpFormatter>());
   app.name("vantrel-today");
   app.description("Shows the next plans in a window, or draws them into a picture.");
   app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION, "Show the version and exit");
