@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <filesystem>
 
+#include "cli/PlanLink.h"
 #include "support/Guards.h"
 #include "support/TestStore.h"
 #include "today/Application.h"
@@ -57,14 +58,10 @@ class ApplicationServiceTest : public testing::Test {
 };
 
 TEST_F(ApplicationServiceTest, LaterStartsAskTheFirstAndHandOnTheirToken) {
-  std::string link;
-  {
-    test::OpenStore store(home_ / "Vantrel.sqlite");
-    const auto plan = store.insertPlan("Sunrise", 805866720);
-    ASSERT_TRUE(store.context.save());
-    link = "vantrel://plan?id=x-coredata:%2F%2F" +
-           plan->objectID().URIRepresentation().substr(13, 36) + "%2FPlanning%2Fp1";
-  }
+  test::OpenStore store(home_ / "Vantrel.sqlite");
+  const auto plan = store.insertPlan("Sunrise", 805866720);
+  ASSERT_TRUE(store.context.save());
+  const std::string link = cli::deepLink(*plan);
   EXPECT_EQ(startAnother({}), 0);
   EXPECT_EQ(startAnother({"--expanded"}), 0);
   EXPECT_EQ(startAnother({"--open", QString::fromStdString(link)}), 0);

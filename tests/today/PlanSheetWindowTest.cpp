@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QTest>
 
+#include "cli/PlanLink.h"
 #include "today/WindowTest.h"
 
 namespace vantrel {
@@ -58,9 +59,7 @@ TEST_F(PlanSheetWindowTest, KeysReachTheLinkAndThePlace) {
   ASSERT_TRUE(waitFor([&] { return window_->isActiveWindow(); }));
   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
   EXPECT_TRUE(button("Copy link")->showsFocus());
-  const std::string uri = plan_->objectID().URIRepresentation();
-  EXPECT_EQ(clipboard(),
-            "vantrel://plan?id=x-coredata:%2F%2F" + uri.substr(13, 36) + "%2FPlanning%2Fp1");
+  EXPECT_EQ(clipboard(), cli::deepLink(*plan_));
 
   opener_.result = LinkOpener::Result::kNoHandler;
   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "cli/PlanLink.h"
 #include "today/WindowTest.h"
 
 namespace vantrel {
@@ -54,11 +55,8 @@ TEST_F(TodayWindowTest, ClickTouchKeysAndScreenReaderOpenTheSameLink) {
     way();
     ASSERT_TRUE(waitFor([&] { return opener_.links.size() > before; }));
   }
-  std::string uri = store().planNamed("Sunrise")->objectID().URIRepresentation();
-  for (std::size_t at = 0; (at = uri.find('/', at)) != std::string::npos; at += 3) {
-    uri.replace(at, 1, "%2F");
-  }
-  EXPECT_EQ(opener_.links, std::vector(std::size(ways), "vantrel://plan?id=" + uri));
+  const std::string link = cli::deepLink(*store().planNamed("Sunrise"));
+  EXPECT_EQ(opener_.links, std::vector(std::size(ways), link));
 }
 
 TEST_F(TodayWindowTest, ATouchLetGoOutsideOrGivenUpOpensNothing) {

@@ -64,7 +64,6 @@ class LoopbackServer {
   void accept() {
     while (QTcpSocket* socket = server_->nextPendingConnection()) {
       QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(*socket); });
-      QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
       read(*socket);
     }
   }
