@@ -107,47 +107,40 @@ class WebServiceRequest : public testing::Test {
 };
 
 TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
+  using Expected = std::vector<testing::Matcher<std::string>>;
   const std::string refused = R"({"status": {"message": "limit exceeded", "value": 18}})";
-  const std::string unknown = "org.geonames 15 Geonames unkowin lookup error";
+  const std::string found = R"({"status": "OK", "results": [{"srtm3": 3}, 4]})";
+  const std::string denied = R"({"status": "REQUEST_DENIED", "error_message": "no key"})";
+  const Expected overLimit = {"idle", "org.geonames 18 limit exceeded"};
+  const Expected unknown = {"idle", "org.geonames 15 Geonames unkowin lookup error"};
   const auto notJson = [](const char* why) {
-    return testing::StartsWith(std::string("JSON The answer is not JSON: ") + why);
+    return Expected{"idle",
+                    testing::StartsWith(std::string("JSON The answer is not JSON: ") + why)};
   };
   const struct {
-    const char* name;
     std::string reply;
-    std::vector<testing::Matcher<std::string>> expected;  ///< Behind "active".
+    Expected expected;  ///< Behind "active".
     std::int32_t serverType = 0;
     std::string log = {};
   } cases[] = {
-      {"result", httpReply(R"({"srtm3": 12})"), {"idle", "result 12"}},
-      {"null counts as a result", httpReply(R"({"srtm3": null})"), {"idle", "result null"}},
-      {"refused", httpReply(refused), {"idle", "org.geonames 18 limit exceeded"}},
-      {"refused with a status of HTTP",
-       httpReply(refused, "401 Unauthorized"),
-       {"idle", "org.geonames 18 limit exceeded"}},
-      {"value as text, no message",
-       httpReply(R"({"status": {"value": "19"}})"),
-       {"idle", "org.geonames 19 "}},
-      {"neither", httpReply("{}"), {"idle", unknown}},
-      {"status is no object", httpReply(R"({"status": "18"})"), {"idle", unknown}},
-      {"no JSON", httpReply("<html>busy</html>", "503 Busy"), {"idle", notJson("parse error")}},
-      {"a fragment", httpReply("12"), {"idle", notJson("neither")}},
-      {"cut, without a length", "HTTP/1.1 200 OK\r\n\r\n{\"srtm3\": 1", {"idle", notJson("")}},
-      {"5 MB of nested lists", httpReply(std::string(5 << 20, '[')), {"idle", notJson("nested")}},
-      {"Google's result",
-       httpReply(R"({"status": "OK", "results": [{"srtm3": 3}, 4]})"),
-       {"idle", "result 3"},
-       1},
-      {"Google's OK without results", httpReply(R"({"status": "OK", "results": []})"), {}, 1},
-      {"Google refused",
-       httpReply(R"({"status": "REQUEST_DENIED", "error_message": "no key"})"),
-       {"idle", "error"},
-       1,
-       "Google API Error: no key\n"},
-      {"Google's list", httpReply("[]"), {"idle", "error"}, -1, "Google API Error: (null)\n"},
+      {httpReply(R"({"srtm3": 12})"), {"idle", "result 12"}},
+      {httpReply(R"({"srtm3": null})"), {"idle", "result null"}},
+      {httpReply(refused), overLimit},
+      {httpReply(refused, "401 Unauthorized"), overLimit},
+      {httpReply(R"({"status": {"value": "19"}})"), {"idle", "org.geonames 19 "}},
+      {httpReply("{}"), unknown},
+      {httpReply(R"({"status": "18"})"), unknown},
+      {httpReply("<html>busy</html>", "503 Busy"), notJson("parse error")},
+      {httpReply("12"), notJson("neither")},
+      {"HTTP/1.1 200 OK\r\n\r\n{\"srtm3\": 1", notJson("")},
+      {httpReply(std::string(5 << 20, '[')), notJson("nested")},
+      {httpReply(found), {"idle", "result 3"}, 1},
+      {httpReply(R"({"status": "OK", "results": []})"), {}, 1},
+      {httpReply(denied), {"idle", "error"}, 1, "Google API Error: no key\n"},
+      {httpReply("[]"), {"idle", "error"}, -1, "Google API Error: (null)\n"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.reply.substr(0, 200));
     test::LoopbackServer server({{"/", {c.reply}}});
     test::LogCapture log;
     auto expected = c.expected;
@@ -161,28 +154,25 @@ TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
 TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
   using After = Reply::After;
   const std::string head = "HTTP/1.1 200 OK\r\nConnection: close\r\n";
+  const std::string much(9 << 20, ' ');
+  const auto redirect = [](const std::string& url) {
+    return Reply{httpReply("", "302 Found", "Location: " + url + "\r\n")};
+  };
   const struct {
-    const char* name;
     Reply reply;
     const char* error;
   } cases[] = {
-      {"cut in the middle", {head + "Content-Length: 99\r\n\r\n{\"srtm3\": 1"}, "closed"},
-      {"silent", {"", After::kHang}, "timed out"},
-      {"never ends", {head + "\r\n{\"srtm3\": 1}", After::kDrip}, "timed out"},
-      {"too large", {head + "\r\n" + std::string(9 << 20, ' '), After::kHang}, "too large"},
-      {"length of 9 MB", {httpReply(std::string(9 << 20, ' '))}, "too large"},
-      {"redirect to http",
-       {httpReply("", "302 Found", "Location: http://127.0.0.1:1/\r\n")},
-       "not https"},
-      {"redirect to a file",
-       {httpReply("", "301 Moved", "Location: file:///etc/passwd\r\n")},
-       "protocol"},
-      {"redirect to https",
-       {httpReply("", "302 Found", "Location: https://127.0.0.1:1/\r\n")},
-       "refused"},
+      {{head + "Content-Length: 99\r\n\r\n{\"srtm3\": 1"}, "closed"},
+      {{"", After::kHang}, "timed out"},
+      {{head + "\r\n{\"srtm3\": 1}", After::kDrip}, "timed out"},
+      {{head + "\r\n" + much, After::kHang}, "too large"},
+      {{httpReply(much)}, "too large"},
+      {redirect("http://127.0.0.1:1/"), "not https"},
+      {redirect("file:///etc/passwd"), "protocol"},
+      {redirect("https://127.0.0.1:1/"), "refused"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.reply.bytes.substr(0, 200));
     setTimeout(c.error == std::string("timed out") ? 0.2 : WebServiceRequestOperation::kTimeout);
     test::LoopbackServer server({{"/", c.reply}});
     test::LogCapture log;
@@ -216,25 +206,24 @@ TEST_F(WebServiceRequest, RefusesACertificateThatNobodyVouchesFor) {
 TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
   const std::string body = R"({"srtm3": 7})";
   const auto reply = [&](const char* headers) { return httpReply(body, "200 OK", headers); };
+  const std::string chunked =
+      "HTTP/1.1 200 OK\r\nConnection: close\r\nCache-Control: max-age=3600\r\n"
+      "Transfer-Encoding: chunked\r\n\r\nc\r\n" +
+      body + "\r\n0\r\n\r\n";
   const struct {
-    const char* name;
     std::string reply;
     bool isKept;
   } cases[] = {
-      {"fresh", reply("Cache-Control: max-age=3600\r\n"), true},
-      {"fresh until a day", reply("Expires: Fri, 01 Jan 2100 00:00:00 GMT\r\n"), true},
-      {"says nothing", reply(""), false},
-      {"stale at once", reply("Cache-Control: max-age=0\r\n"), false},
-      {"old", reply("Expires: Thu, 01 Jan 1998 00:00:00 GMT\r\n"), false},
-      {"not to be stored", reply("Cache-Control: no-store, max-age=3600\r\n"), false},
-      {"of a length that is not told",
-       "HTTP/1.1 200 OK\r\nConnection: close\r\nCache-Control: max-age=3600\r\n"
-       "Transfer-Encoding: chunked\r\n\r\nc\r\n" +
-           body + "\r\n0\r\n\r\n",
-       false},
+      {reply("Cache-Control: max-age=3600\r\n"), true},
+      {reply("Expires: Fri, 01 Jan 2100 00:00:00 GMT\r\n"), true},
+      {reply(""), false},
+      {reply("Cache-Control: max-age=0\r\n"), false},
+      {reply("Expires: Thu, 01 Jan 1998 00:00:00 GMT\r\n"), false},
+      {reply("Cache-Control: no-store, max-age=3600\r\n"), false},
+      {chunked, false},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.reply);
     test::LoopbackServer server({{"/", {c.reply}}});
     const std::string url = server.address() + "/?token=" + token();
     EXPECT_THAT(noticesOf(url), ElementsAre("active", "idle", "result 7"));
