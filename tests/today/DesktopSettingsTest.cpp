@@ -90,13 +90,19 @@ TEST_F(DesktopTest, AWindowFollowsThroughTheNight) {
   ASSERT_EQ(rows(), 2U);
   EXPECT_FALSE(isDark());
 
-  // The machine slept past midnight.
+  // The machine slept past midnight, and was carried to another zone.
   clock_.set(*dateFromIso8601String("2026-07-16T02:00:00Z"));
   ASSERT_TRUE(bus_.registerService("org.freedesktop.login1"));
   bus_.send(QDBusMessage::createSignal("/org/freedesktop/login1", "org.freedesktop.login1.Manager",
                                        "PrepareForSleep")
             << false);
   EXPECT_TRUE(waitFor([&] { return rows() == 1; }));
+  EXPECT_EQ(restarts_, 0);
+  const test::EnvironmentGuard travelled("TZ", "Asia/Tokyo");
+  ASSERT_TRUE(bus_.registerService("org.freedesktop.timedate1"));
+  bus_.send(QDBusMessage::createSignal("/org/freedesktop/timedate1",
+                                       "org.freedesktop.DBus.Properties", "PropertiesChanged"));
+  EXPECT_TRUE(waitFor([&] { return restarts_ == 1; }));
 
   portal_.setColorScheme(1);
   EXPECT_TRUE(waitFor(isDark));

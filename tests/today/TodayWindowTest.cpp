@@ -126,6 +126,8 @@ TEST_F(TodayWindowTest, RightToLeftMirrorsRowsAndWhatTheyAreHitBy) {
   EXPECT_EQ(layout.name.right(), layout.card.right() - 37);
   EXPECT_LT(layout.action.left(), layout.card.center().x());
   EXPECT_EQ(layout.rows[0].shape.right(), layout.rows[0].title.right() + 8);
+  window_->resize(300, 300);
+  EXPECT_EQ(layout.rows[0].title.width(), layout.card.width() - 37 - 11);
   auto* hit = card().childAt(layout.rows[1].title.center().toPoint());
   ASSERT_EQ(hit, row(1));
   QTest::mouseClick(hit, Qt::LeftButton, {}, QPoint(hit->width() - 12, 10));
