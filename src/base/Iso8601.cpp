@@ -74,7 +74,8 @@ bool isValid(const WallTime& t) {
 
 WallTime readDay(FieldReader& reader) {
   WallTime wall;
-  wall.year = reader.number(4);
+  const bool isBeforeYearZero = reader.skip('-');
+  wall.year = (isBeforeYearZero ? -1 : 1) * reader.number(4);
   reader.expect('-');
   wall.month = reader.number(2);
   reader.expect('-');

@@ -14,7 +14,7 @@ namespace vantrel {
 /// -9999 to 9999, or not finite, gives an empty text.
 std::string iso8601String(Date date, int offsetSeconds = 0);
 
-/// An instant from "YYYY-MM-DDTHH:MM[:SS[.fraction]]" with "Z" or an offset ("+02:00", "+0200",
+/// An instant from "[-]YYYY-MM-DDTHH:MM[:SS[.fraction]]" with "Z" or an offset ("+02:00", "+0200",
 /// "+02") behind it. Nothing for any other text, for fields out of range and without an offset.
 std::optional<Date> dateFromIso8601String(std::string_view text);
 

@@ -20,6 +20,7 @@ namespace {
 
 /// Far beyond all rules, well within the library's range.
 constexpr double kLastSecond = 1e14;
+constexpr std::size_t kLongestName = 255;
 constexpr auto kReferenceSecond = static_cast<std::int64_t>(Date::kReferenceDateSince1970);
 
 std::int64_t wholeSeconds(double seconds) {
@@ -31,6 +32,7 @@ std::int64_t wholeSeconds(double seconds) {
 /// names included.
 bool isZoneName(std::string_view text) {
   char before = '/';
+  if (text.size() > kLongestName) return false;
   for (const char c : text) {
     const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
                        c == '_' || c == '+' || c == '-';

@@ -13,8 +13,8 @@ namespace vantrel {
 class TimeZone {
  public:
   /// The zone of that name ("Europe/Madrid"); nothing when the name is unknown or ill-formed.
-  /// Names are untrusted input: only letters, digits and "_+-" in parts joined by "/" are looked
-  /// up.
+  /// Names are untrusted input: only letters, digits and "_+-" in parts joined by "/", of 255 bytes
+  /// at most, are looked up.
   static std::optional<TimeZone> timeZoneWithName(std::string_view name);
   static TimeZone timeZoneForSecondsFromGMT(int seconds);
   /// The device's zone as it is now: `TZ`, else where /etc/localtime points.

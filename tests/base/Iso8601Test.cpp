@@ -12,7 +12,7 @@ TEST(Iso8601, WritesTheShortestTextThatReadsBack) {
     int offset;
     const char* text;
   };
-  // Seconds by `date -u -d TEXT +%s` less 978307200.
+  // Seconds by `date -u -d TEXT +%s`, before the year 0 by SQLite's strftime, less 978307200.
   const Case cases[] = {
       {"reference date", 0, 0, "2001-01-01T00:00:00Z"},
       {"summer", 740633400, 0, "2024-06-21T03:30:00Z"},
@@ -21,6 +21,7 @@ TEST(Iso8601, WritesTheShortestTextThatReadsBack) {
       {"half a second", 740633400.5, 0, "2024-06-21T03:30:00.5Z"},
       {"before the reference date", -0.25, 0, "2000-12-31T23:59:59.75Z"},
       {"leap day", 730900800, 0, "2024-02-29T12:00:00Z"},
+      {"before the year 0", -70085294400, 0, "-0220-02-01T14:40:00Z"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
