@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "cli/Arguments.h"
-#include "cli/ExitCode.h"
 #include "exchange/CalendarText.h"
 #include "exchange/CalendarZones.h"
 
@@ -16,18 +15,12 @@ namespace vantrel::cli {
 
 namespace {
 
-/// Half of the last decimal that GEO has.
-constexpr double kPlacePrecision = 0.5e-6;
 constexpr std::size_t kLongestNameShown = 60;
 
 struct Place {
   double latitude = 0;
   double longitude = 0;
 };
-
-tl::unexpected<Error> refused(const std::string& where, const std::string& why) {
-  return tl::make_unexpected(failure(kExitBadData, where, why));
-}
 
 std::optional<std::string> textOf(icalcomponent* entry, icalproperty_kind kind) {
   auto* property = icalcomponent_get_first_property(entry, kind);
@@ -65,10 +58,8 @@ std::optional<Place> placeFromText(std::string_view text, char divider) {
 }
 
 bool isSamePlace(const Place& a, const Place& b) {
-  // A little more, for what rounding itself costs.
-  constexpr double kReach = 1.01 * kPlacePrecision;
-  return std::fabs(a.latitude - b.latitude) <= kReach &&
-         std::fabs(a.longitude - b.longitude) <= kReach;
+  return std::fabs(a.latitude - b.latitude) <= kPlacePrecision &&
+         std::fabs(a.longitude - b.longitude) <= kPlacePrecision;
 }
 
 /// Wall seconds since 2001; nothing for a day or a time that no clock shows.
@@ -76,10 +67,9 @@ std::optional<double> wallSecondsOf(const icaltimetype& time) {
   const std::chrono::year_month_day day(std::chrono::year(time.year),
                                         std::chrono::month(static_cast<unsigned>(time.month)),
                                         std::chrono::day(static_cast<unsigned>(time.day)));
-  const bool isTime = time.is_date || (time.hour >= 0 && time.hour < 24 && time.minute >= 0 &&
-                                       time.minute < 60 && time.second >= 0 && time.second <= 60);
+  const bool isTime = time.hour >= 0 && time.hour < 24 && time.minute >= 0 && time.minute < 60 &&
+                      time.second >= 0 && time.second <= 60;
   if (time.year < 1 || !day.ok() || !isTime) return std::nullopt;
-  if (time.is_date) return secondsOfWallTime({time.year, time.month, time.day, 0, 0, 0});
   return secondsOfWallTime({time.year, time.month, time.day, time.hour, time.minute, time.second});
 }
 
@@ -113,25 +103,30 @@ class EntryReader {
       : entry_(entry), zones_(zones), counts_(counts) {
     draft_.isRounded = true;
     draft_.where = "event " + std::to_string(number);
-    const std::string name = textOf(entry, ICAL_SUMMARY_PROPERTY).value_or("");
-    if (!name.empty() && name.size() <= kLongestNameShown) draft_.where += " \"" + name + "\"";
   }
 
   Expected<PlanDraft> read() {
-    if (const auto uid = textOf(entry_, ICAL_UID_PROPERTY); uid && !uid->empty()) {
-      const auto checked = checkIdentifier(draft_.where + ": UID", *uid);
-      if (!checked) return tl::make_unexpected(checked.error());
-      draft_.identifier = uid;
+    if (const auto name = textOf(entry_, ICAL_SUMMARY_PROPERTY)) {
+      draft_.values["name"] = *name;
+      if (!name->empty() && name->size() <= kLongestNameShown) {
+        draft_.where += " \"" + *name + "\"";
+      }
     }
-    for (const auto read : {&EntryReader::readDate, &EntryReader::readPlace}) {
-      if (const auto done = (this->*read)(); !done) return tl::make_unexpected(done.error());
-    }
-    if (auto name = textOf(entry_, ICAL_SUMMARY_PROPERTY)) draft_.values["name"] = *name;
     readNotes();
-    return std::move(draft_);
+    return readIdentifier()
+        .and_then([&] { return readDate(); })
+        .and_then([&] { return readPlace(); })
+        .map([&] { return std::move(draft_); });
   }
 
  private:
+  Expected<void> readIdentifier() {
+    const auto uid = textOf(entry_, ICAL_UID_PROPERTY);
+    if (!uid || uid->empty()) return {};
+    draft_.identifier = uid;
+    return checkIdentifier(draft_.where + ": UID", *uid);
+  }
+
   Expected<void> readDate() {
     const bool isEvent = icalcomponent_isa(entry_) == ICAL_VEVENT_COMPONENT;
     auto* property = icalcomponent_get_first_property(entry_, ICAL_DTSTART_PROPERTY);

@@ -5,20 +5,24 @@
 #include <string>
 #include <utility>
 
-#include "cli/ExitCode.h"
+#include "cli/TerminalText.h"
 
 namespace vantrel::cli {
 
 namespace {
 
 constexpr std::size_t kDeepest = 16;
+/// STANDARD and DAYLIGHT, of which a zone is made.
+constexpr std::size_t kDepthOfObservances = 3;
 constexpr std::size_t kLongestLine = std::size_t{1} << 20;
-/// Of all zones together; each costs a walk through its years.
-constexpr std::size_t kMostObservances = 1000;
-constexpr std::array<std::string_view, 18> kProperties = {
-    "UID",          "SUMMARY",    "DESCRIPTION",    "LOCATION",      "DTSTART", "DUE",
-    "RRULE",        "RDATE",      "EXDATE",         "RECURRENCE-ID", "STATUS",  "TZID",
-    "TZOFFSETFROM", "TZOFFSETTO", "X-LIC-LOCATION", "TZNAME",        "VERSION", "GEO"};
+/// Of all zones together, in lines: the library takes the square of the bad ones for it. A rule
+/// costs a walk through its years, and counts for more.
+constexpr std::size_t kMostZoneWork = 20000;
+constexpr std::size_t kWorkOfRule = 20;
+constexpr std::array<std::string_view, 15> kProperties = {
+    "UID",     "SUMMARY", "DESCRIPTION",  "LOCATION",   "GEO",
+    "DTSTART", "DUE",     "RRULE",        "RDATE",      "RECURRENCE-ID",
+    "STATUS",  "TZID",    "TZOFFSETFROM", "TZOFFSETTO", "X-LIC-LOCATION"};
 
 std::string upperCase(std::string_view text) {
   std::string result(text);
@@ -27,8 +31,9 @@ std::string upperCase(std::string_view text) {
   return result;
 }
 
-tl::unexpected<Error> refused(const std::string& what, const std::string& why) {
-  return tl::make_unexpected(failure(kExitBadData, what, why));
+std::size_t workOf(std::string_view name, std::string_view line) {
+  if (name == "RRULE") return kWorkOfRule;
+  return 1 + static_cast<std::size_t>(std::count(line.begin(), line.end(), ','));
 }
 
 /// Follows which component a line stands in, and hands what matters to the library.
@@ -45,12 +50,26 @@ class CalendarLines {
       return name == "BEGIN" ? begin(component) : end(component);
     }
     if (path_.empty()) return line.empty() ? Expected<void>() : refused("calendar", kNoCalendar);
-    const bool isKnown =
-        std::find(kProperties.begin(), kProperties.end(), name) != kProperties.end();
-    if (isDropped() || !isKnown) return {};
+    const auto known = std::find(kProperties.begin(), kProperties.end(), name);
+    const std::size_t valueAt = std::min(line.find(':'), line.size());
+    // The library takes an empty text for a mistake.
+    const bool isEmpty = valueAt + 1 == line.size();
+    if (path_.size() == 1 || isDropped() || known == kProperties.end() || isEmpty) return {};
     if (line.size() > kLongestLine) return refused(name, "longer than 1 MiB");
-    if (name == "GEO")
-      line = std::string(kPlaceProperty) + line.substr(std::min(line.find(':'), line.size()));
+    // Only now: where a line is folded, a character may be cut in two.
+    if (line.find('\0') != std::string::npos || !isUtf8(line)) {
+      return refused(name, "is no UTF-8 text");
+    }
+    if (path_.size() == kDepthOfObservances) {
+      zoneWork_ += workOf(name, line);
+      if (zoneWork_ > kMostZoneWork) return refused("VTIMEZONE", "too many rules");
+    } else {
+      // Of an event the first of each counts, and of other dates only that there are any.
+      auto& isRepeated = seen_[static_cast<std::size_t>(known - kProperties.begin())];
+      if (std::exchange(isRepeated, true)) return {};
+      if (name == "RDATE") line.resize(std::min(line.find(','), line.size()));
+    }
+    if (name == "GEO") line = std::string(kPlaceProperty) + line.substr(valueAt);
     pass(line);
     return {};
   }
@@ -71,7 +90,7 @@ class CalendarLines {
     if (path_.size() == 1) {
       return component == "VEVENT" || component == "VTODO" || component == "VTIMEZONE";
     }
-    return path_.size() == 2 && path_.back() == "VTIMEZONE" &&
+    return path_.size() + 1 == kDepthOfObservances && path_.back() == "VTIMEZONE" &&
            (component == "STANDARD" || component == "DAYLIGHT");
   }
 
@@ -81,9 +100,8 @@ class CalendarLines {
     if (!path_.empty() && !isDropped() && !isWanted(component)) droppedAt_ = path_.size();
     path_.push_back(component);
     if (isDropped()) return {};
-    if (component == "STANDARD" || component == "DAYLIGHT") {
-      if (++observances_ > kMostObservances) return refused("VTIMEZONE", "too many rules");
-    } else if (component == "VEVENT" || component == "VTODO") {
+    if (path_.size() < kDepthOfObservances) seen_ = {};
+    if (component == "VEVENT" || component == "VTODO") {
       if (auto checked = checkCount(++entries_); !checked) return checked;
     }
     pass("BEGIN:" + component);
@@ -114,7 +132,8 @@ class CalendarLines {
   std::vector<std::string> path_;
   std::size_t droppedAt_ = 0;  ///< How deep stands what is passed over; 0 for none.
   std::size_t entries_ = 0;
-  std::size_t observances_ = 0;
+  std::array<bool, kProperties.size()> seen_{};  ///< In the event.
+  std::size_t zoneWork_ = 0;
   std::vector<CalendarComponent> calendars_;
 };
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "exchange/CalendarText.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/ZoneWriter.h"
 #include "platform/Clock.h"
@@ -16,11 +17,6 @@
 namespace vantrel::cli {
 
 namespace {
-
-struct FreeComponent {
-  void operator()(icalcomponent* component) const { icalcomponent_free(component); }
-};
-using Component = std::unique_ptr<icalcomponent, FreeComponent>;
 
 /// A zone's name to its rules and the dates of the plans in it.
 struct ZoneUse {
@@ -30,11 +26,9 @@ struct ZoneUse {
 };
 using ZoneUses = std::map<std::string, ZoneUse>;
 
-/// A date that the format can write.
+/// A date that the format can write: of the years from 1 to 9999, in the plan's zone too.
 std::optional<Date> writableDate(const Planning& plan) {
-  for (const std::string& text : {instantText(plan), localText(plan)}) {
-    if (text.empty() || text.starts_with('-')) return std::nullopt;
-  }
+  if (std::min(instantText(plan), localText(plan)) < "0001") return std::nullopt;
   return plan.date();
 }
 
@@ -91,7 +85,7 @@ icalcomponent* entryOf(const Planning& plan, const ZoneUses& zones, const icalti
 }  // namespace
 
 void writeCalendar(const Plans& plans, const TextSink& print) {
-  const Component calendar(icalcomponent_new_vcalendar());
+  const CalendarComponent calendar(icalcomponent_new_vcalendar());
   icalcomponent_add_property(calendar.get(), icalproperty_new_version("2.0"));
   icalcomponent_add_property(calendar.get(),
                              icalproperty_new_prodid("-//Vantrel//Vantrel Today//EN"));

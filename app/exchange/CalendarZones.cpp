@@ -7,9 +7,9 @@
 #include <array>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
-#include "cli/ExitCode.h"
-#include "platform/TimeZone.h"
+#include "exchange/PlanDraft.h"
 
 namespace vantrel::cli {
 
@@ -59,10 +59,28 @@ std::size_t countOf(const short (&list)[Size]) {
 /// any other would be walked day by day, or second by second.
 bool isClockRule(const icalrecurrencetype& rule) {
   constexpr std::size_t kWeek = 7;
-  return rule.freq == ICAL_YEARLY_RECURRENCE && rule.interval == 1 && countOf(rule.by_month) <= 1 &&
-         countOf(rule.by_day) <= countOf(rule.by_month) && countOf(rule.by_month_day) <= kWeek &&
+  return rule.freq == ICAL_YEARLY_RECURRENCE && rule.interval == 1 && !rule.rscale &&
+         countOf(rule.by_month) <= 1 && countOf(rule.by_day) <= countOf(rule.by_month) &&
+         countOf(rule.by_month_day) <= kWeek &&
          countOf(rule.by_second) + countOf(rule.by_minute) + countOf(rule.by_hour) == 0 &&
          countOf(rule.by_year_day) + countOf(rule.by_week_no) + countOf(rule.by_set_pos) == 0;
+}
+
+/// Whether some year has the day that a rule of a clock says, told from `start` where the rule is
+/// silent: for any other all years to come would be searched.
+bool isThereADay(const icalrecurrencetype& rule, const icaltimetype& start) {
+  constexpr std::array kMonthLengths = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  constexpr int kMostWeeks = 5;
+  const int month = countOf(rule.by_month) > 0 ? rule.by_month[0] : 1;
+  const std::size_t days = countOf(rule.by_month_day);
+  const bool hasWeekday = countOf(rule.by_day) > 0;
+  const int week = hasWeekday ? icalrecurrencetype_day_position(rule.by_day[0]) : 0;
+  if (month < 1 || month > 12 || std::abs(week) > (days > 0 ? 0 : kMostWeeks)) return false;
+  const auto isInMonth = [&](int day) {
+    return std::abs(day) <= kMonthLengths[static_cast<std::size_t>(month) - 1];
+  };
+  if (days > 0) return std::any_of(rule.by_month_day, rule.by_month_day + days, isInMonth);
+  return hasWeekday || isInMonth(start.day);
 }
 
 bool isOffset(icalcomponent* observance, icalproperty_kind kind) {
@@ -75,12 +93,15 @@ bool isOffset(icalcomponent* observance, icalproperty_kind kind) {
 bool isObservance(icalcomponent* observance) {
   if (!isOffset(observance, ICAL_TZOFFSETFROM_PROPERTY) ||
       !isOffset(observance, ICAL_TZOFFSETTO_PROPERTY) ||
-      !icalcomponent_get_first_property(observance, ICAL_DTSTART_PROPERTY)) {
+      icalcomponent_count_properties(observance, ICAL_DTSTART_PROPERTY) != 1 ||
+      icalcomponent_count_properties(observance, ICAL_RRULE_PROPERTY) > 1) {
     return false;
   }
-  auto* rule = icalcomponent_get_first_property(observance, ICAL_RRULE_PROPERTY);
-  return !rule || (isClockRule(icalproperty_get_rrule(rule)) &&
-                   !icalcomponent_get_next_property(observance, ICAL_RRULE_PROPERTY));
+  auto* property = icalcomponent_get_first_property(observance, ICAL_RRULE_PROPERTY);
+  if (!property) return true;
+  const icalrecurrencetype rule = icalproperty_get_rrule(property);
+  auto* start = icalcomponent_get_first_property(observance, ICAL_DTSTART_PROPERTY);
+  return isClockRule(rule) && isThereADay(rule, icalproperty_get_dtstart(start));
 }
 
 bool isZone(icalcomponent* zone) {
@@ -92,13 +113,6 @@ bool isZone(icalcomponent* zone) {
   return true;
 }
 
-/// The zone of the system that a calendar's own zone says it is.
-std::optional<TimeZone> namesake(const std::string& name, icaltimezone* zone) {
-  const char* location = icaltimezone_get_location(zone);
-  auto known = location ? systemZone(location) : std::nullopt;
-  return known ? known : windowsZone(name);
-}
-
 }  // namespace
 
 CalendarZones::CalendarZones(icalcomponent* calendar) {
@@ -108,40 +122,49 @@ CalendarZones::CalendarZones(icalcomponent* calendar) {
   }
 }
 
-Expected<icaltimezone*> CalendarZones::embeddedZone(const std::string& name,
-                                                    icalcomponent* component) {
-  auto& zone = zones_[name];
-  if (!zone) {
-    if (!isZone(component)) {
-      return tl::make_unexpected(
-          failure(kExitBadData, "VTIMEZONE \"" + name + "\"", "its rules make no sense"));
-    }
-    zone.reset(icaltimezone_new());
-    icaltimezone_set_component(zone.get(), icalcomponent_new_clone(component));
+Expected<CalendarZones::Zone> CalendarZones::zoneNamed(const std::string& name) const {
+  const auto component = components_.find(name);
+  Zone zone{systemZone(name), nullptr};
+  if (component == components_.end()) {
+    if (!zone.system) zone.system = windowsZone(name);
+    if (zone.system) return zone;
+    return refused("time zone \"" + name + "\"",
+                   "nobody knows it, and the file has no VTIMEZONE for it");
   }
-  return zone.get();
+  if (zone.system) return zone;
+  if (!isZone(component->second)) {
+    return refused("VTIMEZONE \"" + name + "\"", "its rules make no sense");
+  }
+  zone.embedded.reset(icaltimezone_new());
+  icaltimezone_set_component(zone.embedded.get(), icalcomponent_new_clone(component->second));
+  // All years at once: asked for one behind the other, each is walked to from the beginning.
+  icaltimetype last = icaltime_null_time();
+  last.year = kLastYear;
+  last.month = last.day = 1;
+  icaltimezone_get_utc_offset(zone.embedded.get(), &last, nullptr);
+  const char* location = icaltimezone_get_location(zone.embedded.get());
+  if (location) zone.system = systemZone(location);
+  if (!zone.system) zone.system = windowsZone(name);
+  return zone;
 }
 
 Expected<ZonedDate> CalendarZones::dateInZone(const std::string& name, const icaltimetype& wallTime,
                                               double wallSeconds) {
-  auto known = systemZone(name);
-  const auto component = components_.find(name);
-  if (!known && component == components_.end()) known = windowsZone(name);
-  if (known) return ZonedDate{known->dateForWallSeconds(wallSeconds), known->name()};
-  if (component == components_.end()) {
-    return tl::make_unexpected(failure(kExitBadData, "time zone \"" + name + "\"",
-                                       "nobody knows it, and the file has no VTIMEZONE for it"));
+  auto known = zones_.find(name);
+  if (known == zones_.end()) {
+    auto zone = zoneNamed(name);
+    if (!zone) return tl::make_unexpected(zone.error());
+    known = zones_.emplace(name, std::move(*zone)).first;
   }
-  const auto zone = embeddedZone(name, component->second);
-  if (!zone) return tl::make_unexpected(zone.error());
+  const auto& [system, embedded] = known->second;
+  if (!embedded) return ZonedDate{system->dateForWallSeconds(wallSeconds), system->name()};
   icaltimetype asked = wallTime;
   asked.is_date = 0;
   asked.year = std::clamp(asked.year, kFirstYear, kLastYear);
-  const int offset = icaltimezone_get_utc_offset(*zone, &asked, nullptr);
+  const int offset = icaltimezone_get_utc_offset(embedded.get(), &asked, nullptr);
   const Date date(wallSeconds - offset);
-  const auto own = namesake(name, *zone);
-  const bool isSame = own && own->secondsFromGMTForDate(date) == offset;
-  return ZonedDate{date, isSame ? std::optional(own->name()) : std::nullopt};
+  const bool isSame = system && system->secondsFromGMTForDate(date) == offset;
+  return ZonedDate{date, isSame ? std::optional(system->name()) : std::nullopt};
 }
 
 }  // namespace vantrel::cli

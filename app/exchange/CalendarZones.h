@@ -9,6 +9,7 @@
 
 #include "base/Date.h"
 #include "base/Error.h"
+#include "platform/TimeZone.h"
 
 namespace vantrel::cli {
 
@@ -28,7 +29,7 @@ class CalendarZones {
   explicit CalendarZones(icalcomponent* calendar);
 
   /// `wallSeconds` since 2001-01-01 00:00 on the clock of the zone. kExitBadData for a zone that
-  /// nobody knows or whose rules make no sense.
+  /// nobody knows, and for rules that say no day of a year as those of clocks do.
   Expected<ZonedDate> dateInZone(const std::string& name, const icaltimetype& wallTime,
                                  double wallSeconds);
 
@@ -36,10 +37,15 @@ class CalendarZones {
   struct FreeZone {
     void operator()(icaltimezone* zone) const { icaltimezone_free(zone, 1); }
   };
-  Expected<icaltimezone*> embeddedZone(const std::string& name, icalcomponent* component);
+  struct Zone {
+    std::optional<TimeZone> system;
+    /// The file's own rules, where they count; `system` is then the zone they say they are of.
+    std::unique_ptr<icaltimezone, FreeZone> embedded;
+  };
+  Expected<Zone> zoneNamed(const std::string& name) const;
 
   std::map<std::string, icalcomponent*> components_;
-  std::map<std::string, std::unique_ptr<icaltimezone, FreeZone>> zones_;
+  std::map<std::string, Zone> zones_;
 };
 
 }  // namespace vantrel::cli

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <memory>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -34,9 +34,15 @@ std::optional<T> contentOf(const Value& value) {
   return content ? std::optional(*content) : std::nullopt;
 }
 
+/// The library that reads calendars takes the blanks at both ends of a text away.
+std::string_view withoutMargins(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+}
+
 /// Whether two values are one to calendars, which round them and know no control characters.
 bool isSameRounded(const Value& stored, const Value& read) {
-  constexpr double kPlacePrecision = 0.51e-6;
   const auto date = contentOf<Date>(stored);
   const auto readDate = contentOf<Date>(read);
   if (date && readDate) {
@@ -45,7 +51,7 @@ bool isSameRounded(const Value& stored, const Value& read) {
   }
   const auto text = contentOf<std::string>(stored);
   const auto readText = contentOf<std::string>(read);
-  if (text && readText) return calendarText(*text) == *readText;
+  if (text && readText) return withoutMargins(calendarText(*text)) == withoutMargins(*readText);
   const auto number = contentOf<double>(stored);
   const auto readNumber = contentOf<double>(read);
   return number && readNumber && std::fabs(*number - *readNumber) <= kPlacePrecision;
@@ -62,22 +68,14 @@ bool isSame(const Value& stored, const Value& read, bool isRounded) {
   return std::holds_alternative<std::monostate>(read) && isUnwritableDate(stored);
 }
 
-/// All that a plan says, as one text: equal for plans that say the same.
+/// All that a plan says: equal for plans that say the same.
+using Contents = std::array<Value, kContentKeys.size()>;
+
 template <typename ValueOf>
-std::string contentText(ValueOf valueOf) {
-  std::string text;
-  for (const char* key : kContentKeys) {
-    const Value value = valueOf(key);
-    text += static_cast<char>('0' + value.index());
-    if (const auto words = contentOf<std::string>(value)) {
-      text += std::to_string(words->size()) + ':' + *words;
-    } else if (const auto date = contentOf<Date>(value)) {
-      text += std::to_string(std::bit_cast<std::uint64_t>(date->timeIntervalSinceReferenceDate()));
-    } else if (const auto number = contentOf<double>(value)) {
-      text += std::to_string(std::bit_cast<std::uint64_t>(*number));
-    }
-  }
-  return text;
+Contents contentsOf(ValueOf valueOf) {
+  Contents contents;
+  std::transform(kContentKeys.begin(), kContentKeys.end(), contents.begin(), valueOf);
+  return contents;
 }
 
 class Merge {
@@ -90,29 +88,40 @@ class Merge {
     for (const auto& plan : *plans) {
       if (const auto identifier = plan->uniqueIdentifier()) known_.emplace(*identifier, plan);
       if (!withContents) continue;
-      contents_.insert(contentText([&](const char* key) { return plan->valueForKey(key); }));
+      contents_.insert(contentsOf([&](const char* key) { return plan->valueForKey(key); }));
     }
     return {};
   }
 
   Expected<MergedPlan> merge(const PlanDraft& draft) {
-    const auto plan = planOf(draft);
+    auto plan = planOf(draft);
     Values values = valuesOf(draft, plan.get());
-    if (!plan) return add(draft, values);
-    MergedPlan merged;
-    for (const auto& [key, value] : values) {
-      if (isSame(plan->valueForKey(key), value, draft.isRounded)) continue;
-      merged.outcome = MergeOutcome::kChanged;
-      if (isDryRun_) continue;
-      if (const auto set = setValue(*plan, key, value); !set) {
-        return tl::make_unexpected(set.error());
-      }
-    }
     const auto valueOf = [&](const char* key) {
       const auto at = values.find(key);
-      return at != values.end() ? at->second : plan->valueForKey(key);
+      if (at != values.end()) return at->second;
+      return plan ? plan->valueForKey(key) : Value();
     };
-    return described(merged.outcome, plan->uniqueIdentifier(), valueOf);
+    MergedPlan merged = {MergeOutcome::kSkipped, draft.identifier,
+                         contentOf<std::string>(valueOf("name")), contentOf<Date>(valueOf("date")),
+                         contentOf<std::string>(valueOf("timezone"))};
+    if (plan) {
+      merged.identifier = plan->uniqueIdentifier();
+      std::erase_if(values, [&](const auto& given) {
+        return isSame(plan->valueForKey(given.first), given.second, draft.isRounded);
+      });
+      if (!values.empty()) merged.outcome = MergeOutcome::kChanged;
+    } else if (draft.identifier || contents_.insert(contentsOf(valueOf)).second) {
+      merged.outcome = MergeOutcome::kAdded;
+      if (draft.identifier) values[kIdentifierKey] = *draft.identifier;
+    }
+    if (isDryRun_ || merged.outcome == MergeOutcome::kSkipped) return merged;
+    if (!plan) plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(kPlanEntity));
+    if (!plan) return tl::make_unexpected(failure(kExitInternal, "plan", "the model has no plans"));
+    for (const auto& [key, value] : values) {
+      if (!plan->setValueForKey(value, key)) return refused(key, "this store has no place for it");
+    }
+    merged.identifier = plan->uniqueIdentifier();
+    return merged;
   }
 
  private:
@@ -143,48 +152,10 @@ class Merge {
     return values;
   }
 
-  static Expected<void> setValue(Planning& plan, const std::string& key, const Value& value) {
-    if (plan.setValueForKey(value, key)) return {};
-    return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
-  }
-
-  Expected<MergedPlan> add(const PlanDraft& draft, const Values& values) {
-    const auto valueOf = [&](const char* key) {
-      const auto at = values.find(key);
-      return at != values.end() ? at->second : Value();
-    };
-    if (!draft.identifier && !contents_.insert(contentText(valueOf)).second) {
-      return described(MergeOutcome::kSkipped, std::nullopt, valueOf);
-    }
-    auto identifier = draft.identifier;
-    if (!isDryRun_) {
-      const auto plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(kPlanEntity));
-      if (!plan) {
-        return tl::make_unexpected(failure(kExitInternal, "plan", "the model has no plans"));
-      }
-      Values all = values;
-      if (identifier) all[kIdentifierKey] = *identifier;
-      for (const auto& [key, value] : all) {
-        if (const auto set = setValue(*plan, key, value); !set) {
-          return tl::make_unexpected(set.error());
-        }
-      }
-      identifier = plan->uniqueIdentifier();
-    }
-    return described(MergeOutcome::kAdded, identifier, valueOf);
-  }
-
-  template <typename ValueOf>
-  static MergedPlan described(MergeOutcome outcome, std::optional<std::string> identifier,
-                              ValueOf valueOf) {
-    return {outcome, std::move(identifier), contentOf<std::string>(valueOf("name")),
-            contentOf<Date>(valueOf("date")), contentOf<std::string>(valueOf("timezone"))};
-  }
-
   ManagedObjectContext* context_;
   bool isDryRun_;
   std::unordered_map<std::string, std::shared_ptr<Planning>> known_;
-  std::unordered_set<std::string> contents_;
+  std::set<Contents> contents_;
 };
 
 }  // namespace

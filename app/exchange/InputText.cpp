@@ -8,7 +8,6 @@
 
 #include "cli/ExchangeOptions.h"
 #include "cli/ExitCode.h"
-#include "cli/TerminalText.h"
 #include "exchange/PlanDraft.h"
 
 namespace vantrel::cli {
@@ -49,9 +48,6 @@ Expected<std::string> inputText(const std::string& name) {
     return refused(kExitBadData, "larger than " + std::to_string(kMostBytesRead >> 20) + " MiB");
   }
   if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
-  if (text.find('\0') != std::string::npos || !isUtf8(text)) {
-    return refused(kExitBadData, "is no UTF-8 text");
-  }
   return text;
 }
 

@@ -22,10 +22,6 @@ constexpr std::size_t kMostValues = kMostPlansRead * 20;
 constexpr std::array kDescriptions = {"uri",     "link", "localDate", "images",
                                       "started", "row",  "title",     "dateText"};
 
-tl::unexpected<Error> refused(const std::string& where, const std::string& why) {
-  return tl::make_unexpected(failure(kExitBadData, where, why));
-}
-
 /// Walks through JSON text and stops where it is none, goes too deep or too far. The library's own
 /// way to look on while it reads takes the square of a list's length.
 class ShapeCheck : public nlohmann::json_sax<json> {

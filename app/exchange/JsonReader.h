@@ -6,7 +6,8 @@
 
 namespace vantrel::cli {
 
-/// Plans from JSON text (UTF-8): an array, or an object with "plans", of objects as `plan list
+/// Plans from JSON text (UTF-8, at most four deep and two million values): an array, or an object
+/// with "plans", of objects as `plan list
 /// --json` writes them. null clears an attribute, a missing key leaves it; what only describes a
 /// plan (uri, link, localDate, images, started) is passed over, any other key refused. A date
 /// without "Z" or offset is wall time of the plan's zone.

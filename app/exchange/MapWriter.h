@@ -10,8 +10,7 @@ namespace vantrel::cli {
 /// Plans for maps.
 
 /// GPX 1.1: a waypoint for each plan, with name, notes, its instant, and its wall time and zone as
-/// comment. Plans without a place are left out; gives
-/// their number.
+/// comment. Plans without a place are left out; gives their number.
 std::size_t writeGpx(const Plans& plans, const TextSink& print);
 
 /// KML 2.2: a placemark for each plan, with identifier and zone as extended data, and a point where

@@ -8,13 +8,9 @@
 
 namespace vantrel::cli {
 
-namespace {
-
 tl::unexpected<Error> refused(const std::string& where, const std::string& why) {
   return tl::make_unexpected(failure(kExitBadData, where, why));
 }
-
-}  // namespace
 
 Expected<void> checkIdentifier(const std::string& where, const std::string& identifier) {
   if (identifier.empty()) return refused(where, "must not be empty");

@@ -17,6 +17,8 @@ namespace vantrel::cli {
 inline constexpr std::size_t kMostBytesRead = std::size_t{64} << 20;
 inline constexpr std::size_t kMostPlansRead = 100000;
 inline constexpr std::size_t kLongestIdentifier = 1024;
+/// Half of the last decimal that calendars have for places, and what rounding itself costs.
+inline constexpr double kPlacePrecision = 0.51e-6;
 
 /// What a file says of one plan.
 struct PlanDraft {
@@ -40,7 +42,10 @@ struct PlanDrafts {
 /// Told now and then how much of all is done.
 using ProgressReport = std::function<void(std::size_t done, std::size_t all)>;
 
-/// The same checks as for what is typed. The error names `where` and ends with kExitBadData.
+/// An error that names the place in the file, and ends with kExitBadData.
+tl::unexpected<Error> refused(const std::string& where, const std::string& why);
+
+/// The same checks as for what is typed; they fail as `refused` does.
 Expected<void> checkIdentifier(const std::string& where, const std::string& identifier);
 Expected<double> checkedDegrees(const std::string& where, double degrees, int limit);
 Expected<void> checkCount(std::size_t count);

@@ -24,6 +24,7 @@ namespace vantrel::cli {
 namespace {
 
 constexpr std::size_t kShortIdentifier = 8;
+constexpr std::size_t kLongestReason = 500;
 
 std::string nameOf(const ExchangeOptions& options) {
   return options.file == ExchangeOptions::kStandardStream ? "standard input" : options.file;
@@ -57,8 +58,10 @@ Expected<PlanDrafts> readDrafts(const ExchangeOptions& options, Console& console
                       });
   const auto checked = drafts.and_then([](const auto& all) { return checkIdentifiers(all.plans); });
   if (checked) return drafts;
+  // What a file calls its zones and keys may be as long as the file.
   return tl::make_unexpected(
-      failure(kExitBadData, nameOf(options), checked.error().localizedDescription));
+      failure(kExitBadData, nameOf(options),
+              checked.error().localizedDescription.substr(0, kLongestReason)));
 }
 
 /// Null where a dry run finds no store; it makes none.
@@ -78,8 +81,8 @@ Expected<std::vector<MergedPlan>> merge(const PlanDrafts& drafts, ManagedObjectC
 
 Json jsonOf(const MergedPlan& plan) {
   const auto date = plan.date ? iso8601String(*plan.date) : std::string();
-  return {{"uniqueIdentifier", plan.identifier ? Json(*plan.identifier) : Json(nullptr)},
-          {"name", plan.name ? Json(*plan.name) : Json(nullptr)},
+  return {{"uniqueIdentifier", orNull(plan.identifier)},
+          {"name", orNull(plan.name)},
           {"date", date.empty() ? Json(nullptr) : Json(date)}};
 }
 

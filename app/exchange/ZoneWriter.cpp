@@ -1,7 +1,7 @@
 #include "exchange/ZoneWriter.h"
 
-#include <chrono>
 #include <cmath>
+#include <ctime>
 #include <map>
 #include <string>
 #include <tuple>
@@ -13,23 +13,9 @@ namespace {
 constexpr double kYear = 366 * 86400.0;
 constexpr int kYearsBehind = 5;
 
-icaltimetype timeOfWallSeconds(double wallSeconds) {
-  using std::chrono::days;
-  using std::chrono::seconds;
-  using std::chrono::sys_days;
-  using std::chrono::year;
-  const seconds whole(static_cast<std::int64_t>(std::floor(wallSeconds)));
-  const auto count = std::chrono::floor<days>(whole);
-  const std::chrono::year_month_day civil(sys_days(year(2001) / 1 / 1) + count);
-  const auto rest = static_cast<int>((whole - count).count());
-  icaltimetype time = icaltime_null_time();
-  time.year = static_cast<int>(civil.year());
-  time.month = static_cast<int>(static_cast<unsigned>(civil.month()));
-  time.day = static_cast<int>(static_cast<unsigned>(civil.day()));
-  time.hour = rest / 3600;
-  time.minute = rest / 60 % 60;
-  time.second = rest % 60;
-  return time;
+icaltimetype timeOfWallSeconds(double wallSeconds, icaltimezone* zone = nullptr) {
+  const double since1970 = std::floor(wallSeconds) + Date::kReferenceDateSince1970;
+  return icaltime_from_timet_with_zone(static_cast<std::time_t>(since1970), 0, zone);
 }
 
 /// A clock's change: from which offset to which, under which name.
@@ -70,10 +56,9 @@ void addChange(icalcomponent* zone, std::map<Change, icalcomponent*>& observance
 }  // namespace
 
 icaltimetype calendarTime(Date date, const TimeZone* zone) {
-  const double offset = zone ? zone->secondsFromGMTForDate(date) : 0;
-  icaltimetype time = timeOfWallSeconds(date.timeIntervalSinceReferenceDate() + offset);
-  if (!zone) time.zone = icaltimezone_get_utc_timezone();
-  return time;
+  const double seconds = date.timeIntervalSinceReferenceDate();
+  if (!zone) return timeOfWallSeconds(seconds, icaltimezone_get_utc_timezone());
+  return timeOfWallSeconds(seconds + zone->secondsFromGMTForDate(date));
 }
 
 icalcomponent* calendarZone(const TimeZone& zone, Date first, Date last) {
