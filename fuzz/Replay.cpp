@@ -17,11 +17,18 @@ using namespace vantrel;
 namespace {
 
 const std::map<std::string, void (*)(fuzz::Bytes)> kTargets = {
-    {"commandLine", fuzz::commandLine},   {"link", fuzz::link},
-    {"modelArchive", fuzz::modelArchive}, {"observerArchive", fuzz::observerArchive},
-    {"propertyList", fuzz::propertyList}, {"settings", fuzz::settings},
-    {"storeContent", fuzz::storeContent}, {"storeFile", fuzz::storeFile},
-    {"stringTable", fuzz::stringTable},   {"webAnswer", fuzz::webAnswer},
+    {"calendar", fuzz::calendar},
+    {"commandLine", fuzz::commandLine},
+    {"link", fuzz::link},
+    {"modelArchive", fuzz::modelArchive},
+    {"observerArchive", fuzz::observerArchive},
+    {"planList", fuzz::planList},
+    {"propertyList", fuzz::propertyList},
+    {"settings", fuzz::settings},
+    {"storeContent", fuzz::storeContent},
+    {"storeFile", fuzz::storeFile},
+    {"stringTable", fuzz::stringTable},
+    {"webAnswer", fuzz::webAnswer},
 };
 
 std::vector<fs::path> filesBelow(const fs::path& folder) {

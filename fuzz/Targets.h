@@ -18,10 +18,12 @@ inline std::string_view textOf(Bytes bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+void calendar(Bytes input);
 void commandLine(Bytes input);
 void link(Bytes input);
 void modelArchive(Bytes input);
 void observerArchive(Bytes input);
+void planList(Bytes input);
 void propertyList(Bytes input);
 void settings(Bytes input);
 void storeContent(Bytes input);

@@ -1,0 +1,48 @@
+#include <cmath>
+#include <string>
+#include <variant>
+
+#include "Targets.h"
+#include "cli/ExitCode.h"
+#include "cli/TerminalText.h"
+#include "exchange/CalendarReader.h"
+#include "exchange/JsonReader.h"
+
+namespace vantrel::fuzz {
+
+namespace {
+
+void checkDrafts(const Expected<cli::PlanDrafts>& drafts) {
+  if (!drafts) {
+    promise(drafts.error().code == cli::kExitBadData, "what makes no sense is bad data");
+    return;
+  }
+  promise(drafts->plans.size() <= cli::kMostPlansRead, "plans are counted");
+  for (const auto& plan : drafts->plans) {
+    const auto identifier = plan.identifier.value_or("plan");
+    promise(!identifier.empty() && identifier.size() <= cli::kLongestIdentifier,
+            "an identifier is bounded");
+    for (const auto& [key, value] : plan.values) {
+      const auto* text = std::get_if<std::string>(&value);
+      promise(!text || (cli::isUtf8(*text) && text->find('\0') == std::string::npos),
+              "what was read is text");
+      const auto* degrees = std::get_if<double>(&value);
+      promise(!degrees || std::fabs(*degrees) <= (key == "latitude" ? 90 : 180),
+              "a place is on the globe");
+      const auto* date = std::get_if<Date>(&value);
+      promise(!date || std::isfinite(date->timeIntervalSinceReferenceDate()), "a date is a number");
+    }
+  }
+}
+
+}  // namespace
+
+void calendar(Bytes input) {
+  checkDrafts(cli::draftsFromCalendar(textOf(input), [](std::size_t, std::size_t) {}));
+}
+
+void planList(Bytes input) {
+  checkDrafts(cli::draftsFromJson(textOf(input)));
+}
+
+}  // namespace vantrel::fuzz
