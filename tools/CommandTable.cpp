@@ -23,14 +23,13 @@ Offer offerFor(const std::string& value) {
   if (value == "PLAN") return Offer::kPlan;
   if (value == "ZONE") return Offer::kZone;
   if (value.starts_with("FILE") || value == "OLD" || value == "NEW") return Offer::kFile;
-  return value == "FOLDER" ? Offer::kFolder : Offer::kNothing;
+  return Offer::kNothing;
 }
 
 TableOption tableOption(const CLI::Option& option) {
   TableOption result;
   result.description = option.get_description();
   result.isRequired = option.get_required();
-  result.isRepeated = option.get_items_expected_max() > 1;
   std::string value = option.get_option_text();
   if (value.empty() && option.get_items_expected_max() > 0) value = option.get_type_name();
   if (value.starts_with('[') && value.ends_with(']')) {

@@ -10,7 +10,7 @@ class App;
 namespace vantrel::tools {
 
 /// What a shell offers where a value is to be typed.
-enum class Offer { kNothing, kWords, kFile, kFolder, kPlan, kZone };
+enum class Offer { kNothing, kWords, kFile, kPlan, kZone };
 
 /// An option, or an argument without a name.
 struct TableOption {
@@ -18,7 +18,6 @@ struct TableOption {
   std::string value;               ///< "DEGREES"; empty for a flag.
   bool isValueOptional = false;
   bool isRequired = false;
-  bool isRepeated = false;
   std::string description;
   Offer offer = Offer::kNothing;
   std::vector<std::string> words;  ///< For Offer::kWords.

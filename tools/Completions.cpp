@@ -61,22 +61,25 @@ std::vector<std::string> pathsBelowProgram(const CommandTable& table) {
 constexpr const char* kZoneNames = "awk '/^[A-Z]/ { print $3 }' /usr/share/zoneinfo/zone.tab";
 constexpr const char* kPlanIdentifiers = "vantrel plan list --plain 2>/dev/null | cut -f 1";
 
-std::string bashOffer(const TableOption& option) {
-  switch (option.offer) {
-    case Offer::kWords:
-      return quoted(joined(option.words, " "));
-    case Offer::kFile:
-      return ":file";
-    case Offer::kFolder:
-      return ":folder";
-    case Offer::kPlan:
-      return ":plan";
-    case Offer::kZone:
-      return ":zone";
-    case Offer::kNothing:
-      break;
+/// How a shell writes each of the offers that are no words.
+struct Offers {
+  std::string nothing;
+  std::string file;
+  std::string plan;
+  std::string zone;
+
+  const std::string& of(Offer offer) const {
+    return offer == Offer::kFile   ? file
+           : offer == Offer::kPlan ? plan
+           : offer == Offer::kZone ? zone
+                                   : nothing;
   }
-  return ":nothing";
+};
+
+std::string bashOffer(const TableOption& option) {
+  static const Offers kOffers = {":nothing", ":file", ":plan", ":zone"};
+  return option.offer == Offer::kWords ? quoted(joined(option.words, " "))
+                                       : kOffers.of(option.offer);
 }
 
 /// What the options of one command want behind them, as a part of a `case`.
@@ -122,7 +125,6 @@ constexpr const char* kBashEnd = R"sh(  if [[ -z $offer && $cur == -* ]]; then
   case $offer in
     :nothing) ;;
     :file) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
-    :folder) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$cur") ;;
     :plan) mapfile -t COMPREPLY < <(compgen -W "$(PLANS)" -- "$cur") ;;
     :zone) mapfile -t COMPREPLY < <(compgen -W "$(ZONES)" -- "$cur") ;;
     *) mapfile -t COMPREPLY < <(compgen -W "$offer" -- "$cur") ;;
@@ -137,21 +139,9 @@ std::string replaced(std::string text, const std::string& word, const std::strin
 
 /// What zsh calls for a value: "(auto always)", "_files".
 std::string zshAction(const TableOption& option) {
-  switch (option.offer) {
-    case Offer::kWords:
-      return "(" + joined(option.words, " ") + ")";
-    case Offer::kFile:
-      return "_files";
-    case Offer::kFolder:
-      return "_files -/";
-    case Offer::kPlan:
-      return "_vantrel_plans";
-    case Offer::kZone:
-      return "_time_zone";
-    case Offer::kNothing:
-      break;
-  }
-  return " ";
+  static const Offers kOffers = {" ", "_files", "_vantrel_plans", "_time_zone"};
+  return option.offer == Offer::kWords ? "(" + joined(option.words, " ") + ")"
+                                       : kOffers.of(option.offer);
 }
 
 /// Within a specification, brackets and colons would end a part of it.
@@ -185,10 +175,9 @@ Lines zshOptions(const TableCommand& command) {
 Lines zshArguments(const TableCommand& command) {
   Lines lines;
   for (const auto& argument : command.arguments) {
-    const std::string many = argument.isRepeated ? "*" : "";
-    const std::string optional = argument.isRequired || argument.isRepeated ? ":" : "::";
+    const std::string optional = argument.isRequired ? ":" : "::";
     lines += " \\\n    " +
-             quoted(many + optional + zshText(argument.names.front()) + ":" + zshAction(argument));
+             quoted(optional + zshText(argument.names.front()) + ":" + zshAction(argument));
   }
   return lines;
 }
@@ -240,21 +229,11 @@ std::string fishQuoted(const std::string& text) {
 }
 
 std::string fishOffer(const TableOption& option) {
-  switch (option.offer) {
-    case Offer::kWords:
-      return " -a " + fishQuoted(joined(option.words, " "));
-    case Offer::kFile:
-      return " -F";
-    case Offer::kFolder:
-      return " -a '(__fish_complete_directories)'";
-    case Offer::kPlan:
-      return " -a '(vantrel plan list --plain 2>/dev/null | cut -f 1,7)'";
-    case Offer::kZone:
-      return " -a " + fishQuoted("(" + std::string(kZoneNames) + ")");
-    case Offer::kNothing:
-      break;
-  }
-  return "";
+  static const Offers kOffers = {"", " -F",
+                                 " -a '(vantrel plan list --plain 2>/dev/null | cut -f 1,7)'",
+                                 " -a " + fishQuoted("(" + std::string(kZoneNames) + ")")};
+  return option.offer == Offer::kWords ? " -a " + fishQuoted(joined(option.words, " "))
+                                       : kOffers.of(option.offer);
 }
 
 Lines fishCommand(const CommandTable& table, const TableCommand& command) {

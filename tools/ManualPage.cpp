@@ -64,7 +64,6 @@ std::string section(const TableCommand& command) {
   for (const auto& argument : command.arguments) {
     const std::string name = "\\fI" + escaped(argument.names.front()) + "\\fR";
     text += argument.isRequired ? " " + name : " \\fR[" + name + "]";
-    if (argument.isRepeated) text += "...";
   }
   return text + "\n" + escaped(command.description) + ".\n" + entries(command);
 }

@@ -68,10 +68,8 @@ void addEverywhere(CLI::App& root, Session& session) {
       "-q,--quiet", [&] { session.console.setQuiet(true); }, "No hints on standard error");
   const auto setColor = [&](const CLI::results_t& values) {
     const std::string& mode = values.front();
-    if (mode == "always") {
-      session.console.setColorMode(Console::ColorMode::kAlways);
-    } else if (mode == "never") {
-      session.console.setColorMode(Console::ColorMode::kNever);
+    if (mode == "always" || mode == "never") {
+      session.console.setColor(mode == "always");
     } else if (mode != "auto") {
       throw CLI::ValidationError("--color \"" + mode + "\": allowed are auto, always, never");
     }
@@ -80,8 +78,7 @@ void addEverywhere(CLI::App& root, Session& session) {
   root.add_option("--color", setColor, "Colour; auto is on a terminal that shows it")
       ->type_name("auto|always|never");
   root.add_flag_callback(
-      "--no-color", [&] { session.console.setColorMode(Console::ColorMode::kNever); },
-      "The same as --color never");
+      "--no-color", [&] { session.console.setColor(false); }, "The same as --color never");
 }
 
 }  // namespace

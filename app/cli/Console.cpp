@@ -30,16 +30,12 @@ bool isSet(const char* variable) {
   return value && *value;
 }
 
-bool terminalShowsColor(int file) {
-  const char* terminal = std::getenv("TERM");
-  return ::isatty(file) && !isSet("NO_COLOR") && terminal && std::strcmp(terminal, "dumb") != 0;
-}
-
 }  // namespace
 
-void Console::setColorMode(ColorMode mode) {
-  color_ =
-      mode == ColorMode::kAlways || (mode == ColorMode::kAuto && terminalShowsColor(STDOUT_FILENO));
+bool Console::terminalShowsColor() {
+  const char* terminal = std::getenv("TERM");
+  return ::isatty(STDOUT_FILENO) && !isSet("NO_COLOR") && terminal &&
+         std::strcmp(terminal, "dumb") != 0;
 }
 
 void Console::print(std::string_view text) {

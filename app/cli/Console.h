@@ -11,14 +11,13 @@ namespace vantrel::cli {
 /// switches that every command knows.
 class Console {
  public:
-  enum class ColorMode { kAuto, kAlways, kNever };
-
   bool isJson() const { return json_; }
   void setJson(bool json) { json_ = json; }
   bool isQuiet() const { return quiet_; }
   void setQuiet(bool quiet) { quiet_ = quiet; }
-  /// `kAuto` is colour on a terminal that can show it, unless $NO_COLOR is set.
-  void setColorMode(ColorMode mode);
+  void setColor(bool color) { color_ = color; }
+  /// Whether standard output is a terminal that can show colour, and $NO_COLOR is not set.
+  static bool terminalShowsColor();
 
   /// Adds to standard output, as it is; written in large pieces.
   void print(std::string_view text);

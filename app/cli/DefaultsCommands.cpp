@@ -175,39 +175,35 @@ int migrate(Console& console) {
   return changeSettings(console, copy);
 }
 
-/// A command on one key.
-void addKeyCommand(CLI::App& group, Session& session, const char* name, const char* description,
-                   int (*run)(const Request&, Console&)) {
-  const auto [command, request] = addCommand(group, session, name, description, run);
-  const bool writes = run == &writeKey;
-  if (run != &listKeys) {
-    addValueOption(command, "KEY", request.key, &keyFromArgument, "", "The setting");
-  }
-  if (writes) {
-    addTextOption(command, "VALUE", request.value, "",
-                  "The new value (data in base64); - reads it from standard input (data as it is)");
-  }
-  if (writes || run == &readKey) {
-    addValueOption(
-        command, "--type", request.type, &typeFromArgument,
-        "bool|int|float|double|string|date|data",
-        writes ? "What the value is; string when left out" : "Convert the value to this");
-  }
-  const auto standard = [&suite = request.suite] { suite = Suite::kStandard; };
-  command.add_flag_callback("--standard", standard, "This program's own settings, not the group's");
+void addType(const Command<Request>& command, const char* description) {
+  addValueOption(command.parser, "--type", command.given.type, &typeFromArgument,
+                 "bool|int|float|double|string|date|data", description);
 }
 
 }  // namespace
 
 void fillDefaultsCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  addKeyCommand(parser, session, "read", "Print one value; dates in ISO 8601, data in base64",
-                &readKey);
-  addKeyCommand(parser, session, "write", "Set one value", &writeKey);
-  addKeyCommand(parser, session, "delete", "Remove one value", &deleteKey);
-  addKeyCommand(parser, session, "list", "Print all keys, types and values", &listKeys);
+  const auto read = addCommand(parser, session, "read",
+                               "Print one value; dates in ISO 8601, data in base64", &readKey);
+  const auto write = addCommand(parser, session, "write", "Set one value", &writeKey);
+  const auto remove = addCommand(parser, session, "delete", "Remove one value", &deleteKey);
+  const auto list =
+      addCommand(parser, session, "list", "Print all keys, types and values", &listKeys);
   addCommand(parser, session, "migrate", "Copy this program's own settings into the group's, once",
              &migrate);
+  for (const auto& command : {read, write, remove}) {
+    addValueOption(command.parser, "KEY", command.given.key, &keyFromArgument, "", "The setting");
+  }
+  addTextOption(write.parser, "VALUE", write.given.value, "",
+                "The new value (data in base64); - reads it from standard input (data as it is)");
+  addType(read, "Convert the value to this");
+  addType(write, "What the value is; string when left out");
+  for (const auto& command : {read, write, remove, list}) {
+    const auto standard = [&suite = command.given.suite] { suite = Suite::kStandard; };
+    command.parser.add_flag_callback("--standard", standard,
+                                     "This program's own settings, not the group's");
+  }
 }
 
 }  // namespace vantrel::cli

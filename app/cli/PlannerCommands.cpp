@@ -28,29 +28,28 @@ Expected<Date> dateFromArgument(const std::string& option, const std::string& te
   });
 }
 
+/// What the settings hold for a key, read so; nothing when they lack it.
+template <typename T>
+std::optional<T> held(const UserDefaults& defaults, std::string_view key,
+                      T (UserDefaults::*read)(std::string_view) const) {
+  return defaults.objectForKey(key) ? std::optional((defaults.*read)(key)) : std::nullopt;
+}
+
 /// What the settings tell of the planner; nothing for what they lack.
 struct Planner {
   explicit Planner(const UserDefaults& defaults)
-      : mapLatitude(real(defaults, kUserDefaultsPlannerMapLat)),
-        mapLongitude(real(defaults, kUserDefaultsPlannerMapLng)),
-        pinLatitude(real(defaults, kUserDefaultsPlannerPinCoordLat)),
-        pinLongitude(real(defaults, kUserDefaultsPlannerPinCoordLng)),
+      : mapLatitude(held(defaults, kUserDefaultsPlannerMapLat, &UserDefaults::doubleForKey)),
+        mapLongitude(held(defaults, kUserDefaultsPlannerMapLng, &UserDefaults::doubleForKey)),
+        pinLatitude(held(defaults, kUserDefaultsPlannerPinCoordLat, &UserDefaults::doubleForKey)),
+        pinLongitude(held(defaults, kUserDefaultsPlannerPinCoordLng, &UserDefaults::doubleForKey)),
         date(defaults.objectForKey(kUserDefaultsPlannerDate).asDate()),
-        timezone(defaults.stringForKey(kUserDefaultsPlannerTimeZone)) {
-    if (defaults.objectForKey(kUserDefaultsPlannerInfoWindowPage)) {
-      panel = defaults.integerForKey(kUserDefaultsPlannerInfoWindowPage);
+        timezone(defaults.stringForKey(kUserDefaultsPlannerTimeZone)),
+        panel(held(defaults, kUserDefaultsPlannerInfoWindowPage, &UserDefaults::integerForKey)),
+        obstacle(held(defaults, kUserDefaultsPlannerObstacleToggle, &UserDefaults::boolForKey)) {
+    if (const auto state =
+            held(defaults, kUserDefaultsPlannerMilkyWayLayerState, &UserDefaults::integerForKey)) {
+      milkyWay = *state != 0;
     }
-    if (defaults.objectForKey(kUserDefaultsPlannerMilkyWayLayerState)) {
-      milkyWay = defaults.integerForKey(kUserDefaultsPlannerMilkyWayLayerState) != 0;
-    }
-    if (defaults.objectForKey(kUserDefaultsPlannerObstacleToggle)) {
-      obstacle = defaults.boolForKey(kUserDefaultsPlannerObstacleToggle);
-    }
-  }
-
-  static std::optional<double> real(const UserDefaults& defaults, std::string_view key) {
-    if (!defaults.objectForKey(key)) return std::nullopt;
-    return defaults.doubleForKey(key);
   }
 
   /// The one that is named, else the device's.
@@ -65,8 +64,8 @@ struct Planner {
   std::optional<Date> date;
   std::optional<std::string> timezone;
   std::optional<std::int64_t> panel;
-  std::optional<bool> milkyWay;
   std::optional<bool> obstacle;
+  std::optional<bool> milkyWay;
 };
 
 std::string jsonOfPlanner(const Planner& planner, const StoredObserver& observer) {

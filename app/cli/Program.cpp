@@ -157,7 +157,7 @@ int failUsage(const CLI::ParseError& error, const CLI::App& root, Session& sessi
 
 int runProgram(const std::vector<std::string>& arguments) {
   Session session;
-  session.console.setColorMode(Console::ColorMode::kAuto);
+  session.console.setColor(Console::terminalShowsColor());
   CLI::App root;
   const auto commands = bareWords(arguments);
   const CommandGroup* group = groupAskedFor(commands);

@@ -104,9 +104,7 @@ Expected<StoreInfo> storeInfo(const fs::path& path) {
   if (!opened) return info;
   ManagedObjectContext context(coordinator);
   const auto count = [&](const char* entityName) -> std::optional<std::size_t> {
-    FetchRequest request;
-    request.entityName = entityName;
-    const auto found = context.countForFetchRequest(request);
+    const auto found = context.countForFetchRequest({.entityName = entityName});
     return found ? std::optional(*found) : std::nullopt;
   };
   info.plans = count("Planning");
