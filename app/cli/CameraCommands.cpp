@@ -6,10 +6,10 @@
 #include "cli/Arguments.h"
 #include "cli/CameraLookup.h"
 #include "cli/CameraText.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/SensorFormats.h"
 #include "cli/StoreAccess.h"
-#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 

@@ -6,7 +6,7 @@
 #include <array>
 #include <memory>
 
-#include "cli/ValueOption.h"
+#include "cli/Command.h"
 
 namespace vantrel::cli {
 

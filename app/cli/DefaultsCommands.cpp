@@ -6,11 +6,11 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/PropertyListText.h"
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalText.h"
-#include "cli/ValueOption.h"
 #include "defaults/VantrelUserDefaults.h"
 
 namespace vantrel::cli {

@@ -1,7 +1,7 @@
 #include "cli/ExchangeOptions.h"
 
+#include "cli/Command.h"
 #include "cli/CommandGroup.h"
-#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 

@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/CurveBatch.h"
 #include "cli/CurveText.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/PinPair.h"
 #include "cli/TerminalText.h"
-#include "cli/ValueOption.h"
 #include "geo/GeodeticCalculator.h"
 
 namespace vantrel::cli {

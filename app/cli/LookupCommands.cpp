@@ -1,12 +1,12 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/ObserverText.h"
 #include "cli/PlaceService.h"
 #include "cli/SettingsAccess.h"
-#include "cli/ValueOption.h"
 #include "geo/PinLocation.h"
 
 namespace vantrel::cli {

@@ -1,10 +1,10 @@
 #include <nlohmann/json.hpp>
 
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/ObserverText.h"
 #include "cli/PinOptions.h"
 #include "cli/SettingsAccess.h"
-#include "cli/ValueOption.h"
 #include "defaults/PlannerKeys.h"
 
 namespace vantrel::cli {

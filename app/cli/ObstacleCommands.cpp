@@ -2,12 +2,12 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/ObserverText.h"
 #include "cli/PinOptions.h"
 #include "cli/PlanText.h"
 #include "cli/SettingsAccess.h"
-#include "cli/ValueOption.h"
 #include "defaults/PlannerKeys.h"
 #include "geo/Obstacle.h"
 

@@ -1,9 +1,9 @@
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/PlanJson.h"
 #include "cli/PlanLink.h"
 #include "cli/PlanText.h"
 #include "cli/StoreAccess.h"
-#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 

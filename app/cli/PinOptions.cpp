@@ -2,9 +2,9 @@
 
 #include <limits>
 
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/PlaceService.h"
-#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/CommandGroup.h"
 #include "cli/ExitCode.h"
 #include "cli/PlaceService.h"
@@ -14,7 +15,6 @@
 #include "cli/PlanTemplate.h"
 #include "cli/PlanText.h"
 #include "cli/StoreAccess.h"
-#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 

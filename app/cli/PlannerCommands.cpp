@@ -2,13 +2,13 @@
 
 #include "base/Iso8601.h"
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/ObserverText.h"
 #include "cli/PlanText.h"
 #include "cli/PropertyListText.h"
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalText.h"
-#include "cli/ValueOption.h"
 #include "defaults/PlannerKeys.h"
 #include "widget/TodayUtils.h"
 

@@ -3,13 +3,13 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/PlanSelection.h"
 #include "cli/SamplePlans.h"
 #include "cli/StoreAccess.h"
 #include "cli/TerminalText.h"
-#include "cli/ValueOption.h"
 #include "objectstore/SqliteStore.h"
 #include "objectstore/StoreError.h"
 #include "platform/Clock.h"

@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/StoreAccess.h"
-#include "cli/ValueOption.h"
 #include "platform/SerialMainQueue.h"
 #include "store/Database.h"
 

@@ -1,7 +1,7 @@
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/PlanJson.h"
 #include "cli/TodayText.h"
-#include "cli/ValueOption.h"
 
 namespace vantrel::cli {
 

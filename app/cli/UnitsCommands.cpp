@@ -1,11 +1,11 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalText.h"
-#include "cli/ValueOption.h"
 #include "units/DistanceUnitsManager.h"
 #include "units/NSNumberWithDistanceUnit.h"
 

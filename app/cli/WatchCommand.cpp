@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "cli/ChangeWaiter.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonText.h"
 #include "cli/NextMidnight.h"
 #include "cli/PlanJson.h"
 #include "cli/StoreAccess.h"
 #include "cli/TodayText.h"
-#include "cli/ValueOption.h"
 #include "platform/Clock.h"
 #include "store/Database.h"
 
