@@ -154,10 +154,9 @@ class Completions(unittest.TestCase):
         self.assert_offered({l: answers[" ".join(l)] for l in self.lines()})
 
     def test_of_plans(self):
-        with_plan = {**os.environ, "PATH": f"{BUILD}:{os.environ['PATH']}"}
-        folder = output("mktemp", "-d").strip()
-        self.addCleanup(lambda: subprocess.run(["rm", "-r", folder], check=True))
-        with_plan["VANTREL_GROUP_CONTAINER"] = folder + "/group"
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        with_plan = {**os.environ, "PATH": f"{BUILD}:{os.environ['PATH']}",
+                     "VANTREL_GROUP_CONTAINER": folder + "/group"}
         plan = output("vantrel", "plan", "add", "--name", "A: b", env=with_plan).strip()
         bash = (f"source {SHARE}/bash-completion/completions/vantrel; "
                 "COMP_WORDS=(vantrel plan show ''); COMP_CWORD=3; _vantrel; echo $COMPREPLY")
