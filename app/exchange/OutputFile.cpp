@@ -71,11 +71,11 @@ void OutputFile::flush() {
   pending_.clear();
 }
 
-Expected<void> OutputFile::finish() {
+Expected<void> OutputFile::finish(bool lasting) {
   flush();
   if (error_ != 0) return failed(error_);
   if (beside_.empty()) return {};
-  if (::fsync(file_) != 0) return failed(errno);
+  if (lasting && ::fsync(file_) != 0) return failed(errno);
   const std::string nameless = "/proc/self/fd/" + std::to_string(file_);
   if (isNameless_ &&
       ::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, beside_.c_str(), AT_SYMLINK_FOLLOW) != 0) {

@@ -22,8 +22,9 @@ class OutputFile {
   Expected<void> open();
   /// The first failure ends the writing; `finish` tells it.
   void write(std::string_view text);
-  /// Makes the file lasting and puts it in its place.
-  Expected<void> finish();
+  /// Puts the file in its place, and makes it lasting before; who can make it again need not wait
+  /// for the disk.
+  Expected<void> finish(bool lasting = true);
 
  private:
   tl::unexpected<Error> failed(int error) const;

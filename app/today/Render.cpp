@@ -1,21 +1,19 @@
 #include "today/Render.h"
 
-#include <unistd.h>
-
 #include <QBuffer>
 #include <QByteArray>
-#include <QFile>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
+#include <cstring>
 #include <memory>
 
 #include "base/Log.h"
 #include "cli/ExitCode.h"
+#include "exchange/OutputFile.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "today/CardPainter.h"
 #include "today/PlanOpening.h"
@@ -75,48 +73,27 @@ QImage paint(const Options& options, const Planning* plan, const QtTextMeasurer&
   return image;
 }
 
-int writeInto(QFile& file, const QByteArray& picture, const std::string& name) {
-  if (file.write(picture) == picture.size() && file.flush()) return cli::kExitDone;
-  return fail(cli::kExitInputOutput, name + ": " + file.errorString().toStdString());
-}
-
-/// Puts the file in its place whole, or not at all. Not forced to the disk: a picture can be drawn
-/// again, and waiting for the disk takes longer than drawing.
-int replaceFile(const QByteArray& picture, const std::string& name) {
-  std::error_code error;
-  const auto canonical = std::filesystem::weakly_canonical(name, error);
-  const std::filesystem::path target = error ? std::filesystem::path(name) : canonical;
-  const std::string part = target.string() + ".part" + std::to_string(::getpid());
-  QFile file(QString::fromStdString(part));
-  if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-    return fail(cli::kExitCannotCreate, name + ": " + file.errorString().toStdString());
-  }
-  int result = writeInto(file, picture, name);
-  file.close();
-  if (result == cli::kExitDone) {
-    std::filesystem::rename(part, target, error);
-    if (error) result = fail(cli::kExitInputOutput, name + ": " + error.message());
-  }
-  if (result != cli::kExitDone) file.remove();
-  return result;
-}
-
 int write(const QImage& image, const std::string& name) {
   QByteArray picture;
   QBuffer buffer(&picture);
   if (!image.save(&buffer, "PNG")) {
     return fail(cli::kExitInternal, "the picture cannot be encoded");
   }
-  const QFileInfo existing(QString::fromStdString(name));
-  QFile file(existing.filePath());
+  const std::string_view bytes(picture.constData(), static_cast<std::size_t>(picture.size()));
   if (name == "-") {
-    file.open(stdout, QIODevice::WriteOnly);
-    return writeInto(file, picture, "standard output");
+    const bool isWritten =
+        std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && !std::fflush(stdout);
+    return isWritten ? cli::kExitDone
+                     : fail(cli::kExitInputOutput,
+                            std::string("standard output: ") + std::strerror(errno));
   }
-  // A device or a pipe is written to; to put a file in its place would be a bad surprise.
-  if (!existing.exists() || existing.isFile()) return replaceFile(picture, name);
-  if (file.open(QIODevice::WriteOnly)) return writeInto(file, picture, name);
-  return fail(cli::kExitCannotCreate, name + ": " + file.errorString().toStdString());
+  cli::OutputFile file(name);
+  const auto written = file.open().and_then([&] {
+    file.write(bytes);
+    // Waiting for the disk takes longer than drawing the picture again.
+    return file.finish(false);
+  });
+  return written ? cli::kExitDone : fail(written.error());
 }
 
 }  // namespace
