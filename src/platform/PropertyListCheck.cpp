@@ -1,5 +1,7 @@
 #include "platform/PropertyListCheck.h"
 
+#include <unicode/utf8.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -92,32 +94,37 @@ std::optional<BinaryCheck::Object> BinaryCheck::objectAt(std::size_t index) cons
 }
 
 /// Texts of single bytes are ASCII; the library would take anything for UTF-8, and could not read
-/// again what it writes then.
+/// again what it writes then. Nor could it with a zero, or half a pair, in a text of UTF-16.
 bool BinaryCheck::isText(const Object& object) const {
-  if (object.type != kText) return object.type == kWideText;
+  if (object.type == kWideText) {
+    bool isInPair = false;
+    for (std::size_t i = 0; i < object.payload; i += 2) {
+      const auto unit = number(object.at + i, 2);
+      const bool isSecond = unit >= 0xdc00 && unit < 0xe000;
+      if (unit == 0 || isSecond != isInPair) return false;
+      isInPair = unit >= 0xd800 && unit < 0xdc00;
+    }
+    return !isInPair;
+  }
   std::byte seen{0};
   for (const std::byte one : data_.subspan(object.at, object.payload)) seen |= one;
-  return seen < std::byte{0x80};
+  return object.type == kText && seen < std::byte{0x80};
 }
 
 /// The library ends the process over a key with a zero character inside.
 bool BinaryCheck::canBeKey(std::size_t index) const {
   const auto key = index < trailer_.objectCount ? objectAt(index) : std::nullopt;
   if (!key || !isText(*key)) return false;
-  if (key->type == kText) {
-    const auto bytes = data_.subspan(key->at, key->payload);
-    return std::find(bytes.begin(), bytes.end(), std::byte{0}) == bytes.end();
-  }
-  for (std::size_t i = 0; i < key->payload; i += 2) {
-    if (number(key->at + i, 2) == 0) return false;
-  }
-  return true;
+  const auto bytes = data_.subspan(key->at, key->payload);
+  return key->type == kWideText ||
+         std::find(bytes.begin(), bytes.end(), std::byte{0}) == bytes.end();
 }
 
 bool BinaryCheck::open(std::size_t index) {
   const auto object = objectAt(index);
   if (!object || path_.size() >= PropertyList::kMaxDepth) return false;
-  if (object->type == kText && !isText(*object)) return false;
+  const bool isMeantAsText = object->type == kText || object->type == kWideText;
+  if (isMeantAsText && !isText(*object)) return false;
   known_[index].state = State::kOpen;
   path_.push_back({index, *object, 0, kNodeCost + object->payload, 1});
   return true;
@@ -159,6 +166,19 @@ bool BinaryCheck::isBounded() {
   return true;
 }
 
+bool isUtf8(std::string_view text) {
+  const auto size = static_cast<std::int32_t>(text.size());
+  for (std::int32_t at = 0; at < size;) {
+    UChar32 value = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"  // in the macro
+    U8_NEXT(text.data(), at, size, value);
+#pragma GCC diagnostic pop
+    if (value < 0) return false;
+  }
+  return true;
+}
+
 bool startsWith(std::string_view text, std::size_t at, std::string_view prefix) {
   return text.compare(at, prefix.size(), prefix) == 0;
 }
@@ -172,6 +192,7 @@ bool binaryPropertyListIsBounded(std::span<const std::byte> data) {
 bool xmlPropertyListIsBounded(std::span<const std::byte> data) {
   const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
   constexpr auto kEnd = std::string_view::npos;
+  if (!isUtf8(text)) return false;
   std::size_t elements = 0;
   int depth = 0;
   for (auto at = text.find('<'); at != kEnd; at = text.find('<', at)) {
