@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "cli/ExitCode.h"
-#include "cli/TerminalText.h"
 #include "platform/Clock.h"
+#include "platform/Utf8.h"
 
 namespace vantrel::cli {
 

@@ -131,11 +131,4 @@ std::string paddedToCells(std::string text, std::size_t cells) {
   return text;
 }
 
-bool isUtf8(std::string_view text) {
-  for (CodePoints at(text); at.next();) {
-    if (at.value() < 0) return false;
-  }
-  return true;
-}
-
 }  // namespace vantrel::cli

@@ -29,6 +29,4 @@ std::size_t cellWidth(std::string_view text);
 /// The text with spaces behind it up to `cells`; unchanged when it is as wide already.
 std::string paddedToCells(std::string text, std::size_t cells);
 
-bool isUtf8(std::string_view text);
-
 }  // namespace vantrel::cli

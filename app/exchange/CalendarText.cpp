@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "cli/TerminalText.h"
+#include "platform/Utf8.h"
 
 namespace vantrel::cli {
 

@@ -1,7 +1,5 @@
 #include "platform/PropertyListCheck.h"
 
-#include <unicode/utf8.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -12,6 +10,7 @@
 
 #include "platform/BinaryTrailer.h"
 #include "platform/PropertyList.h"
+#include "platform/Utf8.h"
 
 namespace vantrel {
 
@@ -162,19 +161,6 @@ bool BinaryCheck::isBounded() {
     visit.depth = std::max<std::size_t>(visit.depth, known_[child].depth + std::size_t{1});
     if (visit.cost > PropertyList::kMaxMemory) return false;
     if (path_.size() - 1 + visit.depth > PropertyList::kMaxDepth) return false;
-  }
-  return true;
-}
-
-bool isUtf8(std::string_view text) {
-  const auto size = static_cast<std::int32_t>(text.size());
-  for (std::int32_t at = 0; at < size;) {
-    UChar32 value = 0;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"  // in the macro
-    U8_NEXT(text.data(), at, size, value);
-#pragma GCC diagnostic pop
-    if (value < 0) return false;
   }
   return true;
 }
