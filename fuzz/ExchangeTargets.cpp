@@ -4,9 +4,9 @@
 
 #include "Targets.h"
 #include "cli/ExitCode.h"
-#include "cli/TerminalText.h"
 #include "exchange/CalendarReader.h"
 #include "exchange/JsonReader.h"
+#include "platform/Utf8.h"
 
 namespace vantrel::fuzz {
 
@@ -24,7 +24,7 @@ void checkDrafts(const Expected<cli::PlanDrafts>& drafts) {
             "an identifier is bounded");
     for (const auto& [key, value] : plan.values) {
       const auto* text = std::get_if<std::string>(&value);
-      promise(!text || (cli::isUtf8(*text) && text->find('\0') == std::string::npos),
+      promise(!text || (isUtf8(*text) && text->find('\0') == std::string::npos),
               "what was read is text");
       const auto* degrees = std::get_if<double>(&value);
       promise(!degrees || std::fabs(*degrees) <= (key == "latitude" ? 90 : 180),
