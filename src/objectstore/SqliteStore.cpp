@@ -214,10 +214,6 @@ bool SqliteStore::serves(const StoreOptions& options) {
   return true;
 }
 
-bool SqliteStore::isReadOnly() const {
-  return connection_->isReadOnly();
-}
-
 Expected<void> SqliteStore::fetch(const FetchRequest& request, std::size_t limit,
                                   const RowReceiver& receive) {
   return guarded([&] {

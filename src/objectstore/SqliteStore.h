@@ -51,7 +51,6 @@ class SqliteStore {
   const std::filesystem::path& url() const { return url_; }
   /// As it was when the store was opened (or migrated by that).
   const StoreMetadata& metadata() const { return metadata_; }
-  bool isReadOnly() const;
   /// Whether another program's model made the store.
   bool isForeign() const { return isForeign_; }
 

@@ -10,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <fstream>
+#include <utility>
 
 #include "base/PercentEncoding.h"
 #include "objectstore/StoreError.h"
@@ -202,13 +203,13 @@ sqlite3_stmt* StoreConnection::reader(const std::string& sql) {
 }
 
 const std::vector<std::string>& StoreConnection::columnsOfTable(const std::string& table) {
-  const auto [entry, isNew] = columns_.try_emplace(table);
-  if (isNew) {
-    SQLite::Statement query(*database_, "SELECT name FROM pragma_table_info(?)");
-    query.bind(1, table);
-    while (query.executeStep()) entry->second.push_back(query.getColumn(0).getString());
-  }
-  return entry->second;
+  const auto known = columns_.find(table);
+  if (known != columns_.end()) return known->second;
+  std::vector<std::string> columns;
+  SQLite::Statement query(*database_, "SELECT name FROM pragma_table_info(?)");
+  query.bind(1, table);
+  while (query.executeStep()) columns.push_back(query.getColumn(0).getString());
+  return columns_.emplace(table, std::move(columns)).first->second;
 }
 
 bool StoreConnection::tableExists(const std::string& name) {

@@ -77,9 +77,9 @@ bool StoredEntities::isKindOf(const EntityDescription& entity,
 }
 
 const StoredEntity& StoredEntities::stored(const EntityDescription& entity) {
-  const auto [entry, isNew] = stored_.try_emplace(&entity);
-  StoredEntity& stored = entry->second;
-  if (!isNew) return stored;
+  const auto known = stored_.find(&entity);
+  if (known != stored_.end()) return known->second;
+  StoredEntity stored;
   stored.entity = &entity;
   stored.index = static_cast<std::size_t>(&entity - model_.entities().data());
   const StoreLayout::Place& place = layout_.place(stored.index);
@@ -95,7 +95,7 @@ const StoredEntity& StoredEntities::stored(const EntityDescription& entity) {
                  ifPresent);
   std::transform(place.entityColumns.begin(), place.entityColumns.end(),
                  std::back_inserter(stored.entityColumns), ifPresent);
-  return stored;
+  return stored_.emplace(&entity, std::move(stored)).first->second;
 }
 
 std::optional<std::int64_t> StoredEntities::numberOfNamelessRows(const EntityDescription& entity) {
@@ -128,9 +128,9 @@ RowKind StoredEntities::makeKind(const EntityDescription& entity, std::string_vi
 }
 
 const Selection& StoredEntities::selection(const EntityDescription& entity) {
-  const auto [entry, isNew] = selections_.try_emplace(&entity);
-  Selection& selection = entry->second;
-  if (!isNew) return selection;
+  const auto known = selections_.find(&entity);
+  if (known != selections_.end()) return known->second;
+  Selection selection;
   std::vector<const EntityDescription*> family;
   for (const auto& candidate : model_.entities()) {
     if (isKindOf(candidate, entity)) family.push_back(&candidate);
@@ -165,7 +165,8 @@ const Selection& StoredEntities::selection(const EntityDescription& entity) {
     }
     selection.filter = "Z_ENT IN (" + selection.filter + ")";
   }
-  return selection;
+  // Kept only when all of it could be read.
+  return selections_.emplace(&entity, std::move(selection)).first->second;
 }
 
 StoredEntities::Numbers StoredEntities::numbersForInserting(const EntityDescription& entity) {

@@ -24,10 +24,6 @@ void KeyedArchiver::Object::encodeInt32(std::int32_t value, std::string_view key
   encode(PropertyList::integer(value), key);
 }
 
-void KeyedArchiver::Object::encodeInt64(std::int64_t value, std::string_view key) const {
-  encode(PropertyList::integer(value), key);
-}
-
 void KeyedArchiver::Object::encodeBool(bool value, std::string_view key) const {
   encode(PropertyList::boolean(value), key);
 }

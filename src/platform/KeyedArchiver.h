@@ -25,7 +25,6 @@ class KeyedArchiver {
     void encodeDouble(double value, std::string_view key) const;
     void encodeFloat(float value, std::string_view key) const;
     void encodeInt32(std::int32_t value, std::string_view key) const;
-    void encodeInt64(std::int64_t value, std::string_view key) const;
     void encodeBool(bool value, std::string_view key) const;
     void encodeObject(Object object, std::string_view key) const;
 

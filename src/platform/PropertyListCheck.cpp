@@ -178,7 +178,7 @@ bool binaryPropertyListIsBounded(std::span<const std::byte> data) {
 bool xmlPropertyListIsBounded(std::span<const std::byte> data) {
   const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
   constexpr auto kEnd = std::string_view::npos;
-  if (!isUtf8(text)) return false;
+  if (!isUtf8(text) || text.find('\0') != kEnd) return false;
   std::size_t elements = 0;
   int depth = 0;
   for (auto at = text.find('<'); at != kEnd; at = text.find('<', at)) {
