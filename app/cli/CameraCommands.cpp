@@ -132,11 +132,7 @@ int showCamera(const CameraName& name, Console& console) {
 }
 
 int removeCamera(const CameraName& name, Console& console) {
-  const auto removed = storedCamera(name).and_then([](const auto& camera) {
-    auto& context = *camera->managedObjectContext();
-    context.deleteObject(camera);
-    return context.save();
-  });
+  const auto removed = storedCamera(name).and_then(removeFromStore);
   return removed ? kExitDone : console.fail(removed.error());
 }
 

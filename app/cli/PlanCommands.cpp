@@ -172,11 +172,7 @@ int editPlan(const Edit& edit, Console& console) {
 }
 
 int removePlan(const PlanName& name, Console& console) {
-  const auto removed = storedPlan(name).and_then([](const auto& plan) {
-    auto& context = *plan->managedObjectContext();
-    context.deleteObject(plan);
-    return context.save();
-  });
+  const auto removed = storedPlan(name).and_then(removeFromStore);
   return removed ? kExitDone : console.fail(removed.error());
 }
 

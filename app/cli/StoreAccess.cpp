@@ -54,4 +54,10 @@ Expected<ManagedObjectContext*> contextForWriting() {
   return storePath().and_then([](const auto& /*path*/) { return context(); });
 }
 
+Expected<void> removeFromStore(const std::shared_ptr<ManagedObject>& object) {
+  ManagedObjectContext& context = *object->managedObjectContext();
+  context.deleteObject(object);
+  return context.save();
+}
+
 }  // namespace vantrel::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 #include "base/Error.h"
 #include "objectstore/ManagedObjectContext.h"
@@ -14,5 +15,8 @@ Expected<std::filesystem::path> existingStore();
 Expected<ManagedObjectContext*> contextForReading();
 /// The same; makes the store when there is none.
 Expected<ManagedObjectContext*> contextForWriting();
+
+/// Takes a record out of its store.
+Expected<void> removeFromStore(const std::shared_ptr<ManagedObject>& object);
 
 }  // namespace vantrel::cli
