@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "objectstore/ManagedObjectContext.h"
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "store/Planning.h"
 
 namespace {

@@ -10,7 +10,7 @@
 
 #include "base/Uuid.h"
 #include "objectstore/PersistentStoreCoordinator.h"
-#include "platform/Clock.h"
+#include "platform/system/Clock.h"
 #include "store/Database.h"
 
 namespace {

@@ -3,10 +3,10 @@
 #include <variant>
 
 #include "Targets.h"
-#include "cli/ExitCode.h"
-#include "exchange/CalendarReader.h"
-#include "exchange/JsonReader.h"
-#include "platform/Utf8.h"
+#include "cli/exchange/CalendarReader.h"
+#include "cli/exchange/JsonReader.h"
+#include "common/ExitCode.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel::fuzz {
 
@@ -14,7 +14,7 @@ namespace {
 
 void checkDrafts(const Expected<cli::PlanDrafts>& drafts) {
   if (!drafts) {
-    promise(drafts.error().code == cli::kExitBadData, "what makes no sense is bad data");
+    promise(drafts.error().code == kExitBadData, "what makes no sense is bad data");
     return;
   }
   promise(drafts->plans.size() <= cli::kMostPlansRead, "plans are counted");

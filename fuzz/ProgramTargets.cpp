@@ -11,8 +11,8 @@
 #include "Targets.h"
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
-#include "cli/PlanLink.h"
 #include "cli/Program.h"
+#include "common/PlanLink.h"
 
 namespace vantrel::fuzz {
 
@@ -34,9 +34,9 @@ void useScratchFolder() {
 }  // namespace
 
 void link(Bytes input) {
-  const auto uri = cli::uriFromLink(std::string(textOf(input)));
+  const auto uri = uriFromLink(std::string(textOf(input)));
   if (!uri) return;
-  const auto again = cli::uriFromLink("vantrel://plan?id=" + *uri);
+  const auto again = uriFromLink("vantrel://plan?id=" + *uri);
   promise(!again || *again == *uri, "a link names one plan");
   promise(uri->starts_with("x-coredata://") && uri->find("..") == std::string::npos,
           "a link names a plan of the store and no file");

@@ -2,7 +2,7 @@
 
 #include "Scratch.h"
 #include "Targets.h"
-#include "platform/UserDefaults.h"
+#include "platform/system/UserDefaults.h"
 
 namespace vantrel::fuzz {
 

@@ -8,8 +8,8 @@
 #include "Scratch.h"
 #include "Targets.h"
 #include "objectstore/ManagedObjectContext.h"
-#include "objectstore/SqliteStore.h"
-#include "platform/Bundle.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "platform/system/Bundle.h"
 #include "store/Planning.h"
 
 namespace vantrel::fuzz {

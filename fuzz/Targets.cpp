@@ -4,10 +4,10 @@
 #include <cstdlib>
 
 #include "geo/VTObserver.h"
-#include "objectstore/ManagedObjectModel.h"
-#include "platform/KeyedUnarchiver.h"
-#include "platform/PropertyList.h"
-#include "platform/StringTable.h"
+#include "objectstore/model/ManagedObjectModel.h"
+#include "platform/archive/KeyedUnarchiver.h"
+#include "platform/archive/PropertyList.h"
+#include "platform/system/StringTable.h"
 
 namespace vantrel::fuzz {
 

@@ -2,8 +2,8 @@
 #include <string>
 
 #include "Targets.h"
-#include "platform/MainQueue.h"
-#include "platform/SerialMainQueue.h"
+#include "platform/system/MainQueue.h"
+#include "platform/system/SerialMainQueue.h"
 #include "webservice/WebServiceRequestOperation.h"
 
 namespace vantrel::fuzz {

@@ -6,8 +6,8 @@
 #include <array>
 #include <map>
 
-#include "objectstore/ManagedObjectModel.h"
-#include "platform/KeyedArchiver.h"
+#include "objectstore/model/ManagedObjectModel.h"
+#include "platform/archive/KeyedArchiver.h"
 
 namespace vantrel {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ModelSource.h"
-#include "platform/PropertyList.h"
+#include "platform/archive/PropertyList.h"
 
 namespace vantrel {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/Error.h"
-#include "objectstore/EntityDescription.h"
+#include "objectstore/model/EntityDescription.h"
 
 namespace vantrel {
 

@@ -1,72 +1,88 @@
 #!/usr/bin/env python3
-"""Checks that includes only go down, and that libraries stay behind the floor that wraps them."""
+"""Checks that includes only go down, and that only the folder that wraps a library includes it."""
 
 import pathlib
 import re
 import sys
 
-ALLOWED = {
+PLATFORM = {"base", "platform/text", "platform/archive", "platform/system", "platform/view"}
+OBJECTSTORE = {"objectstore/model", "objectstore/sqlite", "objectstore"}
+# What the files of a folder may include, besides those of their own folder.
+SOURCE = {
     "base": set(),
-    "platform": {"base"},
-    "platform/qt": {"base", "platform"},
-    "objectstore": {"base", "platform"},
-    "defaults": {"base", "platform"},
-    "time": {"base", "platform"},
-    "units": {"base", "platform", "defaults"},
-    "geo": {"base", "platform", "defaults", "time", "units"},
-    "store": {"base", "platform", "objectstore"},
-    "webservice": {"base", "platform"},
-    "appearance": {"base", "platform"},
-    "widget": {"base", "platform", "defaults", "time", "appearance", "geo", "store", "objectstore"},
+    "platform/text": {"base"},
+    "platform/archive": {"base", "platform/text"},
+    "platform/system": {"base", "platform/text", "platform/archive"},
+    "platform/view": {"base"},
+    "platform/qt": PLATFORM,
+    "objectstore/model": PLATFORM,
+    "objectstore/sqlite": PLATFORM | {"objectstore/model"},
+    "objectstore": PLATFORM | OBJECTSTORE,
+    "defaults": PLATFORM,
+    "time": PLATFORM,
+    "units": PLATFORM | {"defaults"},
+    "geo": PLATFORM | {"defaults", "time", "units"},
+    "store": PLATFORM | OBJECTSTORE,
+    "webservice": PLATFORM,
+    "appearance": PLATFORM,
+    "widget": PLATFORM | OBJECTSTORE | {"defaults", "time", "appearance", "geo", "store"},
 }
-# A library's headers, and the folders whose .cpp files may include them.
+# The programs include what they share and any folder of src, never each other.
+PROGRAMS = ("common", "cli", "today", "lookup")
+WITH_QT = ("today", "lookup")
+# A library's headers, and the folders (with all below them) whose .cpp files may include them.
 LIBRARIES = {
-    r"Q[A-Z]\w*|Qt\w+/.*": {"platform/qt"},
-    r"unicode/.*|absl/.*|plist/.*": {"platform"},
-    r"SQLiteCpp/.*|sqlite3\.h|zlib\.h": {"objectstore"},
-    r"nettle/.*": {"objectstore"},
-    r"nlohmann/.*": {"webservice"},
-    r"uuid/.*": {"base"},
-    r"fmt/.*": set(ALLOWED),
+    r"Q[A-Z]\w*|Qt\w+/.*": ("platform/qt",),
+    r"unicode/.*|absl/.*|plist/.*": ("platform",),
+    r"SQLiteCpp/.*|sqlite3\.h|zlib\.h|nettle/.*": ("objectstore",),
+    r"nlohmann/.*": ("webservice",),
+    r"uuid/.*": ("base",),
 }
 QT = re.compile(r"Q[A-Z]\w*|Qt\w+/.*")
 INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
-def folder_of(path: pathlib.PurePath) -> str:
-    parts = path.parts[:-1]
-    return "/".join(parts)
+def files_with_includes(folder: pathlib.Path):
+    """Each source with its folder, relative to `folder`, and its includes."""
+    for path in sorted(folder.rglob("*")):
+        if path.suffix in (".h", ".cpp"):
+            where = path.parent.relative_to(folder).as_posix()
+            yield path, where, INCLUDE.findall(path.read_text(encoding="utf-8"))
 
 
-def problems(root: pathlib.Path):
-    source = root / "src"
-    for path in sorted(source.rglob("*")):
-        if path.suffix not in (".h", ".cpp"):
-            continue
-        folder = folder_of(path.relative_to(source))
-        for quote, name in INCLUDE.findall(path.read_text(encoding="utf-8")):
+def problems_of_source(root: pathlib.Path):
+    for path, folder, includes in files_with_includes(root / "src"):
+        for quote, name in includes:
             where = f"{path.relative_to(root)}: includes {name}"
             if quote == '"':
-                target = folder_of(pathlib.PurePath(name))
-                if target != folder and target not in ALLOWED.get(folder, set()):
-                    yield f"{where}: src/{folder} may not include src/{target or 'the same folder by bare name'}"
+                target = pathlib.PurePath(name).parent.as_posix()
+                if target != folder and target not in SOURCE.get(folder, set()):
+                    yield f"{where}: src/{folder} must not include src/{target}"
                 continue
             for pattern, folders in LIBRARIES.items():
                 if not re.fullmatch(pattern, name):
                     continue
-                if folder not in folders:
-                    yield f"{where}: this library belongs to {', '.join(sorted(folders))}"
+                if not any(f"{folder}/".startswith(f"{allowed}/") for allowed in folders):
+                    yield f"{where}: only {', '.join(folders)} may include this library"
                 elif path.suffix == ".h" and folder != "platform/qt":
-                    yield f"{where}: libraries are named in .cpp files only"
-    for path in sorted((root / "app").rglob("*")):
-        if path.suffix in (".h", ".cpp") and "today" not in path.parts and "lookup" not in path.parts:
-            for _, name in INCLUDE.findall(path.read_text(encoding="utf-8")):
-                if QT.fullmatch(name) or name.startswith("platform/qt/"):
-                    yield f"{path.relative_to(root)}: includes {name}: the command line links no Qt"
+                    yield f"{where}: only .cpp files may include a library"
+
+
+def problems_of_programs(root: pathlib.Path):
+    for path, folder, includes in files_with_includes(root / "app"):
+        program = folder.split("/")[0]
+        for quote, name in includes:
+            where = f"{path.relative_to(root)}: includes {name}"
+            target = name.split("/")[0]
+            if quote == '"' and target in PROGRAMS and target not in (program, "common"):
+                yield f"{where}: programs share app/common only"
+            if program not in WITH_QT and (QT.fullmatch(name) or name.startswith("platform/qt/")):
+                yield f"{where}: {program} links no Qt"
 
 
 def main() -> int:
-    found = list(problems(pathlib.Path(__file__).resolve().parent.parent))
+    root = pathlib.Path(__file__).resolve().parent.parent
+    found = [*problems_of_source(root), *problems_of_programs(root)]
     for problem in found:
         print(problem, file=sys.stderr)
     return 1 if found else 0

@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "cli/ExitCode.h"
-#include "platform/Clock.h"
-#include "platform/Utf8.h"
+#include "common/ExitCode.h"
+#include "platform/system/Clock.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 

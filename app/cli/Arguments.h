@@ -8,7 +8,7 @@
 #include "base/Date.h"
 #include "base/Error.h"
 #include "base/Iso8601.h"
-#include "platform/TimeZone.h"
+#include "platform/text/TimeZone.h"
 
 namespace vantrel::cli {
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "cli/ExitCode.h"
-#include "cli/TerminalText.h"
+#include "common/ExitCode.h"
+#include "common/TerminalText.h"
 
 namespace vantrel::cli {
 

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <nlohmann/json.hpp>
 
-#include "cli/TerminalText.h"
+#include "common/TerminalText.h"
 
 namespace vantrel::cli {
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "cli/CommandGroup.h"
-#include "cli/ExitCode.h"
 #include "cli/Suggestion.h"
+#include "common/ExitCode.h"
 
 namespace vantrel::cli {
 

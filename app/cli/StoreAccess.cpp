@@ -1,7 +1,7 @@
 #include "cli/StoreAccess.h"
 
-#include "cli/ExitCode.h"
-#include "objectstore/StoreError.h"
+#include "common/ExitCode.h"
+#include "objectstore/sqlite/StoreError.h"
 #include "store/Database.h"
 
 namespace vantrel::cli {

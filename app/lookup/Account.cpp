@@ -7,17 +7,15 @@
 #include <cstring>
 #include <memory>
 
-#include "cli/ExitCode.h"
-#include "platform/UserDefaults.h"
+#include "common/ExitCode.h"
+#include "platform/system/UserDefaults.h"
 
 namespace vantrel {
 
 namespace {
 
-using cli::failure;
-
 Error fileError(const std::string& file, int code) {
-  return failure(cli::exitCodeForReading(code), file, std::strerror(code));
+  return failure(exitCodeForReading(code), file, std::strerror(code));
 }
 
 /// The first line of the file, "-" being standard input.
@@ -36,7 +34,7 @@ Expected<std::string> keyInFile(const std::string& file) {
       std::all_of(key.begin(), key.end(), [](char c) { return c > ' ' && c < 0x7f; });
   if (!key.empty() && isPlain && count < kMostBytes) return key;
   return tl::make_unexpected(
-      failure(cli::kExitBadData, file, "no key; one is expected on the first line"));
+      failure(kExitBadData, file, "no key; one is expected on the first line"));
 }
 
 Expected<std::optional<Account>> accountWithKey(const std::string& username,
@@ -51,7 +49,7 @@ Expected<std::optional<Account>> googleAccount(const LookupOptions& options,
                                                const UserDefaults& settings) {
   const auto file = options.keyFile ? options.keyFile : settings.stringForKey(kLookupGoogleKeyFile);
   if (file) return accountWithKey("", file);
-  return tl::make_unexpected(failure(cli::kExitUsage, "--google",
+  return tl::make_unexpected(failure(kExitUsage, "--google",
                                      std::string("needs a key of your own; give --key-file, or "
                                                  "name its file in the setting ") +
                                          kLookupGoogleKeyFile));
@@ -71,7 +69,7 @@ Expected<std::optional<Account>> accountOfUser(const LookupOptions& options) {
   const auto keyFile = options.keyFile ? options.keyFile : settings.stringForKey(kLookupKeyFile);
   if (username && !username->empty()) return accountWithKey(*username, keyFile);
   if (!keyFile) return std::optional<Account>();
-  return tl::make_unexpected(failure(cli::kExitUsage, "--key-file",
+  return tl::make_unexpected(failure(kExitUsage, "--key-file",
                                      std::string("belongs to a user; give --username, or the "
                                                  "setting ") +
                                          kLookupUsername));

@@ -10,9 +10,9 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "cli/ExitCode.h"
-#include "platform/UrlSession.h"
+#include "common/ExitCode.h"
 #include "platform/qt/QtOperationQueue.h"
+#include "platform/system/UrlSession.h"
 #include "webservice/GeoNamesElevationOperation.h"
 #include "webservice/GeoNamesTimeZoneOperation.h"
 #include "webservice/GoogleElevationOperation.h"
@@ -28,12 +28,12 @@ using Done = std::function<void(Expected<Json> result)>;
 constexpr std::array kNothingThere = {11, 14, 15};
 
 /// A service that turns one away now may serve another time; an answer without sense stays so.
-cli::ExitCode exitCodeFor(const Error& error) {
+ExitCode exitCodeFor(const Error& error) {
   const bool mayPass =
       error.domain == UrlSession::kErrorDomain ||
       (error.domain == WebServiceRequestOperation::kGeoNamesErrorDomain &&
        std::find(kNothingThere.begin(), kNothingThere.end(), error.code) == kNothingThere.end());
-  return mayPass ? cli::kExitUnavailable : cli::kExitBadData;
+  return mayPass ? kExitUnavailable : kExitBadData;
 }
 
 const char* serviceName(const WebServiceRequestOperation& operation) {
@@ -49,9 +49,9 @@ class FailureListener : public WebServiceRequestOperationDelegate {
                                                   const std::optional<Error>& error) override {
     std::string why = error ? error->localizedDescription : operation.serviceMessage().value_or("");
     if (why.empty()) why = "refused without a reason";
-    const auto code = error ? exitCodeFor(*error) : cli::kExitUnavailable;
-    done_(tl::make_unexpected(
-        cli::failure(code, serviceName(operation), operation.withoutAccount(why))));
+    const auto code = error ? exitCodeFor(*error) : kExitUnavailable;
+    done_(
+        tl::make_unexpected(failure(code, serviceName(operation), operation.withoutAccount(why))));
   }
 
  private:
@@ -98,7 +98,7 @@ Expected<Json> lookUp(const LookupOptions& options, const std::optional<Account>
   operation->cancel();
   if (result) return std::move(*result);
   return tl::make_unexpected(
-      cli::failure(cli::kExitUnavailable, serviceName(*operation), "no answer came in time"));
+      failure(kExitUnavailable, serviceName(*operation), "no answer came in time"));
 }
 
 }  // namespace vantrel

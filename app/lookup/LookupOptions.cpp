@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "cli/ExitCode.h"
+#include "common/ExitCode.h"
 
 namespace vantrel {
 
@@ -78,7 +78,7 @@ std::optional<int> LookupOptions::parse(int argc, char** argv, LookupOptions& op
     }
   } catch (const CLI::ParseError& error) {
     const int code = app.exit(error);
-    return code == 0 ? 0 : cli::kExitUsage;
+    return code == 0 ? 0 : kExitUsage;
   }
   return std::nullopt;
 }
@@ -86,8 +86,8 @@ std::optional<int> LookupOptions::parse(int argc, char** argv, LookupOptions& op
 Expected<void> LookupOptions::readEnvironment() {
   if (const char* text = std::getenv("VANTREL_LOOKUP_ADDRESS"); text && *text) {
     if (!isAllowedAddress(text)) {
-      return tl::make_unexpected(cli::failure(cli::kExitUsage, "VANTREL_LOOKUP_ADDRESS",
-                                              "allowed are https, and http to this machine"));
+      return tl::make_unexpected(failure(kExitUsage, "VANTREL_LOOKUP_ADDRESS",
+                                         "allowed are https, and http to this machine"));
     }
     address = text;
   }
@@ -96,7 +96,7 @@ Expected<void> LookupOptions::readEnvironment() {
     const auto seconds = number(text, 0, kMostWait);
     if (!seconds) {
       return tl::make_unexpected(
-          cli::failure(cli::kExitUsage, "VANTREL_LOOKUP_WAIT", "allowed are seconds up to 60"));
+          failure(kExitUsage, "VANTREL_LOOKUP_WAIT", "allowed are seconds up to 60"));
     }
     wait = *seconds;
   }

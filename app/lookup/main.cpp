@@ -6,13 +6,13 @@
 #include <nlohmann/json.hpp>
 
 #include "base/Log.h"
-#include "cli/ExitCode.h"
+#include "common/ExitCode.h"
 #include "lookup/Account.h"
 #include "lookup/Lookup.h"
 #include "lookup/LookupOptions.h"
-#include "platform/Paths.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtUrlSession.h"
+#include "platform/system/Paths.h"
 
 namespace vantrel {
 
@@ -36,7 +36,7 @@ int run(const LookupOptions& options) {
   const std::string text =
       json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
   std::fwrite(text.data(), 1, text.size(), stdout);
-  return result ? cli::kExitDone : cli::exitCodeForError(result.error());
+  return result ? kExitDone : exitCodeForError(result.error());
 }
 
 }  // namespace

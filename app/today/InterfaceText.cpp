@@ -1,7 +1,7 @@
 #include "today/InterfaceText.h"
 
-#include "platform/Bundle.h"
-#include "platform/Locale.h"
+#include "platform/system/Bundle.h"
+#include "platform/text/Locale.h"
 
 namespace vantrel {
 

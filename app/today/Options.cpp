@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "base/Log.h"
-#include "cli/ExitCode.h"
+#include "common/ExitCode.h"
 
 namespace vantrel {
 
@@ -124,7 +124,7 @@ std::optional<int> Options::parse(int argc, char** argv, Options& options) {
     return app.exit(wanted);
   } catch (const CLI::ParseError& error) {
     logLine("vantrel-today: " + std::string(error.what()) + "; see vantrel-today --help");
-    return cli::kExitUsage;
+    return kExitUsage;
   }
   return std::nullopt;
 }

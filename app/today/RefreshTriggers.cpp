@@ -4,9 +4,9 @@
 #include <QSocketNotifier>
 #include <chrono>
 
-#include "cli/NextMidnight.h"
-#include "platform/Clock.h"
-#include "platform/TimeZone.h"
+#include "common/NextMidnight.h"
+#include "platform/system/Clock.h"
+#include "platform/text/TimeZone.h"
 
 namespace vantrel {
 
@@ -61,7 +61,7 @@ void RefreshTriggers::ignoreStoreChangesSoFar() {
 void RefreshTriggers::armForMidnight() {
   // The program's present instant may be another than the system's; time passes alike for both.
   const Date now = Clock::sharedClock().now();
-  const double remaining = cli::nextMidnight(now).timeIntervalSinceDate(now);
+  const double remaining = nextMidnight(now).timeIntervalSinceDate(now);
   midnight_.fireAt(systemNow().dateByAddingTimeInterval(remaining));
 }
 

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/StoreWatcher.h"
-#include "platform/WallTimer.h"
+#include "common/StoreWatcher.h"
+#include "common/WallTimer.h"
 
 namespace vantrel {
 

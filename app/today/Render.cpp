@@ -12,14 +12,14 @@
 #include <memory>
 
 #include "base/Log.h"
-#include "cli/ExitCode.h"
-#include "exchange/OutputFile.h"
+#include "common/ExitCode.h"
+#include "common/OutputFile.h"
 #include "platform/qt/QtTextMeasurer.h"
-#include "today/CardPainter.h"
-#include "today/PlanOpening.h"
-#include "today/PlanSheetContent.h"
 #include "today/StoreProblem.h"
 #include "today/WidgetHost.h"
+#include "today/card/CardPainter.h"
+#include "today/sheet/PlanOpening.h"
+#include "today/sheet/PlanSheetContent.h"
 
 namespace vantrel {
 
@@ -32,7 +32,7 @@ int fail(int code, const std::string& message) {
 }
 
 int fail(const Error& error) {
-  return fail(cli::exitCodeForError(error), error.localizedDescription);
+  return fail(exitCodeForError(error), error.localizedDescription);
 }
 
 /// A picture is the same on every machine that has the same fonts, whatever its desktop.
@@ -77,23 +77,23 @@ int write(const QImage& image, const std::string& name) {
   QByteArray picture;
   QBuffer buffer(&picture);
   if (!image.save(&buffer, "PNG")) {
-    return fail(cli::kExitInternal, "the picture cannot be encoded");
+    return fail(kExitInternal, "the picture cannot be encoded");
   }
   const std::string_view bytes(picture.constData(), static_cast<std::size_t>(picture.size()));
   if (name == "-") {
     const bool isWritten =
         std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && !std::fflush(stdout);
-    return isWritten ? cli::kExitDone
-                     : fail(cli::kExitInputOutput,
-                            std::string("standard output: ") + std::strerror(errno));
+    return isWritten
+               ? kExitDone
+               : fail(kExitInputOutput, std::string("standard output: ") + std::strerror(errno));
   }
-  cli::OutputFile file(name);
+  OutputFile file(name);
   const auto written = file.open().and_then([&] {
     file.write(bytes);
     // Waiting for the disk takes longer than drawing the picture again.
     return file.finish(false);
   });
-  return written ? cli::kExitDone : fail(written.error());
+  return written ? kExitDone : fail(written.error());
 }
 
 }  // namespace
@@ -116,7 +116,7 @@ int render(int argc, char** argv, const Options& options) {
   const auto measurer = std::make_shared<QtTextMeasurer>();
   TextMeasurer::install(measurer);
   const QImage image = paint(options, plan.get(), *measurer);
-  if (image.isNull()) return fail(cli::kExitUsage, "a picture of that size cannot be drawn");
+  if (image.isNull()) return fail(kExitUsage, "a picture of that size cannot be drawn");
   return write(image, options.renderFile);
 }
 

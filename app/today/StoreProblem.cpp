@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "base/Log.h"
-#include "cli/ExitCode.h"
+#include "common/ExitCode.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "store/Database.h"
 #include "today/InterfaceText.h"
@@ -43,8 +43,8 @@ std::optional<Error> missingStore() {
       std::filesystem::file_size(*store, error) != 0) {
     return std::nullopt;
   }
-  return cli::failure(cli::kExitMissing, store ? store->string() : "the application group's folder",
-                      "there is no store yet; make one with: vantrel store sample");
+  return failure(kExitMissing, store ? store->string() : "the application group's folder",
+                 "there is no store yet; make one with: vantrel store sample");
 }
 
 bool storeFailedToOpen() {

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "base/Log.h"
-#include "today/PlanOpening.h"
+#include "today/sheet/PlanOpening.h"
 
 namespace vantrel {
 

@@ -4,10 +4,10 @@
 #include <QPointer>
 #include <string>
 
-#include "today/LinkOpener.h"
 #include "today/Options.h"
-#include "today/PlanSheetWindow.h"
 #include "today/TodayWindow.h"
+#include "today/desktop/LinkOpener.h"
+#include "today/sheet/PlanSheetWindow.h"
 
 namespace vantrel {
 

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/MainQueue.h"
 #include "platform/qt/QtParagraph.h"
-#include "today/SpokenText.h"
-#include "today/TouchButton.h"
+#include "platform/system/MainQueue.h"
+#include "today/card/TouchButton.h"
+#include "today/sheet/SpokenText.h"
 
 namespace vantrel {
 

@@ -2,9 +2,9 @@
 
 #include <QVariantAnimation>
 
-#include "today/CardWidget.h"
-#include "today/PlanDescription.h"
 #include "today/WidgetHost.h"
+#include "today/card/CardWidget.h"
+#include "today/sheet/PlanDescription.h"
 
 namespace vantrel {
 

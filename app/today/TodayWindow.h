@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "today/CardWindow.h"
 #include "today/TodayWidget.h"
 #include "today/WidgetHost.h"
 #include "today/WindowState.h"
+#include "today/card/CardWindow.h"
 
 namespace vantrel {
 

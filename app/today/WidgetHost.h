@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/ExtensionContext.h"
+#include "platform/view/ExtensionContext.h"
 #include "store/Planning.h"
-#include "today/CardContent.h"
+#include "today/card/CardContent.h"
 #include "widget/TodayEventsViewController.h"
 
 namespace vantrel {

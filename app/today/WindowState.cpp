@@ -3,7 +3,7 @@
 #include <QSettings>
 #include <QString>
 
-#include "platform/Paths.h"
+#include "platform/system/Paths.h"
 
 namespace vantrel {
 

@@ -8,20 +8,20 @@
 #include <optional>
 
 #include "base/Log.h"
-#include "cli/ExitCode.h"
-#include "platform/Device.h"
+#include "common/ExitCode.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtTextMeasurer.h"
+#include "platform/system/Device.h"
 #include "store/Database.h"
 #include "today/AppId.h"
-#include "today/ApplicationService.h"
-#include "today/Autostart.h"
-#include "today/DesktopNotice.h"
 #include "today/InterfaceText.h"
 #include "today/Options.h"
-#include "today/PlanOpening.h"
 #include "today/Render.h"
 #include "today/TodayProgram.h"
+#include "today/desktop/ApplicationService.h"
+#include "today/desktop/Autostart.h"
+#include "today/desktop/DesktopNotice.h"
+#include "today/sheet/PlanOpening.h"
 
 namespace vantrel {
 
@@ -40,7 +40,7 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
   if (type != QtFatalMsg) return;
   logLine(
       "vantrel-today: no display: draw into a file with --render FILE.png, or use: vantrel today");
-  std::_Exit(cli::kExitUnavailable);
+  std::_Exit(kExitUnavailable);
 }
 
 /// What a program that took its own place shows: the windows as they were left. Gives the link of
@@ -88,7 +88,7 @@ int showWindow(int argc, char** argv, Options options) {
       showNotice(messageForLinkError(plan.error()));
       // Not through the toolkit's own end: the bus's thread may still be at work, and would
       // complain.
-      std::_Exit(cli::exitCodeForError(plan.error()));
+      std::_Exit(exitCodeForError(plan.error()));
     }
   }
   const auto usualHandler = qInstallMessageHandler(explainMissingDisplay);
@@ -116,7 +116,7 @@ int showWindow(int argc, char** argv, Options options) {
   if (!options.dark && options.systemVersion.empty()) {
     const QString action = options.expanded ? QStringLiteral("show-more") : QString();
     const auto role = service.start(options.link.value_or(""), action);
-    if (role == ApplicationService::Role::kServed) return cli::kExitDone;
+    if (role == ApplicationService::Role::kServed) return kExitDone;
   }
   showAtStart(program, options, restartedLink);
   return QApplication::exec();

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "platform/Device.h"
+#include "platform/system/Device.h"
 
 namespace vantrel::palette {
 

@@ -1,7 +1,7 @@
 #include "defaults/VantrelUserDefaults.h"
 
 #include "base/Log.h"
-#include "platform/Paths.h"
+#include "platform/system/Paths.h"
 
 namespace vantrel {
 

@@ -6,7 +6,7 @@
 #include "defaults/PlannerKeys.h"
 #include "defaults/VantrelUserDefaults.h"
 #include "geo/VTObserver.h"
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "units/DistanceUnitsManager.h"
 #include "units/NSNumberWithDistanceUnit.h"
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "units/DistanceUnitsManager.h"
 
 namespace vantrel {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/LocationCoordinate2D.h"
-#include "platform/NumberFormatter.h"
+#include "platform/text/NumberFormatter.h"
 
 namespace vantrel {
 

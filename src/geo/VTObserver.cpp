@@ -5,7 +5,7 @@
 #include "base/Log.h"
 #include "defaults/PlannerKeys.h"
 #include "defaults/VantrelUserDefaults.h"
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "units/DistanceUnitsManager.h"
 
 namespace vantrel {

@@ -4,8 +4,8 @@
 
 #include "base/Error.h"
 #include "geo/PinLocation.h"
-#include "platform/KeyedArchiver.h"
-#include "platform/KeyedUnarchiver.h"
+#include "platform/archive/KeyedArchiver.h"
+#include "platform/archive/KeyedUnarchiver.h"
 #include "time/PtPosition.h"
 
 namespace vantrel {

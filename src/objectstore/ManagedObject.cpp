@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "objectstore/AttributeValues.h"
 #include "objectstore/ManagedObjectContext.h"
+#include "objectstore/model/AttributeValues.h"
 
 namespace vantrel {
 

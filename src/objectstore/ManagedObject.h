@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "objectstore/EntityDescription.h"
-#include "objectstore/ManagedObjectID.h"
-#include "objectstore/RowSnapshot.h"
-#include "objectstore/Value.h"
+#include "objectstore/model/EntityDescription.h"
+#include "objectstore/model/ManagedObjectID.h"
+#include "objectstore/model/RowSnapshot.h"
+#include "objectstore/model/Value.h"
 
 namespace vantrel {
 

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "objectstore/AttributeValues.h"
 #include "objectstore/ManagedObjectContext.h"
-#include "objectstore/SqliteStore.h"
-#include "objectstore/StoreError.h"
+#include "objectstore/model/AttributeValues.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "objectstore/sqlite/StoreError.h"
 
 namespace vantrel {
 

@@ -1,8 +1,8 @@
 #include <utility>
 
-#include "objectstore/AttributeValues.h"
 #include "objectstore/ManagedObjectContext.h"
-#include "objectstore/SqliteStore.h"
+#include "objectstore/model/AttributeValues.h"
+#include "objectstore/sqlite/SqliteStore.h"
 
 namespace vantrel {
 

@@ -5,9 +5,9 @@
 #include <limits>
 #include <utility>
 
-#include "objectstore/AttributeValues.h"
-#include "objectstore/SqliteStore.h"
-#include "objectstore/StoreError.h"
+#include "objectstore/model/AttributeValues.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "objectstore/sqlite/StoreError.h"
 
 namespace vantrel {
 

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "base/Error.h"
-#include "objectstore/ChangeSet.h"
-#include "objectstore/FetchRequest.h"
 #include "objectstore/ManagedObject.h"
 #include "objectstore/PersistentStoreCoordinator.h"
+#include "objectstore/model/ChangeSet.h"
+#include "objectstore/model/FetchRequest.h"
 
 namespace vantrel {
 

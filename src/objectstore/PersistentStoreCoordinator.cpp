@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "objectstore/SqliteStore.h"
-#include "objectstore/StoreError.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "objectstore/sqlite/StoreError.h"
 
 namespace vantrel {
 

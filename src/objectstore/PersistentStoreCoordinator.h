@@ -1,32 +1,17 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "base/Error.h"
-#include "objectstore/ManagedObjectModel.h"
-#include "objectstore/StoreMetadata.h"
+#include "objectstore/model/ManagedObjectModel.h"
+#include "objectstore/sqlite/StoreMetadata.h"
+#include "objectstore/sqlite/StoreOptions.h"
 
 namespace vantrel {
 
 class SqliteStore;
-
-/// How a store is added.
-struct StoreOptions {
-  bool readOnly = false;
-  /// Migrate a store written with an older version of the model's bundle.
-  bool migratePersistentStoresAutomatically = false;
-  bool inferMappingModelAutomatically = false;
-  /// SQLite pragmas, set when the store is opened ("journal_mode" = "WAL").
-  std::map<std::string, std::string> sqlitePragmas;
-  /// What a store of another program must have to be served, attributes by entity. When empty, only
-  /// stores that the model's bundle wrote are served.
-  std::map<std::string, std::vector<std::string>> requiredAttributes;
-};
 
 /// Stands between contexts and the one store they share. Main thread.
 class PersistentStoreCoordinator {

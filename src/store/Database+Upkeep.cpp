@@ -2,9 +2,9 @@
 #include <variant>
 
 #include "base/Uuid.h"
-#include "objectstore/SqliteStore.h"
-#include "platform/MainQueue.h"
-#include "platform/Paths.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "platform/system/MainQueue.h"
+#include "platform/system/Paths.h"
 #include "store/Database.h"
 #include "store/DuplicateSearch.h"
 

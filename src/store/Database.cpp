@@ -3,10 +3,10 @@
 #include <system_error>
 
 #include "base/Log.h"
-#include "objectstore/SqliteStore.h"
-#include "objectstore/StoreError.h"
-#include "platform/Bundle.h"
-#include "platform/Paths.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "objectstore/sqlite/StoreError.h"
+#include "platform/system/Bundle.h"
+#include "platform/system/Paths.h"
 #include "store/CustomCamera.h"
 #include "store/CustomPoi.h"
 #include "store/Image.h"

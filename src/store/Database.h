@@ -7,8 +7,8 @@
 #include <string>
 
 #include "objectstore/ManagedObjectContext.h"
-#include "objectstore/ManagedObjectModel.h"
 #include "objectstore/PersistentStoreCoordinator.h"
+#include "objectstore/model/ManagedObjectModel.h"
 
 namespace vantrel {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/Log.h"
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 
 namespace vantrel {
 

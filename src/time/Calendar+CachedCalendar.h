@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Calendar.h"
+#include "platform/text/Calendar.h"
 
 namespace vantrel {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "time/Calendar+CachedCalendar.h"
 
 // Calendars keep no state between calls, so that nothing here needs a lock.

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "platform/Device.h"
+#include "platform/system/Device.h"
 
 namespace vantrel {
 

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "platform/DateFormatter.h"
-#include "platform/NumberFormatter.h"
-#include "platform/TimeZone.h"
+#include "platform/text/DateFormatter.h"
+#include "platform/text/NumberFormatter.h"
+#include "platform/text/TimeZone.h"
 
 namespace vantrel {
 

@@ -5,7 +5,7 @@
 #include <numeric>
 
 #include "defaults/VantrelUserDefaults.h"
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "units/InchesFraction.h"
 
 namespace vantrel {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/NumberFormatter.h"
+#include "platform/text/NumberFormatter.h"
 #include "units/DistanceUnitsManager.h"
 
 namespace vantrel {

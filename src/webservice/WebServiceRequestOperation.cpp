@@ -7,8 +7,8 @@
 
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
-#include "platform/MainQueue.h"
-#include "platform/UrlSession.h"
+#include "platform/system/MainQueue.h"
+#include "platform/system/UrlSession.h"
 
 namespace vantrel {
 

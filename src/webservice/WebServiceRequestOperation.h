@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "base/Error.h"
-#include "platform/Operation.h"
+#include "platform/system/Operation.h"
 #include "webservice/JsonAnswer.h"
 #include "webservice/WebServiceRequestOperationDelegate.h"
 

@@ -5,9 +5,9 @@
 
 #include "appearance/Color+Constants.h"
 #include "base/Log.h"
-#include "platform/Bundle.h"
-#include "platform/DateFormatter.h"
-#include "platform/TextMeasurer.h"
+#include "platform/system/Bundle.h"
+#include "platform/text/DateFormatter.h"
+#include "platform/view/TextMeasurer.h"
 #include "time/DeviceSystemMajorVersion.h"
 #include "widget/TodayUtils.h"
 

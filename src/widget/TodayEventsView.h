@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Label.h"
+#include "platform/view/Label.h"
 #include "store/Planning.h"
 #include "widget/TodayViewDelegate.h"
 #include "widget/TodayViewLabel.h"

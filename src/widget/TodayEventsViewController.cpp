@@ -4,7 +4,7 @@
 
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
-#include "platform/Clock.h"
+#include "platform/system/Clock.h"
 #include "store/Database.h"
 #include "time/Date+Ephemeris.h"
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "platform/ViewController.h"
-#include "platform/WidgetProviding.h"
+#include "platform/view/ViewController.h"
+#include "platform/view/WidgetProviding.h"
 #include "widget/TodayEventsView.h"
 
 namespace vantrel {

@@ -5,8 +5,8 @@
 #include "defaults/PlannerKeys.h"
 #include "defaults/VantrelUserDefaults.h"
 #include "geo/VTObserver.h"
-#include "platform/Device.h"
-#include "platform/TimeZone.h"
+#include "platform/system/Device.h"
+#include "platform/text/TimeZone.h"
 #include "time/DeviceSystemMajorVersion.h"
 #include "widget/MapLayerState.h"
 

@@ -6,7 +6,7 @@
 #include "base/Date.h"
 #include "base/Geometry.h"
 #include "base/LocationCoordinate2D.h"
-#include "platform/Label.h"
+#include "platform/view/Label.h"
 
 namespace vantrel {
 

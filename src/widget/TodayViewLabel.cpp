@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/MainQueue.h"
+#include "platform/system/MainQueue.h"
 
 namespace vantrel {
 

@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/Label.h"
+#include "platform/view/Label.h"
 
 namespace vantrel {
 

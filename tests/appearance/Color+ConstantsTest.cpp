@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "platform/Device.h"
+#include "platform/system/Device.h"
 
 namespace vantrel::palette {
 namespace {

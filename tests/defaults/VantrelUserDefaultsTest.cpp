@@ -1,6 +1,6 @@
 #include "defaults/VantrelUserDefaults.h"
 
-#include "platform/Paths.h"
+#include "platform/system/Paths.h"
 #include "support/SharedSettings.h"
 
 namespace vantrel {

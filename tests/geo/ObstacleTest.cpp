@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "geo/VTObserver.h"
-#include "platform/Paths.h"
+#include "platform/system/Paths.h"
 #include "support/Python.h"
 #include "support/SharedSettings.h"
 

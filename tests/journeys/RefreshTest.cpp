@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/Iso8601.h"
-#include "platform/Device.h"
-#include "platform/FixedTextMeasurer.h"
+#include "platform/system/Device.h"
+#include "platform/view/FixedTextMeasurer.h"
 #include "support/TestStore.h"
 #include "support/WidgetTest.h"
 #include "widget/TodayEventsViewController.h"

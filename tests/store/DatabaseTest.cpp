@@ -7,7 +7,7 @@
 #include <functional>
 #include <set>
 
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "store/CustomCamera.h"
 #include "store/CustomPoi.h"
 #include "store/Image.h"

@@ -5,8 +5,8 @@
 #include <functional>
 #include <map>
 
-#include "objectstore/StoreError.h"
-#include "platform/SerialMainQueue.h"
+#include "objectstore/sqlite/StoreError.h"
+#include "platform/system/SerialMainQueue.h"
 #include "store/Database.h"
 #include "support/Guards.h"
 #include "support/TestStore.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/Date.h"
-#include "platform/Clock.h"
+#include "platform/system/Clock.h"
 
 namespace vantrel::test {
 

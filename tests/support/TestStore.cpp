@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-#include "platform/Bundle.h"
+#include "platform/system/Bundle.h"
 #include "store/CustomCamera.h"
 
 namespace vantrel::test {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "objectstore/ManagedObjectContext.h"
-#include "objectstore/ManagedObjectModel.h"
-#include "objectstore/SqliteStore.h"
-#include "objectstore/StoreError.h"
+#include "objectstore/model/ManagedObjectModel.h"
+#include "objectstore/sqlite/SqliteStore.h"
+#include "objectstore/sqlite/StoreError.h"
 #include "store/Planning.h"
 #include "support/Guards.h"
 

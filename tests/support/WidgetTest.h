@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/MainQueue.h"
-#include "platform/SerialMainQueue.h"
+#include "platform/system/MainQueue.h"
+#include "platform/system/SerialMainQueue.h"
 #include "store/Database.h"
 #include "store/Planning.h"
 #include "support/Guards.h"

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <functional>
 
-#include "cli/PlanLink.h"
+#include "common/PlanLink.h"
 #include "today/WindowTest.h"
 
 namespace vantrel {
@@ -55,7 +55,7 @@ TEST_F(TodayWindowTest, ClickTouchKeysAndScreenReaderOpenTheSameLink) {
     way();
     ASSERT_TRUE(waitFor([&] { return opener_.links.size() > before; }));
   }
-  const std::string link = cli::deepLink(*store().planNamed("Sunrise"));
+  const std::string link = deepLink(*store().planNamed("Sunrise"));
   EXPECT_EQ(opener_.links, std::vector(std::size(ways), link));
 }
 

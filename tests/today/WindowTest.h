@@ -16,8 +16,8 @@
 #include "support/Guards.h"
 #include "support/TestStore.h"
 #include "today/Application.h"
-#include "today/CardWindow.h"
-#include "today/TouchButton.h"
+#include "today/card/CardWindow.h"
+#include "today/card/TouchButton.h"
 
 namespace vantrel::test {
 

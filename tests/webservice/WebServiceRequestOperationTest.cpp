@@ -8,10 +8,10 @@
 #include <QSslKey>
 #include <stdexcept>
 
-#include "platform/UrlSession.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtOperationQueue.h"
 #include "platform/qt/QtUrlSession.h"
+#include "platform/system/UrlSession.h"
 #include "support/Guards.h"
 #include "today/Application.h"
 #include "webservice/LoopbackServer.h"

@@ -8,7 +8,7 @@
 
 #include "appearance/Color+Constants.h"
 #include "base/Iso8601.h"
-#include "platform/Device.h"
+#include "platform/system/Device.h"
 #include "support/WidgetTest.h"
 #include "time/DeviceSystemMajorVersion.h"
 

@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-#include "platform/Device.h"
+#include "platform/system/Device.h"
 
 namespace vantrel {
 namespace {

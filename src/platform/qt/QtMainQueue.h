@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/MainQueue.h"
+#include "platform/system/MainQueue.h"
 
 namespace vantrel {
 

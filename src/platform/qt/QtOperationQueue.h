@@ -3,7 +3,7 @@
 #include <QThreadPool>
 #include <memory>
 
-#include "platform/Operation.h"
+#include "platform/system/Operation.h"
 
 namespace vantrel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/TextMeasurer.h"
+#include "platform/view/TextMeasurer.h"
 
 class QFont;
 

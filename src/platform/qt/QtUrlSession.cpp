@@ -10,7 +10,7 @@
 #include <deque>
 #include <utility>
 
-#include "platform/Paths.h"
+#include "platform/system/Paths.h"
 
 namespace vantrel {
 

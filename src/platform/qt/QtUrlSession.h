@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "platform/UrlSession.h"
+#include "platform/system/UrlSession.h"
 
 namespace vantrel {
 

@@ -1,0 +1,180 @@
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "cli/Arguments.h"
+#include "cli/Command.h"
+#include "cli/StoreAccess.h"
+#include "cli/camera/CameraLookup.h"
+#include "cli/camera/CameraText.h"
+#include "cli/camera/SensorFormats.h"
+#include "common/ExitCode.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+/// What `camera add` is given.
+struct Given {
+  std::optional<std::string> model;
+  std::optional<std::string> sensor;
+  std::optional<float> width;
+  std::optional<float> height;
+  std::optional<float> megapixels;
+  std::optional<float> coc;
+  std::optional<float> aperture;
+  std::optional<float> focalLength;
+  bool isFilm = false;
+};
+
+/// Beyond all lenses and film, and far below where a diagonal overflows.
+constexpr float kMost = 100'000;
+
+Expected<float> positiveFromArgument(const std::string& option, const std::string& text) {
+  auto number = floatFromArgument(option, text);
+  if (number && *number > 0 && *number <= kMost) return number;
+  return refused(option, text, "allowed are numbers above 0, up to 100000");
+}
+
+/// Zero is a circle of confusion that may be chosen.
+Expected<float> circleFromArgument(const std::string& option, const std::string& text) {
+  const auto number = floatFromArgument(option, text);
+  return number && *number == 0 ? Expected<float>(0.0F) : positiveFromArgument(option, text);
+}
+
+/// The size that was given, or that of the sensor named.
+Expected<SensorFormat> sensorOf(const Given& given) {
+  if (given.sensor) return sensorNamed("--sensor", *given.sensor);
+  if (given.width && given.height) return SensorFormat{"", *given.width, *given.height};
+  return tl::make_unexpected(
+      failure(kExitUsage, "camera add", "give --sensor, or --width and --height"));
+}
+
+Expected<void> apply(const Given& given, const SensorFormat& sensor, CustomCamera& camera) {
+  const std::pair<const char*, std::optional<float>> numbers[] = {
+      {"sensorWidth", sensor.width},    {"sensorHeight", sensor.height},
+      {"megapixels", given.megapixels}, {"coc", given.coc},
+      {"aperture", given.aperture},     {"focalLength", given.focalLength},
+  };
+  const auto set = [&](const Value& value, const char* key) -> Expected<void> {
+    if (camera.setValueForKey(value, key)) return {};
+    return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
+  };
+  auto done = set(*given.model, "model");
+  for (const auto& [key, number] : numbers) {
+    if (done && number) done = set(double{*number}, key);
+  }
+  if (done && given.isFilm) done = set(std::int64_t{1}, "isFilm");
+  return done;
+}
+
+int addCamera(const Given& given, Console& console) {
+  const auto sensor = sensorOf(given);
+  if (!sensor) return console.fail(sensor.error());
+  const auto context = contextForWriting();
+  if (!context) return console.fail(context.error());
+  const auto camera =
+      std::dynamic_pointer_cast<CustomCamera>((*context)->insertNewObject("CustomCamera"));
+  if (!camera) return console.fail(failure(kExitInternal, "camera add", "the model has none"));
+  if (const auto done = apply(given, *sensor, *camera); !done) return console.fail(done.error());
+  if (CustomCamera::existsCameraWithModel(*camera, **context)) {
+    return console.fail(failure(kExitUsage, *given.model,
+                                "another camera has this model name; choose a different one, or "
+                                "remove that with vantrel camera remove"));
+  }
+  if (const auto saved = (*context)->save(); !saved) return console.fail(saved.error());
+  if (console.isJson()) console.print(jsonText(jsonOfCamera(*camera)));
+  return kExitDone;
+}
+
+int listCameras(Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto cameras = allCameras(**context);
+  if (!cameras) return console.fail(cameras.error());
+  if (cameras->empty()) console.note("no cameras");
+  if (!console.isJson()) {
+    console.print(cameraTable(*cameras, console));
+    return kExitDone;
+  }
+  Json list = Json::array();
+  for (const auto& camera : *cameras) list.push_back(jsonOfCamera(*camera));
+  console.print(jsonText(Json{{"cameras", std::move(list)}}));
+  return kExitDone;
+}
+
+int listSensors(Console& console) {
+  const auto sensors = sensorFormats();
+  if (!sensors) return console.fail(sensors.error());
+  if (!console.isJson()) {
+    console.print(sensorTable(*sensors));
+    return kExitDone;
+  }
+  Json list = Json::array();
+  for (const auto& sensor : *sensors) list.push_back(jsonOfSensor(sensor));
+  console.print(jsonText(Json{{"sensors", std::move(list)}}));
+  return kExitDone;
+}
+
+using CameraName = std::optional<std::string>;
+
+Expected<std::shared_ptr<CustomCamera>> storedCamera(const CameraName& name) {
+  return contextForReading().and_then([&](auto* context) { return cameraNamed(*context, *name); });
+}
+
+int showCamera(const CameraName& name, Console& console) {
+  const auto camera = storedCamera(name);
+  if (!camera) return console.fail(camera.error());
+  console.print(console.isJson() ? jsonText(jsonOfCamera(**camera))
+                                 : cameraDetails(**camera, console));
+  return kExitDone;
+}
+
+int removeCamera(const CameraName& name, Console& console) {
+  const auto removed = storedCamera(name).and_then(removeFromStore);
+  return removed ? kExitDone : console.fail(removed.error());
+}
+
+void addAttributes(CLI::App& parser, Given& given) {
+  addValueOption(parser, "MODEL", given.model, &filledTextFromArgument, "", "Name of the model");
+  const auto number = [&](const char* name, std::optional<float>& target, const char* unit,
+                          const char* description) {
+    return addValueOption(parser, name, target, &positiveFromArgument, unit, description);
+  };
+  addTextOption(parser, "--sensor", given.sensor, "NAME",
+                "Size of a common sensor, as aps-c: see vantrel camera sensors");
+  auto* sensor = parser.get_option("--sensor");
+  sensor->excludes(number("--width", given.width, "MM", "Width of the sensor or film frame"));
+  sensor->excludes(number("--height", given.height, "MM", "Its height"));
+  number("--megapixels", given.megapixels, "COUNT", "Resolution");
+  addValueOption(parser, "--coc", given.coc, &circleFromArgument, "MM",
+                 "Circle of confusion, where a 1440th of the diagonal will not do");
+  number("--aperture", given.aperture, "F", "Aperture of the lens, as 2.8");
+  number("--focal-length", given.focalLength, "MM", "Focal length of the lens");
+  parser.add_flag("--film", given.isFilm, "Takes film");
+}
+
+void addCameraName(CLI::App& parser, CameraName& name) {
+  addValueOption(parser, "CAMERA", name, &filledTextFromArgument, "",
+                 "Model, identifier, the first four or more of its characters, or URI");
+}
+
+}  // namespace
+
+void fillCameraCommands(CLI::App& parser, Session& session) {
+  parser.require_subcommand(1);
+  const auto add =
+      addCommand(parser, session, "add", "Add a camera by the size of its sensor", &addCamera);
+  addAttributes(add.parser, add.given);
+  addCommand(parser, session, "list",
+             "List cameras with diagonal, circle of confusion and crop factor", &listCameras);
+  const auto show =
+      addCommand(parser, session, "show", "Show all that is known of a camera", &showCamera);
+  addCameraName(show.parser, show.given);
+  const auto remove = addCommand(parser, session, "remove", "Remove a camera", &removeCamera);
+  addCameraName(remove.parser, remove.given);
+  addCommand(parser, session, "sensors", "List common sensors and film frames", &listSensors);
+}
+
+}  // namespace vantrel::cli

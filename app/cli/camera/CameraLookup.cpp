@@ -1,0 +1,71 @@
+#include "cli/camera/CameraLookup.h"
+
+#include <vector>
+
+#include "cli/Suggestion.h"
+#include "cli/camera/CameraText.h"
+#include "common/ExitCode.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr std::size_t kShortestPrefix = 4;
+constexpr std::size_t kMostCandidates = 10;
+
+/// The ways of naming a camera, the strictest first.
+using Matches = bool (*)(const CustomCamera& camera, const std::string& text);
+constexpr Matches kWays[] = {
+    [](const CustomCamera& camera, const std::string& text) { return camera.model() == text; },
+    [](const CustomCamera& camera, const std::string& text) {
+      return camera.objectID().URIRepresentation() == text;
+    },
+    [](const CustomCamera& camera, const std::string& text) {
+      return !folded(text).empty() && folded(camera.model().value_or("")) == folded(text);
+    },
+    [](const CustomCamera& camera, const std::string& text) {
+      return text.size() >= kShortestPrefix &&
+             folded(camera.uniqueIdentifier().value_or("")).starts_with(folded(text));
+    },
+};
+
+Error listed(const std::string& text, const CustomCamera::Cameras& cameras) {
+  std::string lines = "more than one camera; name one of these by its identifier";
+  for (std::size_t i = 0; i < cameras.size() && i < kMostCandidates; ++i) {
+    lines += "\n" + candidateText(*cameras[i]);
+  }
+  if (cameras.size() > kMostCandidates) lines += "\n...";
+  return failure(kExitUsage, text, lines);
+}
+
+}  // namespace
+
+Expected<CustomCamera::Cameras> allCameras(ManagedObjectContext& context) {
+  if (auto cameras = CustomCamera::loadCustomCamerasInManagedObjectContext(context)) {
+    return *std::move(cameras);
+  }
+  return tl::make_unexpected(failure(kExitInputOutput, "cameras", "they cannot be read"));
+}
+
+Expected<std::shared_ptr<CustomCamera>> cameraNamed(ManagedObjectContext& context,
+                                                    const std::string& text) {
+  const auto cameras = allCameras(context);
+  if (!cameras) return tl::make_unexpected(cameras.error());
+  for (const auto matches : kWays) {
+    CustomCamera::Cameras found;
+    for (const auto& camera : *cameras) {
+      if (matches(*camera, text)) found.push_back(camera);
+    }
+    if (found.size() == 1) return found.front();
+    if (!found.empty()) return tl::make_unexpected(listed(text, found));
+  }
+  std::vector<std::string> models;
+  for (const auto& camera : *cameras) models.push_back(camera->model().value_or(""));
+  const auto nearest = nearestWord(text, models);
+  return tl::make_unexpected(
+      failure(kExitMissing, text,
+              "no such camera; " +
+                  (nearest ? "did you mean \"" + *nearest + "\"?" : "see vantrel camera list")));
+}
+
+}  // namespace vantrel::cli

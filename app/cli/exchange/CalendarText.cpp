@@ -1,0 +1,169 @@
+#include "cli/exchange/CalendarText.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "platform/text/Utf8.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr std::size_t kDeepest = 16;
+/// STANDARD and DAYLIGHT, of which a zone is made.
+constexpr std::size_t kDepthOfObservances = 3;
+constexpr std::size_t kLongestLine = std::size_t{1} << 20;
+/// Of all zones together, in lines: the library takes the square of the bad ones for it. A rule
+/// costs a walk through its years, and counts for more.
+constexpr std::size_t kMostZoneWork = 20000;
+constexpr std::size_t kWorkOfRule = 20;
+constexpr std::array<std::string_view, 15> kProperties = {
+    "UID",     "SUMMARY", "DESCRIPTION",  "LOCATION",   "GEO",
+    "DTSTART", "DUE",     "RRULE",        "RDATE",      "RECURRENCE-ID",
+    "STATUS",  "TZID",    "TZOFFSETFROM", "TZOFFSETTO", "X-LIC-LOCATION"};
+
+std::string upperCase(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+  return result;
+}
+
+std::size_t workOf(std::string_view name, std::string_view line) {
+  if (name == "RRULE") return kWorkOfRule;
+  return 1 + static_cast<std::size_t>(std::count(line.begin(), line.end(), ','));
+}
+
+/// Follows which component a line stands in, and hands what matters to the library.
+class CalendarLines {
+ public:
+  CalendarLines() : parser_(icalparser_new(), &icalparser_free) {}
+
+  Expected<void> add(std::string line) {
+    const std::size_t nameEnd = std::min(line.find_first_of(";:"), line.size());
+    const std::string name = upperCase(std::string_view(line).substr(0, nameEnd));
+    if (name == "BEGIN" || name == "END") {
+      const std::string component =
+          upperCase(std::string_view(line).substr(std::min(nameEnd + 1, line.size())));
+      return name == "BEGIN" ? begin(component) : end(component);
+    }
+    if (path_.empty()) return line.empty() ? Expected<void>() : refused("calendar", kNoCalendar);
+    const auto known = std::find(kProperties.begin(), kProperties.end(), name);
+    const std::size_t valueAt = std::min(line.find(':'), line.size());
+    // The library takes an empty text for a mistake.
+    const bool isEmpty = valueAt + 1 == line.size();
+    if (path_.size() == 1 || isDropped() || known == kProperties.end() || isEmpty) return {};
+    if (line.size() > kLongestLine) return refused(name, "longer than 1 MiB");
+    // Only now: where a line is folded, a character may be cut in two.
+    if (line.find('\0') != std::string::npos || !isUtf8(line)) {
+      return refused(name, "is no UTF-8 text");
+    }
+    if (path_.size() == kDepthOfObservances) {
+      zoneWork_ += workOf(name, line);
+      if (zoneWork_ > kMostZoneWork) return refused("VTIMEZONE", "too many rules");
+    } else {
+      // Of an event the first of each counts, and of other dates only that there are any.
+      auto& isRepeated = seen_[static_cast<std::size_t>(known - kProperties.begin())];
+      if (std::exchange(isRepeated, true)) return {};
+      if (name == "RDATE") line.resize(std::min(line.find(','), line.size()));
+    }
+    if (name == "GEO") line = std::string(kPlaceProperty) + line.substr(valueAt);
+    pass(line);
+    return {};
+  }
+
+  Expected<std::vector<CalendarComponent>> finish() {
+    if (!path_.empty()) return refused(path_.back(), "is not closed; the file ends too early");
+    if (calendars_.empty()) return refused("calendar", kNoCalendar);
+    return std::move(calendars_);
+  }
+
+ private:
+  static constexpr const char* kNoCalendar = "is none; wanted is BEGIN:VCALENDAR";
+
+  bool isDropped() const { return droppedAt_ != 0; }
+
+  /// Whether a component of that name may make a plan, or a zone for one, where it stands.
+  bool isWanted(const std::string& component) const {
+    if (path_.size() == 1) {
+      return component == "VEVENT" || component == "VTODO" || component == "VTIMEZONE";
+    }
+    return path_.size() + 1 == kDepthOfObservances && path_.back() == "VTIMEZONE" &&
+           (component == "STANDARD" || component == "DAYLIGHT");
+  }
+
+  Expected<void> begin(const std::string& component) {
+    if (path_.size() >= kDeepest) return refused(component, "nested too deeply");
+    if (path_.empty() && component != "VCALENDAR") return refused("calendar", kNoCalendar);
+    if (!path_.empty() && !isDropped() && !isWanted(component)) droppedAt_ = path_.size();
+    path_.push_back(component);
+    if (isDropped()) return {};
+    if (path_.size() < kDepthOfObservances) seen_ = {};
+    if (component == "VEVENT" || component == "VTODO") {
+      if (auto checked = checkCount(++entries_); !checked) return checked;
+    }
+    pass("BEGIN:" + component);
+    return {};
+  }
+
+  Expected<void> end(const std::string& component) {
+    if (path_.empty() || path_.back() != component) {
+      return refused("END:" + component.substr(0, 40),
+                     path_.empty() ? "closes nothing" : "stands within " + path_.back());
+    }
+    path_.pop_back();
+    if (isDropped()) {
+      if (path_.size() == droppedAt_) droppedAt_ = 0;
+    } else {
+      pass("END:" + component);
+    }
+    return {};
+  }
+
+  void pass(std::string line) {
+    if (auto* calendar = icalparser_add_line(parser_.get(), line.data())) {
+      calendars_.emplace_back(calendar);
+    }
+  }
+
+  std::unique_ptr<icalparser, decltype(&icalparser_free)> parser_;
+  std::vector<std::string> path_;
+  std::size_t droppedAt_ = 0;  ///< How deep stands what is passed over; 0 for none.
+  std::size_t entries_ = 0;
+  std::array<bool, kProperties.size()> seen_{};  ///< In the event.
+  std::size_t zoneWork_ = 0;
+  std::vector<CalendarComponent> calendars_;
+};
+
+}  // namespace
+
+Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
+                                                         const ProgressReport& progress) {
+  icalerror_set_errors_are_fatal(0);
+  CalendarLines lines;
+  std::string line;
+  // Folded lines are joined here: the library takes the square of a long line's length for it.
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
+    std::string_view piece = text.substr(at, lineEnd - at);
+    at = lineEnd + 1;
+    if (piece.ends_with('\r')) piece.remove_suffix(1);
+    const bool isFolded = piece.starts_with(' ') || piece.starts_with('\t');
+    if (isFolded) {
+      piece.remove_prefix(1);
+    } else if (const auto added = lines.add(std::exchange(line, {})); !added) {
+      return tl::make_unexpected(added.error());
+    }
+    // As much as tells that it is too long.
+    line += piece.substr(0, kLongestLine + 1 - std::min(line.size(), kLongestLine));
+    progress(at, text.size());
+  }
+  if (const auto added = lines.add(std::move(line)); !added) {
+    return tl::make_unexpected(added.error());
+  }
+  return lines.finish();
+}
+
+}  // namespace vantrel::cli

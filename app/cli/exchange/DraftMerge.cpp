@@ -1,0 +1,184 @@
+#include "cli/exchange/DraftMerge.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "base/Iso8601.h"
+#include "cli/exchange/ExchangeText.h"
+#include "cli/plan/PlanSelection.h"
+#include "cli/plan/PlanText.h"
+#include "common/ExitCode.h"
+#include "common/PlanLink.h"
+#include "platform/text/TimeZone.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr const char* kPlanEntity = "Planning";
+constexpr const char* kIdentifierKey = "uniqueIdentifier";
+constexpr const char* kUriScheme = "x-coredata://";
+constexpr std::array kContentKeys = {"name", "notes", "date", "timezone", "latitude", "longitude"};
+
+using Values = std::map<std::string, Value>;
+
+template <typename T>
+std::optional<T> contentOf(const Value& value) {
+  const T* content = std::get_if<T>(&value);
+  return content ? std::optional(*content) : std::nullopt;
+}
+
+/// The library that reads calendars takes the blanks at both ends of a text away.
+std::string_view withoutMargins(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+}
+
+/// Whether two values are one to calendars, which round them and know no control characters.
+bool isSameRounded(const Value& stored, const Value& read) {
+  const auto date = contentOf<Date>(stored);
+  const auto readDate = contentOf<Date>(read);
+  if (date && readDate) {
+    return std::floor(date->timeIntervalSinceReferenceDate()) ==
+           readDate->timeIntervalSinceReferenceDate();
+  }
+  const auto text = contentOf<std::string>(stored);
+  const auto readText = contentOf<std::string>(read);
+  if (text && readText) return withoutMargins(calendarText(*text)) == withoutMargins(*readText);
+  const auto number = contentOf<double>(stored);
+  const auto readNumber = contentOf<double>(read);
+  return number && readNumber && std::fabs(*number - *readNumber) <= kPlacePrecision;
+}
+
+/// A year that JSON cannot write comes back as null.
+bool isUnwritableDate(const Value& stored) {
+  const auto date = contentOf<Date>(stored);
+  return date && iso8601String(*date).empty();
+}
+
+bool isSame(const Value& stored, const Value& read, bool isRounded) {
+  if (stored == read || (isRounded && isSameRounded(stored, read))) return true;
+  return std::holds_alternative<std::monostate>(read) && isUnwritableDate(stored);
+}
+
+/// All that a plan says: equal for plans that say the same.
+using Contents = std::array<Value, kContentKeys.size()>;
+
+template <typename ValueOf>
+Contents contentsOf(ValueOf valueOf) {
+  Contents contents;
+  std::transform(kContentKeys.begin(), kContentKeys.end(), contents.begin(), valueOf);
+  return contents;
+}
+
+class Merge {
+ public:
+  Merge(ManagedObjectContext* context, bool isDryRun) : context_(context), isDryRun_(isDryRun) {}
+
+  Expected<void> readStore(bool withContents) {
+    const auto plans = context_ ? allPlans(*context_) : Expected<Plans>(Plans());
+    if (!plans) return tl::make_unexpected(plans.error());
+    for (const auto& plan : *plans) {
+      if (const auto identifier = plan->uniqueIdentifier()) known_.emplace(*identifier, plan);
+      if (!withContents) continue;
+      contents_.insert(contentsOf([&](const char* key) { return plan->valueForKey(key); }));
+    }
+    return {};
+  }
+
+  Expected<MergedPlan> merge(const PlanDraft& draft) {
+    auto plan = planOf(draft);
+    Values values = valuesOf(draft, plan.get());
+    const auto valueOf = [&](const char* key) {
+      const auto at = values.find(key);
+      if (at != values.end()) return at->second;
+      return plan ? plan->valueForKey(key) : Value();
+    };
+    MergedPlan merged = {MergeOutcome::kSkipped, draft.identifier,
+                         contentOf<std::string>(valueOf("name")), contentOf<Date>(valueOf("date")),
+                         contentOf<std::string>(valueOf("timezone"))};
+    if (plan) {
+      merged.identifier = plan->uniqueIdentifier();
+      std::erase_if(values, [&](const auto& given) {
+        return isSame(plan->valueForKey(given.first), given.second, draft.isRounded);
+      });
+      if (!values.empty()) merged.outcome = MergeOutcome::kChanged;
+    } else if (draft.identifier || contents_.insert(contentsOf(valueOf)).second) {
+      merged.outcome = MergeOutcome::kAdded;
+      if (draft.identifier) values[kIdentifierKey] = *draft.identifier;
+    }
+    if (isDryRun_ || merged.outcome == MergeOutcome::kSkipped) return merged;
+    if (!plan) plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(kPlanEntity));
+    if (!plan) return tl::make_unexpected(failure(kExitInternal, "plan", "the model has no plans"));
+    for (const auto& [key, value] : values) {
+      if (!plan->setValueForKey(value, key)) return refused(key, "this store has no place for it");
+    }
+    merged.identifier = plan->uniqueIdentifier();
+    return merged;
+  }
+
+ private:
+  std::shared_ptr<Planning> planOf(const PlanDraft& draft) {
+    if (!draft.identifier) return nullptr;
+    const auto known = known_.find(*draft.identifier);
+    if (known != known_.end()) return known->second;
+    // What a plan without an identifier goes out under.
+    if (!context_ || !draft.identifier->starts_with(kUriScheme)) return nullptr;
+    return planWithURI(*context_, *draft.identifier).value_or(nullptr);
+  }
+
+  /// What the draft says, its wall time placed in a zone.
+  static Values valuesOf(const PlanDraft& draft, const Planning* plan) {
+    Values values = draft.values;
+    if (!draft.wallSeconds) return values;
+    auto zone = plan ? zoneOfPlan(*plan) : TimeZone::defaultTimeZone();
+    const auto given = values.find("timezone");
+    if (given != values.end()) {
+      const auto name = contentOf<std::string>(given->second);
+      const auto named = name ? TimeZone::timeZoneWithName(*name) : std::nullopt;
+      zone = named.value_or(TimeZone::defaultTimeZone());
+    } else if (!plan && TimeZone::timeZoneWithName(zone.name())) {
+      // A wall time means little without its zone.
+      values["timezone"] = zone.name();
+    }
+    values["date"] = zone.dateForWallSeconds(*draft.wallSeconds);
+    return values;
+  }
+
+  ManagedObjectContext* context_;
+  bool isDryRun_;
+  std::unordered_map<std::string, std::shared_ptr<Planning>> known_;
+  std::set<Contents> contents_;
+};
+
+}  // namespace
+
+Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& drafts,
+                                              ManagedObjectContext* context, bool isDryRun,
+                                              const ProgressReport& progress) {
+  const bool isSomeWithout = std::any_of(drafts.begin(), drafts.end(),
+                                         [](const auto& draft) { return !draft.identifier; });
+  Merge merge(context, isDryRun);
+  if (const auto read = merge.readStore(isSomeWithout); !read) {
+    return tl::make_unexpected(read.error());
+  }
+  std::vector<MergedPlan> merged;
+  std::unordered_set<std::string_view> done;
+  for (const auto& draft : drafts) {
+    progress(merged.size(), drafts.size());
+    if (draft.identifier && !done.insert(*draft.identifier).second) continue;
+    auto one = merge.merge(draft);
+    if (!one) return tl::make_unexpected(one.error());
+    merged.push_back(std::move(*one));
+  }
+  return merged;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,213 @@
+#include "cli/exchange/JsonReader.h"
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "base/Iso8601.h"
+#include "cli/Arguments.h"
+#include "common/ExitCode.h"
+#include "platform/text/TimeZone.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr int kDeepest = 4;
+/// For each plan there is room for a dozen of attributes and some.
+constexpr std::size_t kMostValues = kMostPlansRead * 20;
+constexpr std::array kDescriptions = {"uri",     "link", "localDate", "images",
+                                      "started", "row",  "title",     "dateText"};
+
+/// Walks through JSON text and stops where it is none, goes too deep or too far. The library's own
+/// way to look on while it reads takes the square of a list's length.
+class ShapeCheck : public nlohmann::json_sax<json> {
+ public:
+  explicit ShapeCheck(std::string_view text) : text_(text) {}
+  const std::optional<Error>& failure() const { return failure_; }
+
+  bool null() override { return count(); }
+  bool boolean(bool /*value*/) override { return count(); }
+  bool number_integer(std::int64_t /*value*/) override { return count(); }
+  bool number_unsigned(std::uint64_t /*value*/) override { return count(); }
+  bool number_float(double /*value*/, const std::string& /*text*/) override { return count(); }
+  bool string(std::string& /*value*/) override { return count(); }
+  bool binary(json::binary_t& /*value*/) override { return count(); }
+  bool key(std::string& /*value*/) override { return true; }
+  bool start_object(std::size_t /*size*/) override { return enter(); }
+  bool end_object() override { return leave(); }
+  bool start_array(std::size_t /*size*/) override { return enter(); }
+  bool end_array() override { return leave(); }
+  bool parse_error(std::size_t position, const std::string& /*token*/,
+                   const nlohmann::detail::exception& fault) override {
+    constexpr int kNumberOutOfRange = 406;
+    const auto end = text_.begin() + static_cast<std::ptrdiff_t>(std::min(position, text_.size()));
+    const auto line = "line " + std::to_string(std::count(text_.begin(), end, '\n') + 1);
+    return fail(
+        line, fault.id == kNumberOutOfRange ? "a number is out of range" : "not JSON from here on");
+  }
+
+ private:
+  bool fail(const std::string& where, const char* why) {
+    failure_ = vantrel::failure(kExitBadData, where, why);
+    return false;
+  }
+  bool count() {
+    return ++values_ <= kMostValues || fail("JSON", "more values than any list of plans has");
+  }
+  bool enter() {
+    return ++depth_ <= kDeepest ? count() : fail("JSON", "nested too deeply to be a list of plans");
+  }
+  bool leave() {
+    --depth_;
+    return true;
+  }
+
+  std::string_view text_;
+  std::size_t values_ = 0;
+  int depth_ = 0;
+  std::optional<Error> failure_;
+};
+
+Expected<json> parsed(std::string_view text) {
+  ShapeCheck check(text);
+  if (!json::sax_parse(text, &check)) {
+    return tl::make_unexpected(
+        check.failure().value_or(failure(kExitBadData, "JSON", "cannot be read")));
+  }
+  return json::parse(text);
+}
+
+const char* kindOf(const json& value) {
+  return value.is_null() ? "null" : value.type_name();
+}
+
+/// Reads one plan's attributes, each with its place in the file for messages.
+class PlanReader {
+ public:
+  PlanReader(const json& object, const std::string& where) : object_(object) {
+    draft_.where = where;
+  }
+
+  Expected<PlanDraft> read() {
+    if (!object_.is_object()) {
+      return refused(draft_.where, std::string("must be an object, not ") + kindOf(object_));
+    }
+    for (const auto& [key, value] : object_.items()) {
+      const auto done = readAttribute(key, value);
+      if (!done) return tl::make_unexpected(done.error());
+    }
+    return std::move(draft_);
+  }
+
+ private:
+  Expected<void> readAttribute(const std::string& key, const json& value) {
+    const std::string where = draft_.where + "." + key;
+    if (key == "name" || key == "notes") return readText(key, value, where);
+    if (key == "latitude") return readDegrees(key, value, where, 90);
+    if (key == "longitude") return readDegrees(key, value, where, 180);
+    if (key == "uniqueIdentifier") return readIdentifier(value, where);
+    if (key == "date") return readDate(value, where);
+    if (key == "timezone") return readZone(value, where);
+    if (std::find(kDescriptions.begin(), kDescriptions.end(), key) != kDescriptions.end()) {
+      return {};
+    }
+    return refused(where, "no such key; see vantrel plan list --json");
+  }
+
+  /// The text, unless it is null or no text.
+  static Expected<std::optional<std::string>> textOf(const json& value, const std::string& where) {
+    if (value.is_null()) return std::nullopt;
+    if (!value.is_string()) {
+      return refused(where, std::string("must be a text or null, not ") + kindOf(value));
+    }
+    auto text = value.get<std::string>();
+    if (text.find('\0') != std::string::npos) return refused(where, "holds a NUL");
+    return text;
+  }
+
+  Expected<void> readText(const std::string& key, const json& value, const std::string& where) {
+    return textOf(value, where).map([&](auto text) {
+      draft_.values[key] = text ? Value(std::move(*text)) : Value();
+    });
+  }
+
+  Expected<void> readIdentifier(const json& value, const std::string& where) {
+    return textOf(value, where).and_then([&](auto text) -> Expected<void> {
+      draft_.identifier = text;
+      return text ? checkIdentifier(where, *text) : Expected<void>();
+    });
+  }
+
+  Expected<void> readZone(const json& value, const std::string& where) {
+    return textOf(value, where).and_then([&](auto text) -> Expected<void> {
+      if (text && !TimeZone::timeZoneWithName(*text)) {
+        return refused(where, "no such time zone: \"" + *text + "\"");
+      }
+      draft_.values["timezone"] = text ? Value(*text) : Value();
+      return {};
+    });
+  }
+
+  Expected<void> readDate(const json& value, const std::string& where) {
+    return textOf(value, where).and_then([&](auto text) -> Expected<void> {
+      const auto instant = text ? dateFromIso8601String(*text) : std::nullopt;
+      const auto wall = text ? wallTimeFromIso8601String(*text) : std::nullopt;
+      if (wall) {
+        draft_.wallSeconds = secondsOfWallTime(*wall);
+      } else if (instant || !text) {
+        draft_.values["date"] = instant ? Value(*instant) : Value();
+      } else {
+        return refused(where, "no such date: \"" + *text + "\"; wanted is 2026-07-15T21:40:00Z");
+      }
+      return {};
+    });
+  }
+
+  Expected<void> readDegrees(const std::string& key, const json& value, const std::string& where,
+                             int limit) {
+    if (!value.is_null() && !value.is_number()) {
+      return refused(where, std::string("must be a number or null, not ") + kindOf(value));
+    }
+    draft_.values[key] = Value();
+    if (value.is_null()) return {};
+    return checkedDegrees(where, value.get<double>(), limit).map([&](double degrees) {
+      draft_.values[key] = degrees;
+    });
+  }
+
+  const json& object_;
+  PlanDraft draft_;
+};
+
+}  // namespace
+
+Expected<PlanDrafts> draftsFromJson(std::string_view text) {
+  const auto content = parsed(text);
+  if (!content) return tl::make_unexpected(content.error());
+  const json* list = &*content;
+  if (list->is_object()) {
+    const auto plans = list->find("plans");
+    if (plans == list->end()) return refused("JSON", "has no \"plans\"");
+    list = &*plans;
+  }
+  if (!list->is_array()) {
+    return refused("plans", std::string("must be an array, not ") + kindOf(*list));
+  }
+  if (const auto checked = checkCount(list->size()); !checked) {
+    return tl::make_unexpected(checked.error());
+  }
+  PlanDrafts drafts;
+  drafts.plans.reserve(list->size());
+  for (std::size_t i = 0; i < list->size(); ++i) {
+    auto draft = PlanReader((*list)[i], "plans[" + std::to_string(i) + "]").read();
+    if (!draft) return tl::make_unexpected(draft.error());
+    drafts.plans.push_back(std::move(*draft));
+  }
+  return drafts;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,105 @@
+#include "cli/exchange/MapWriter.h"
+
+#include <optional>
+#include <pugixml.hpp>
+#include <string>
+
+#include "cli/exchange/ExchangeText.h"
+#include "cli/plan/PlanText.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+class SinkWriter : public pugi::xml_writer {
+ public:
+  explicit SinkWriter(const TextSink& print) : print_(print) {}
+  void write(const void* data, std::size_t size) override {
+    print_({static_cast<const char*>(data), size});
+  }
+
+ private:
+  const TextSink& print_;
+};
+
+/// A new document's outermost element.
+pugi::xml_node root(pugi::xml_document& document, const char* name, const char* xmlNamespace) {
+  auto declaration = document.append_child(pugi::node_declaration);
+  declaration.append_attribute("version") = "1.0";
+  declaration.append_attribute("encoding") = "UTF-8";
+  auto node = document.append_child(name);
+  node.append_attribute("xmlns") = xmlNamespace;
+  return node;
+}
+
+/// An element with that text, where there is one.
+void appendText(pugi::xml_node parent, const char* name, const std::optional<std::string>& text) {
+  if (text && !text->empty()) parent.append_child(name).text().set(xmlText(*text).c_str());
+}
+
+void appendData(pugi::xml_node parent, const char* name, const std::optional<std::string>& text) {
+  if (!text || text->empty()) return;
+  auto data = parent.append_child("Data");
+  data.append_attribute("name") = name;
+  appendText(data, "value", text);
+}
+
+void print(const pugi::xml_document& document, const TextSink& sink) {
+  SinkWriter writer(sink);
+  document.save(writer, "  ", pugi::format_indent, pugi::encoding_utf8);
+}
+
+}  // namespace
+
+std::size_t writeGpx(const Plans& plans, const TextSink& sink) {
+  pugi::xml_document document;
+  auto gpx = root(document, "gpx", "http://www.topografix.com/GPX/1/1");
+  gpx.append_attribute("version") = "1.1";
+  gpx.append_attribute("creator") = "Vantrel Today";
+  std::size_t leftOut = 0;
+  for (const auto& plan : plans) {
+    const auto place = placeOfPlan(*plan);
+    if (!place) {
+      ++leftOut;
+      continue;
+    }
+    auto waypoint = gpx.append_child("wpt");
+    waypoint.append_attribute("lat") = decimalText(place->latitude).c_str();
+    // The format's longitudes end before 180.
+    const double longitude = place->longitude == 180 ? -180 : place->longitude;
+    waypoint.append_attribute("lon") = decimalText(longitude).c_str();
+    appendText(waypoint, "time", instantText(*plan));
+    appendText(waypoint, "name", plan->name());
+    if (const auto date = plan->date()) {
+      const TimeZone zone = zoneOfPlan(*plan);
+      appendText(waypoint, "cmt", wallText(*date, zone) + " " + zone.name());
+    }
+    appendText(waypoint, "desc", plan->notes());
+  }
+  print(document, sink);
+  return leftOut;
+}
+
+void writeKml(const Plans& plans, const TextSink& sink) {
+  pugi::xml_document document;
+  auto folder = root(document, "kml", "http://www.opengis.net/kml/2.2").append_child("Document");
+  appendText(folder, "name", "Planned shoots");
+  for (const auto& plan : plans) {
+    auto placemark = folder.append_child("Placemark");
+    appendText(placemark, "name", plan->name());
+    appendText(placemark, "description", plan->notes());
+    if (const auto when = localText(*plan); !when.empty()) {
+      appendText(placemark.append_child("TimeStamp"), "when", when);
+    }
+    auto extended = placemark.append_child("ExtendedData");
+    appendData(extended, "uniqueIdentifier", plan->uniqueIdentifier());
+    appendData(extended, "timezone", plan->timezone());
+    if (const auto place = placeOfPlan(*plan)) {
+      appendText(placemark.append_child("Point"), "coordinates",
+                 decimalText(place->longitude) + "," + decimalText(place->latitude));
+    }
+  }
+  print(document, sink);
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,75 @@
+#include "cli/exchange/PlanExport.h"
+
+#include <optional>
+#include <string>
+
+#include "cli/exchange/CalendarWriter.h"
+#include "cli/exchange/CsvWriter.h"
+#include "cli/exchange/MapWriter.h"
+#include "cli/plan/PlanJson.h"
+#include "cli/plan/PlanSelection.h"
+#include "common/ExitCode.h"
+#include "common/OutputFile.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+/// The number of plans that the format could not hold.
+std::size_t write(const Plans& plans, ExchangeFormat format, const TextSink& print) {
+  switch (format) {
+    case ExchangeFormat::kJson:
+      printJson(plans, print);
+      return 0;
+    case ExchangeFormat::kCsv:
+      writeCsv(plans, print);
+      return 0;
+    case ExchangeFormat::kGpx:
+      return writeGpx(plans, print);
+    case ExchangeFormat::kKml:
+      writeKml(plans, print);
+      return 0;
+    case ExchangeFormat::kCalendar:
+      break;
+  }
+  writeCalendar(plans, print);
+  return 0;
+}
+
+Expected<std::size_t> writeFile(const Plans& plans, ExchangeFormat format,
+                                const std::string& name) {
+  OutputFile file(name);
+  if (const auto opened = file.open(); !opened) return tl::make_unexpected(opened.error());
+  const std::size_t leftOut =
+      write(plans, format, [&](std::string_view text) { file.write(text); });
+  return file.finish().map([&] { return leftOut; });
+}
+
+}  // namespace
+
+int exportPlans(const ExchangeOptions& options, Console& console) {
+  const bool isFile = options.file != ExchangeOptions::kStandardStream;
+  auto format = options.format;
+  if (!format && isFile) {
+    format = formatOfFileName(options.file);
+    if (!format) {
+      return console.fail(failure(kExitUsage, options.file,
+                                  "tells no format; name it .ics, .json, .csv, .gpx or .kml, or "
+                                  "give --format"));
+    }
+  }
+  if (!format) format = console.isJson() ? ExchangeFormat::kJson : ExchangeFormat::kCalendar;
+  const auto plans = plansBetween(options.from, options.to);
+  if (!plans) return console.fail(plans.error());
+  const auto leftOut =
+      isFile ? writeFile(*plans, *format, options.file)
+             : write(*plans, *format, [&](std::string_view text) { console.print(text); });
+  if (!leftOut) return console.fail(leftOut.error());
+  if (*leftOut > 0) {
+    console.tell("vantrel: plan export: left out " + std::to_string(*leftOut) +
+                 (*leftOut == 1 ? " plan" : " plans") + " without a place\n");
+  }
+  return kExitDone;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,83 @@
+#include "cli/plan/PlanJson.h"
+
+#include <nlohmann/json.hpp>
+
+#include "base/Iso8601.h"
+#include "cli/JsonText.h"
+#include "cli/plan/PlanText.h"
+#include "common/PlanLink.h"
+#include "platform/system/Clock.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+Json instant(std::optional<Date> date, int offsetSeconds = 0) {
+  const std::string text = date ? iso8601String(*date, offsetSeconds) : std::string();
+  return text.empty() ? Json(nullptr) : Json(text);
+}
+
+Json jsonOfPlan(const Planning& plan) {
+  const auto date = plan.date();
+  const int offset = date ? zoneOfPlan(plan).secondsFromGMTForDate(*date) : 0;
+  return {
+      {"uniqueIdentifier", orNull(plan.uniqueIdentifier())},
+      {"uri", plan.objectID().URIRepresentation()},
+      {"link", deepLink(plan)},
+      {"name", orNull(plan.name())},
+      {"notes", orNull(plan.notes())},
+      {"date", instant(date)},
+      {"timezone", orNull(plan.timezone())},
+      {"localDate", instant(date, offset)},
+      {"latitude", orNull(plan.latitude())},
+      {"longitude", orNull(plan.longitude())},
+      {"images", plan.imageCount()},
+      {"started", date && *date <= Clock::sharedClock().now()},
+  };
+}
+
+Json jsonOfToday(const TodayList& today) {
+  Json list = Json::array();
+  for (const auto& row : today.rows) {
+    Json object = jsonOfPlan(*row.plan);
+    object["row"] = list.size();
+    object["title"] = row.title;
+    object["dateText"] = row.dateText;
+    list.push_back(std::move(object));
+  }
+  return {{"plans", std::move(list)},
+          {"message", orNull(today.message)},
+          {"mode", today.isExpanded ? "expanded" : "compact"}};
+}
+
+}  // namespace
+
+std::string jsonText(const Planning& plan) {
+  return jsonText(jsonOfPlan(plan));
+}
+
+std::string jsonText(const TodayList& today) {
+  return jsonText(jsonOfToday(today));
+}
+
+std::string jsonLine(const TodayList& today) {
+  return jsonLine(jsonOfToday(today));
+}
+
+void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSink& print) {
+  print("{\n  \"plans\": [");
+  const char* lineBreak = "\n    ";
+  for (const auto& plan : plans) {
+    print(plan == plans.front() ? lineBreak : std::string(",") + lineBreak);
+    std::string text = jsonText(*plan);
+    text.pop_back();
+    // Within texts line breaks are escaped, so all of these are the layout's.
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) {
+      text.replace(at, 1, lineBreak);
+    }
+    print(text);
+  }
+  print(plans.empty() ? "]\n}\n" : "\n  ]\n}\n");
+}
+
+}  // namespace vantrel::cli

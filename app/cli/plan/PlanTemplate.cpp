@@ -1,0 +1,135 @@
+#include "cli/plan/PlanTemplate.h"
+
+#include <cmath>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "cli/Arguments.h"
+#include "cli/Suggestion.h"
+#include "cli/plan/PlanText.h"
+#include "common/PlanLink.h"
+#include "common/TerminalText.h"
+#include "time/Formatters.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+std::string dated(const Planning& plan, const DateFormatter& formatter) {
+  const auto date = plan.date();
+  const std::string text = date ? formatter.stringFromDate(*date) : "";
+  return text.empty() ? kUnknown : text;
+}
+
+std::string degrees(std::optional<double> value, const NumberFormatter& formatter) {
+  return value && std::isfinite(*value) ? formatter.stringFromNumber(*value) : kUnknown;
+}
+
+/// What a backslash and the character behind it stand for; nothing for themselves.
+std::optional<char> escaped(std::string_view pair) {
+  if (pair == "\\t") return '\t';
+  if (pair == "\\n") return '\n';
+  if (pair == "\\\\") return '\\';
+  return std::nullopt;
+}
+
+}  // namespace
+
+struct PlanTemplate::Formats {
+  Formatters& shared = Formatters::sharedInstance();
+  DateFormatter day = Formatters::dateFormatterWithMediumMonthAndNoYear();
+  DateFormatter instant = Formatters::RFC3339DateFormatter();
+  NumberFormatter number = Formatters::enUSPosixNumberFormatter();
+};
+
+const std::vector<PlanTemplate::Field>& PlanTemplate::fields() {
+  static const std::vector<Field> all = {
+      {"name", [](auto& plan, auto&) { return shown(plan.name()); }},
+      {"notes", [](auto& plan, auto&) { return shown(plan.notes()); }},
+      {"day", [](auto& plan, auto& formats) { return dated(plan, formats.day); }},
+      {"date",
+       [](auto& plan, auto& formats) { return dated(plan, formats.shared.shortDateFormatter()); }},
+      {"time",
+       [](auto& plan, auto& formats) { return dated(plan, formats.shared.shortTimeFormatter()); }},
+      {"zone", [](auto& plan, auto&) { return shown(plan.timezone()); }},
+      {"instant", [](auto& plan, auto& formats) { return dated(plan, formats.instant); }},
+      {"latitude",
+       [](auto& plan, auto& formats) { return degrees(plan.latitude(), formats.number); }},
+      {"longitude",
+       [](auto& plan, auto& formats) { return degrees(plan.longitude(), formats.number); }},
+      {"id",
+       [](auto& plan, auto&) {
+         const auto identifier = plan.uniqueIdentifier();
+         return identifier ? printable(*identifier) : plan.objectID().URIRepresentation();
+       }},
+      {"link", [](auto& plan, auto&) { return deepLink(plan); }},
+  };
+  return all;
+}
+
+std::string PlanTemplate::fieldNames() {
+  std::string names;
+  for (const auto& field : fields()) names += (names.empty() ? "" : ", ") + std::string(field.name);
+  return names;
+}
+
+tl::expected<PlanTemplate::Write, std::string> PlanTemplate::fieldNamed(const std::string& name) {
+  std::vector<std::string> names;
+  for (const auto& field : fields()) {
+    if (field.name == name) return field.write;
+    names.emplace_back(field.name);
+  }
+  const auto nearest = nearestWord(name, names);
+  return tl::make_unexpected(
+      "no field {" + name + "}; " +
+      (nearest ? "did you mean {" + *nearest + "}?" : "there are " + fieldNames()));
+}
+
+Expected<PlanTemplate> PlanTemplate::parsed(const std::string& option, const std::string& text) {
+  if (const auto valid = textFromArgument(option, text); !valid) {
+    return tl::make_unexpected(valid.error());
+  }
+  const auto fail = [&](const std::string& why) { return refused(option, text, why); };
+  PlanTemplate result;
+  std::string literal;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const char c = text[at];
+    const auto pair = std::string_view(text).substr(at, 2);
+    if (const auto meant = escaped(pair)) {
+      literal += *meant;
+      ++at;
+    } else if (pair == "{{" || pair == "}}") {
+      literal += c;
+      ++at;
+    } else if (c == '{') {
+      const auto end = text.find('}', at);
+      if (end == std::string::npos) return fail("no } behind {; a brace is written {{");
+      const auto write = fieldNamed(text.substr(at + 1, end - at - 1));
+      if (!write) return fail(write.error());
+      result.pieces_.push_back({std::exchange(literal, {}), *write});
+      at = end;
+    } else if (c == '}') {
+      return fail("no { before }; a brace is written }}");
+    } else {
+      literal += c;
+    }
+  }
+  result.pieces_.push_back({literal + "\n"});
+  result.formats_ = std::make_shared<Formats>();
+  return result;
+}
+
+std::string PlanTemplate::line(const Planning& plan) const {
+  const TimeZone zone = zoneOfPlan(plan);
+  formats_->shared.setTimeZone(zone);
+  formats_->day.setTimeZone(zone);
+  std::string text;
+  for (const auto& [literal, write] : pieces_) {
+    text += literal;
+    if (write) text += write(plan, *formats_);
+  }
+  return text;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,164 @@
+#include "cli/plan/PlanText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include "base/Iso8601.h"
+#include "common/PlanLink.h"
+#include "common/TerminalText.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+constexpr std::size_t kDayLength = 10;
+constexpr std::size_t kMinuteLength = 16;
+constexpr std::size_t kSecondLength = 19;
+/// Longer names push their own line to the right instead of every line.
+constexpr std::size_t kWidestColumn = 44;
+/// As much of an identifier as tells one plan from another in any store made by hand.
+constexpr std::size_t kShortIdentifier = 8;
+
+/// Asked for by every row, and the same for the program's short life.
+const TimeZone& deviceZone() {
+  static const TimeZone zone = TimeZone::defaultTimeZone();
+  return zone;
+}
+
+struct TableRow {
+  std::string when;
+  std::string name;
+  std::string zone;
+  std::string here;
+  std::string identifier;
+};
+
+TableRow tableRow(const Planning& plan) {
+  TableRow row{kUnknown, shown(plan.name()), shown(plan.timezone()), "", ""};
+  if (const auto date = plan.date()) {
+    const TimeZone zone = zoneOfPlan(plan);
+    row.when = wallText(*date, zone).substr(0, kMinuteLength);
+    row.here = hereText(*date, zone).value_or("");
+  }
+  // Without an identifier, only the URI names the plan.
+  const auto identifier = plan.uniqueIdentifier();
+  row.identifier = identifier ? printable(*identifier).substr(0, kShortIdentifier)
+                              : plan.objectID().URIRepresentation();
+  return row;
+}
+
+constexpr std::array kColumns = {&TableRow::when, &TableRow::name, &TableRow::zone,
+                                 &TableRow::here};
+
+}  // namespace
+
+TimeZone zoneOfPlan(const Planning& plan) {
+  if (const auto name = plan.timezone()) {
+    if (auto zone = TimeZone::timeZoneWithName(*name)) return *zone;
+  }
+  return deviceZone();
+}
+
+std::string placeText(std::optional<double> latitude, std::optional<double> longitude) {
+  const auto degrees = [](std::optional<double> value) -> std::string {
+    if (!value) return kUnknown;
+    std::array<char, 512> text{};
+    std::snprintf(text.data(), text.size(), "%.5f", *value);
+    return text.data();
+  };
+  return degrees(latitude) + ", " + degrees(longitude);
+}
+
+std::string wallText(Date date, const TimeZone& zone) {
+  std::string text = iso8601String(date, zone.secondsFromGMTForDate(date));
+  if (text.size() < kSecondLength) return kUnknown;
+  text[kDayLength] = ' ';
+  const bool wholeMinute = text.substr(kMinuteLength, 3) == ":00";
+  return text.substr(0, wholeMinute ? kMinuteLength : kSecondLength);
+}
+
+std::optional<std::string> hereText(Date date, const TimeZone& zone) {
+  const TimeZone& here = deviceZone();
+  if (here.secondsFromGMTForDate(date) == zone.secondsFromGMTForDate(date)) return std::nullopt;
+  const std::string there = wallText(date, zone);
+  const std::string text = wallText(date, here);
+  // Beyond the years that are written with four digits.
+  if (text == kUnknown || there == kUnknown) return std::nullopt;
+  const bool sameDay = text.substr(0, kDayLength) == there.substr(0, kDayLength);
+  return (sameDay ? text.substr(kDayLength + 1) : text) + " here";
+}
+
+std::string whenText(const std::optional<Date>& date, const TimeZone& zone) {
+  if (!date) return kUnknown;
+  const auto here = hereText(*date, zone);
+  return wallText(*date, zone) + (here ? " (" + *here + ")" : "");
+}
+
+std::string planDetails(const Planning& plan, const Console& console) {
+  std::string text = console.bold(shown(plan.name())) + "\n";
+  const auto line = [&](const char* label, const std::string& value) {
+    text += console.labelled(label, value);
+  };
+  line("Date", whenText(plan.date(), zoneOfPlan(plan)));
+  line("Zone", shown(plan.timezone()));
+  line("Place", placeText(plan.latitude(), plan.longitude()));
+  if (const auto notes = plan.notes(); notes && !notes->empty()) {
+    line("Notes", printableLines(*notes, std::string(2 + Console::kLabelWidth, ' ')));
+  }
+  line("Pictures", std::to_string(plan.imageCount()));
+  line("Identifier", shown(plan.uniqueIdentifier()));
+  line("URI", plan.objectID().URIRepresentation());
+  line("Link", deepLink(plan));
+  return text;
+}
+
+void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {
+  // Each row is made twice, since a million of them would fill the memory.
+  std::array<std::size_t, kColumns.size()> widths{};
+  for (const auto& plan : plans) {
+    const TableRow row = tableRow(*plan);
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      widths[i] = std::min(std::max(widths[i], cellWidth(row.*kColumns[i])), kWidestColumn);
+    }
+  }
+  for (const auto& plan : plans) {
+    TableRow row = tableRow(*plan);
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      row.*kColumns[i] = paddedToCells(std::move(row.*kColumns[i]), widths[i]);
+    }
+    const std::string here = row.here.empty() ? "" : row.here + "  ";
+    console.print(row.when + "  " + console.bold(row.name) + "  " + row.zone + "  " + here +
+                  console.dim(row.identifier) + "\n");
+  }
+}
+
+std::string plainLine(const Planning& plan) {
+  const auto number = [](std::optional<double> value) -> std::string {
+    if (!value || !std::isfinite(*value)) return "";
+    std::array<char, 64> digits{};
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), *value).ptr};
+  };
+  const auto date = plan.date();
+  const int offset = date ? zoneOfPlan(plan).secondsFromGMTForDate(*date) : 0;
+  const auto identifier = plan.uniqueIdentifier();
+  std::string line = identifier ? printable(*identifier) : plan.objectID().URIRepresentation();
+  for (const std::string& column :
+       {date ? iso8601String(*date) : "", date ? iso8601String(*date, offset) : "",
+        printable(plan.timezone().value_or("")), number(plan.latitude()), number(plan.longitude()),
+        printable(plan.name().value_or(""))}) {
+    line += "\t" + column;
+  }
+  return line + "\n";
+}
+
+std::string candidateText(const Planning& plan) {
+  const TableRow row = tableRow(plan);
+  return shown(plan.uniqueIdentifier()) + "  " + row.when + "  " + row.name;
+}
+
+}  // namespace vantrel::cli

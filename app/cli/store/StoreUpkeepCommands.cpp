@@ -1,0 +1,150 @@
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "cli/Arguments.h"
+#include "cli/Command.h"
+#include "cli/JsonText.h"
+#include "cli/StoreAccess.h"
+#include "common/ExitCode.h"
+#include "platform/system/SerialMainQueue.h"
+#include "store/Database.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+/// What a number of records was, and is now.
+struct Change {
+  std::size_t before = 0;
+  std::size_t after = 0;
+
+  std::string text() const {
+    return std::to_string(before) + " before, " + std::to_string(after) + " after";
+  }
+  Json json() const { return {{"before", before}, {"after", after}}; }
+};
+
+struct Copy {
+  std::optional<std::string> from;
+  std::optional<std::string> to;
+};
+
+int copyStore(const Copy& copy, Console& console) {
+  const auto copied = Database::sharedInstance().copyDatabase(*copy.from, *copy.to);
+  return copied ? kExitDone : console.fail(copied.error());
+}
+
+/// Records of all entities that bear no unique identifier.
+Expected<std::size_t> countWithoutIdentifier(ManagedObjectContext& context) {
+  std::size_t sum = 0;
+  for (const auto& entity :
+       context.persistentStoreCoordinator()->managedObjectModel()->entities()) {
+    // Records of a kind are counted with those it is a kind of.
+    if (!entity.superentityName.empty()) continue;
+    const auto count = context.countForFetchRequest(
+        {.entityName = entity.name, .predicate = Predicate::isNil("uniqueIdentifier")});
+    if (!count) return tl::make_unexpected(count.error());
+    sum += *count;
+  }
+  return sum;
+}
+
+int giveIdentifiers(Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto before = countWithoutIdentifier(**context);
+  if (!before) return console.fail(before.error());
+  Database::sharedInstance().performUpdatesFrom3To4();
+  const auto after = countWithoutIdentifier(**context);
+  if (!after) return console.fail(after.error());
+  const Change change{*before, *after};
+  console.print(console.isJson() ? jsonText({{"withoutIdentifier", change.json()}})
+                                 : "Without identifier  " + change.text() + "\n");
+  if (change.after == 0) return kExitDone;
+  return console.fail(failure(kExitInputOutput, "store identifiers",
+                              std::to_string(change.after) + " records could not be given one"));
+}
+
+struct Kind {
+  const char* entityName;
+  const char* label;
+  const char* jsonKey;
+};
+constexpr std::array kKinds = {Kind{"Planning", "Plans", "plans"},
+                               Kind{"CustomPoi", "Places", "customPois"},
+                               Kind{"CustomCamera", "Cameras", "customCameras"}};
+using Counts = std::array<std::size_t, kKinds.size()>;
+
+Expected<Counts> countKinds(ManagedObjectContext& context) {
+  Counts counts{};
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    const auto count = context.countForFetchRequest({.entityName = kKinds[i].entityName});
+    if (!count) return tl::make_unexpected(count.error());
+    counts[i] = *count;
+  }
+  return counts;
+}
+
+Expected<void> removeDuplicates() {
+  const auto queue = std::make_shared<SerialMainQueue>();
+  MainQueue::install(queue);
+  Expected<void> result;
+  Database::sharedInstance().removeDuplicatesWithCompletion([&](const auto& error) {
+    if (error) result = tl::make_unexpected(*error);
+  });
+  queue->runUntilEmpty();
+  return result;
+}
+
+/// How many of each kind would be left.
+Expected<Counts> foretell(Counts counts) {
+  return Database::sharedInstance().duplicateObjects().map([&](const auto& duplicates) {
+    for (std::size_t i = 0; i < kKinds.size(); ++i) {
+      counts[i] -= static_cast<std::size_t>(std::count_if(
+          duplicates.begin(), duplicates.end(),
+          [&](const auto& object) { return object->entity().name == kKinds[i].entityName; }));
+    }
+    return counts;
+  });
+}
+
+int dedupe(const bool& isDryRun, Console& console) {
+  const auto context = contextForReading();
+  if (!context) return console.fail(context.error());
+  const auto before = countKinds(**context);
+  if (!before) return console.fail(before.error());
+  const auto after = isDryRun ? foretell(*before)
+                              : removeDuplicates().and_then([&] { return countKinds(**context); });
+  if (!after) return console.fail(after.error());
+  Json json = {{"dryRun", isDryRun}};
+  std::string text;
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    const Change change{(*before)[i], (*after)[i]};
+    json[kKinds[i].jsonKey] = change.json();
+    text += console.labelled(kKinds[i].label, change.text());
+  }
+  console.print(console.isJson() ? jsonText(json) : text);
+  return kExitDone;
+}
+
+}  // namespace
+
+void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
+  const auto [copy, files] =
+      addCommand(parser, session, "copy",
+                 "Copy a store with its pictures to a new place, at this version; OLD is only read",
+                 &copyStore);
+  addValueOption(copy, "OLD", files.from, &pathFromArgument, "", "The store's .sqlite file");
+  addValueOption(copy, "NEW", files.to, &pathFromArgument, "", "A file that is not there yet");
+  addCommand(parser, session, "identifiers",
+             "Give every record without a unique identifier one; 74 if any is left",
+             &giveIdentifiers);
+  const auto [remove, isDryRun] = addCommand(
+      parser, session, "dedupe",
+      "Remove plans, places and cameras that are there twice; the first one stays", &dedupe);
+  remove.add_flag("--dry-run", isDryRun, "Only count what would be removed");
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,66 @@
+#include "cli/today/TodayList.h"
+
+#include "cli/StoreAccess.h"
+#include "time/DeviceSystemMajorVersion.h"
+#include "widget/TodayEventsViewController.h"
+
+namespace vantrel::cli {
+
+namespace {
+
+/// The room that the notification centre gives a widget.
+constexpr Size kMaximumSize{398, 110};
+constexpr int kFirstVersionWithModes = 10;
+
+/// Plays the notification centre to the widget; nothing can be tapped here.
+class TerminalHost : public ExtensionContext {
+ public:
+  bool respondsToWidgetLargestAvailableDisplayMode() const override {
+    return DeviceSystemMajorVersion() >= kFirstVersionWithModes;
+  }
+  void setWidgetLargestAvailableDisplayMode(WidgetDisplayMode mode) override { largest_ = mode; }
+  bool offersExpanded() const { return largest_ == WidgetDisplayMode::kExpanded; }
+  void openURL(const std::string& /*url*/, std::function<void(bool)> completionHandler) override {
+    if (completionHandler) completionHandler(false);
+  }
+
+ private:
+  WidgetDisplayMode largest_ = WidgetDisplayMode::kCompact;
+};
+
+/// One life of the widget, and what it shows in it.
+TodayList shownInOneLife(bool expanded) {
+  const auto host = std::make_shared<TerminalHost>();
+  TodayEventsViewController controller(kMaximumSize, host);
+  controller.loadViewIfNeeded();
+  controller.viewWillAppear(false);
+  if (expanded && host->offersExpanded()) {
+    controller.widgetActiveDisplayModeDidChange(WidgetDisplayMode::kExpanded, kMaximumSize);
+  }
+  const TodayEventsView& view = *controller.todayView();
+  TodayList today;
+  today.isExpanded = view.showExpanded();
+  if (!view.messageLabel().isHidden()) today.message = view.messageLabel().text();
+  const auto& plans = controller.plans();
+  for (std::size_t row = 0; plans && row < plans->size(); ++row) {
+    const auto& title = view.planTitleLabels()[row];
+    if (title->isHidden()) break;
+    today.rows.push_back({(*plans)[row], title->text(), view.planDateLabels()[row]->text()});
+  }
+  return today;
+}
+
+}  // namespace
+
+Expected<TodayList> todayList(bool isExpanded) {
+  if (const auto store = existingStore(); !store) return tl::make_unexpected(store.error());
+  TodayList today = shownInOneLife(isExpanded);
+  if (today.rows.empty()) {
+    // The widget takes a store that cannot be read for an empty one; a fetch of our own tells.
+    const auto context = contextForReading();
+    if (!context) return tl::make_unexpected(context.error());
+  }
+  return today;
+}
+
+}  // namespace vantrel::cli

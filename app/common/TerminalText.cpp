@@ -1,0 +1,134 @@
+#include "common/TerminalText.h"
+
+#include <fmt/format.h>
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <cstdint>
+#include <iterator>
+
+namespace vantrel {
+
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+/// Steps through UTF-8 text; a code point is negative where the bytes are ill-formed.
+class CodePoints {
+ public:
+  explicit CodePoints(std::string_view text) : text_(text) {}
+
+  bool next() {
+    if (end_ >= static_cast<std::int32_t>(text_.size())) return false;
+    start_ = end_;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"  // in the macro
+    U8_NEXT(text_.data(), end_, static_cast<std::int32_t>(text_.size()), value_);
+#pragma GCC diagnostic pop
+    return true;
+  }
+  UChar32 value() const {
+    return value_;
+  }
+  std::string_view bytes() const {
+    return text_.substr(static_cast<std::size_t>(start_), static_cast<std::size_t>(end_ - start_));
+  }
+
+ private:
+  std::string_view text_;
+  std::int32_t start_ = 0;
+  std::int32_t end_ = 0;
+  UChar32 value_ = 0;
+};
+
+/// Terminals act on control characters; direction overrides make a text read as another one.
+bool isUnsafe(UChar32 c) {
+  const bool control = c < 0x20 || (c >= 0x7f && c < 0xa0);
+  const bool lineBreak = c == 0x2028 || c == 0x2029;
+  const bool directionOverride = (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
+  return control || lineBreak || directionOverride;
+}
+
+std::size_t cellsOf(UChar32 c) {
+  constexpr UChar32 kSoftHyphen = 0xad;
+  if (c >= ' ' && c <= '~') return 1;
+  const auto category = u_getIntPropertyValue(c, UCHAR_GENERAL_CATEGORY);
+  const auto syllable = u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE);
+  const bool joinsTheOneBefore = category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK ||
+                                 (category == U_FORMAT_CHAR && c != kSoftHyphen) ||
+                                 syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO;
+  if (joinsTheOneBefore) return 0;
+  const auto width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
+  return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
+void appendPrintable(std::string& result, const CodePoints& at) {
+  if (at.value() == '\t' || at.value() == '\n' || at.value() == '\r') {
+    result += ' ';
+  } else if (isUnsafe(at.value())) {
+    result += kReplacement;
+  } else {
+    result += at.bytes();
+  }
+}
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (CodePoints at(text); at.next();) appendPrintable(result, at);
+  return result;
+}
+
+std::string shown(const std::optional<std::string>& text) {
+  return text && !text->empty() ? printable(*text) : kUnknown;
+}
+
+std::string printableLines(std::string_view text, std::string_view indent) {
+  std::string result;
+  for (CodePoints at(text); at.next();) {
+    if (at.value() == '\n') {
+      result += '\n';
+      result += indent;
+    } else if (at.value() != '\r') {
+      appendPrintable(result, at);
+    }
+  }
+  return result;
+}
+
+std::string printableJson(std::string_view json) {
+  std::string result;
+  result.reserve(json.size());
+  for (CodePoints at(json); at.next();) {
+    if (at.value() >= 0x7f && isUnsafe(at.value())) {
+      fmt::format_to(std::back_inserter(result), "\\u{:04x}", at.value());
+    } else {
+      result += at.bytes();
+    }
+  }
+  return result;
+}
+
+std::size_t cellWidth(std::string_view text) {
+  constexpr UChar32 kEmojiStyle = 0xfe0f;
+  std::size_t cells = 0;
+  UChar32 before = 0;
+  for (CodePoints at(text); at.next(); before = at.value()) {
+    if (at.value() == kEmojiStyle && cellsOf(before) == 1 &&
+        u_hasBinaryProperty(before, UCHAR_EMOJI)) {
+      ++cells;
+    }
+    cells += cellsOf(at.value());
+  }
+  return cells;
+}
+
+std::string paddedToCells(std::string text, std::size_t cells) {
+  const std::size_t width = cellWidth(text);
+  if (width < cells) text.append(cells - width, ' ');
+  return text;
+}
+
+}  // namespace vantrel

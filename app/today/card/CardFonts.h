@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QFont>
+
+#include "today/card/CardContent.h"
+
+namespace vantrel {
+class QtTextMeasurer;
+}
+
+/// The fonts of the card's own texts; those of the rows come from their labels.
+namespace vantrel::cardfonts {
+
+QFont name(const QtTextMeasurer& measurer);
+QFont action(const QtTextMeasurer& measurer);
+QFont barText(const QtTextMeasurer& measurer);
+QFont barAction(const QtTextMeasurer& measurer);
+QFont text(CardContent::Text::Kind kind, const QtTextMeasurer& measurer);
+
+}  // namespace vantrel::cardfonts

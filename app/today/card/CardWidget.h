@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QWidget>
+#include <optional>
+#include <vector>
+
+#include "today/card/CardPainter.h"
+
+namespace vantrel {
+
+class SpokenText;
+class TouchButton;
+
+/// A card in a window: draws it, lays a button over every part that can be pressed, and a text for
+/// screen readers over every other. Main thread.
+class CardWidget : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `measurer` must outlive the widget.
+  explicit CardWidget(const QtTextMeasurer& measurer, QWidget* parent = nullptr);
+
+  /// To be filled in but for its bar and what the user is doing to it, then shown.
+  CardContent& content() { return content_; }
+  void showContent();
+  const CardLayout& layoutOfCard() const { return layout_; }
+  /// The button over the next row of the layout.
+  TouchButton* addRow();
+  void setBar(const std::optional<CardContent::Bar>& bar);
+  void setTheme(const Theme& theme, const QColor& background);
+  /// A row is being touched: it must neither move nor go.
+  bool isTouched() const;
+  /// The height that the window is to have room for, the card's surroundings included.
+  virtual int naturalHeight() const;
+
+ signals:
+  void actionPressed();
+  void barPressed();
+  void naturalHeightChanged();
+
+ protected:
+  void layOut();
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+  CardContent content_;
+  CardLayout layout_;
+  std::vector<TouchButton*> rows_;
+
+ private:
+  TouchButton* addButton();
+  void placeButtons();
+  void takeFocusAndHold();
+
+  const QtTextMeasurer& measurer_;
+  CardPainter painter_;
+  Theme theme_ = Theme::forStyle(false);
+  QColor background_ = theme_.behind;
+  int toldHeight_ = 0;
+  TouchButton* action_;
+  TouchButton* barAction_;
+  SpokenText* barText_;
+  SpokenText* message_;
+  std::vector<SpokenText*> texts_;
+};
+
+}  // namespace vantrel

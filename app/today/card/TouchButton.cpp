@@ -1,0 +1,131 @@
+#include "today/card/TouchButton.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTouchEvent>
+
+namespace vantrel {
+
+namespace {
+
+bool isActivationKey(int key) {
+  return key == Qt::Key_Space || key == Qt::Key_Select || key == Qt::Key_Return ||
+         key == Qt::Key_Enter;
+}
+
+}  // namespace
+
+TouchButton::TouchButton(QWidget* parent) : QAbstractButton(parent) {
+  setAttribute(Qt::WA_AcceptTouchEvents);
+  // The ring tells where the keyboard is; a click does not move the keyboard.
+  setFocusPolicy(Qt::TabFocus);
+  setCursor(Qt::PointingHandCursor);
+  // A screen reader's press comes as a click without a touch before it.
+  connect(this, &QAbstractButton::clicked, this, [this] {
+    begin();
+    finish(true);
+  });
+}
+
+void TouchButton::begin() {
+  if (held_) return;
+  held_ = true;
+  emit touchBegan();
+}
+
+void TouchButton::finish(bool inside) {
+  if (!held_) return;
+  held_ = false;
+  if (inside) {
+    emit touchEnded();
+  } else {
+    emit touchCancelled();
+  }
+}
+
+bool TouchButton::event(QEvent* event) {
+  switch (event->type()) {
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+      return handleTouch(static_cast<QTouchEvent&>(*event));
+    case QEvent::WindowDeactivate:
+      finish(false);
+      break;
+    default:
+      break;
+  }
+  return QAbstractButton::event(event);
+}
+
+bool TouchButton::handleTouch(QTouchEvent& event) {
+  // Further fingers do not count.
+  const QPointF position = event.points().isEmpty() ? QPointF() : event.points().first().position();
+  if (event.type() == QEvent::TouchBegin) begin();
+  if (event.type() == QEvent::TouchEnd) finish(QRectF(rect()).contains(position));
+  if (event.type() == QEvent::TouchCancel) finish(false);
+  event.accept();
+  return true;
+}
+
+void TouchButton::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) {
+    begin();
+  } else {
+    event->ignore();
+  }
+}
+
+void TouchButton::mouseMoveEvent(QMouseEvent* event) {
+  event->accept();
+}
+
+void TouchButton::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) finish(QRectF(rect()).contains(event->position()));
+}
+
+void TouchButton::keyPressEvent(QKeyEvent* event) {
+  if (!focusShown_) {
+    focusShown_ = true;
+    emit focusChanged();
+  }
+  if (isActivationKey(event->key())) {
+    if (!event->isAutoRepeat()) begin();
+  } else if (event->key() == Qt::Key_Escape && held_) {
+    finish(false);
+  } else {
+    QAbstractButton::keyPressEvent(event);
+  }
+}
+
+void TouchButton::keyReleaseEvent(QKeyEvent* event) {
+  if (!isActivationKey(event->key())) return QAbstractButton::keyReleaseEvent(event);
+  if (!event->isAutoRepeat()) finish(true);
+}
+
+void TouchButton::focusInEvent(QFocusEvent* event) {
+  QAbstractButton::focusInEvent(event);
+  // Coming back to the window, the ring is as it was.
+  if (event->reason() != Qt::ActiveWindowFocusReason) {
+    focusShown_ = event->reason() == Qt::TabFocusReason ||
+                  event->reason() == Qt::BacktabFocusReason ||
+                  event->reason() == Qt::ShortcutFocusReason;
+  }
+  emit focusChanged();
+}
+
+void TouchButton::focusOutEvent(QFocusEvent* event) {
+  QAbstractButton::focusOutEvent(event);
+  finish(false);
+  emit focusChanged();
+}
+
+void TouchButton::hideEvent(QHideEvent* event) {
+  QAbstractButton::hideEvent(event);
+  finish(false);
+}
+
+void TouchButton::paintEvent(QPaintEvent* /*event*/) {}
+
+}  // namespace vantrel

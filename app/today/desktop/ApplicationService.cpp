@@ -1,0 +1,92 @@
+#include "today/desktop/ApplicationService.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+#include "today/AppId.h"
+
+namespace vantrel {
+
+namespace {
+
+const QString kName = QString::fromLatin1(kApplicationId);
+const QString kPath = QLatin1Char('/') + QString(kName).replace(QLatin1Char('.'), QLatin1Char('/'));
+const QString kInterface = QStringLiteral("org.freedesktop.Application");
+const QString kStore = QStringLiteral("x-vantrel-store");
+constexpr int kPatienceMilliseconds = 5000;
+
+/// By what the desktop permits a window to come to the front, and the variables that hand it from
+/// program to program.
+constexpr struct {
+  const char* key;
+  const char* variable;
+} kTokens[] = {{"activation-token", "XDG_ACTIVATION_TOKEN"},
+               {"desktop-startup-id", "DESKTOP_STARTUP_ID"}};
+
+}  // namespace
+
+ApplicationService::ApplicationService(std::string store, Actions actions)
+    : store_(std::move(store)), actions_(std::move(actions)) {}
+
+ApplicationService::Role ApplicationService::start(const std::string& link, const QString& action) {
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return Role::kAlone;
+  // The object before the name: whoever sees the name can use it.
+  bus.registerObject(kPath, this, QDBusConnection::ExportAllSlots);
+  if (bus.registerService(kName)) return Role::kFirst;
+  bus.unregisterObject(kPath);
+  return askFirst(link, action) ? Role::kServed : Role::kAlone;
+}
+
+bool ApplicationService::askFirst(const std::string& link, const QString& action) const {
+  QVariantMap platformData{{kStore, QString::fromStdString(store_)}};
+  for (const auto& [key, variable] : kTokens) {
+    const QString token = qEnvironmentVariable(variable);
+    if (!token.isEmpty()) platformData.insert(QLatin1String(key), token);
+  }
+  const QString method = !link.empty()       ? QStringLiteral("Open")
+                         : !action.isEmpty() ? QStringLiteral("ActivateAction")
+                                             : QStringLiteral("Activate");
+  auto call = QDBusMessage::createMethodCall(kName, kPath, kInterface, method);
+  if (!link.empty()) call << QStringList(QString::fromStdString(link));
+  if (link.empty() && !action.isEmpty()) call << action << QVariantList();
+  call << platformData;
+  const auto reply = QDBusConnection::sessionBus().call(call, QDBus::Block, kPatienceMilliseconds);
+  return reply.type() == QDBusMessage::ReplyMessage;
+}
+
+/// Refuses those that look at other plans; takes over the permission to come to the front.
+bool ApplicationService::accepts(const QVariantMap& platformData) {
+  const auto store = platformData.constFind(kStore);
+  if (store != platformData.constEnd() && store->toString().toStdString() != store_) {
+    sendErrorReply(kName + QStringLiteral(".Error.OtherStore"),
+                   QStringLiteral("this program shows the plans of another store"));
+    return false;
+  }
+  for (const auto& [key, variable] : kTokens) {
+    const auto token = platformData.value(QLatin1String(key)).toString();
+    if (!token.isEmpty()) qputenv(variable, token.toUtf8());
+  }
+  return true;
+}
+
+void ApplicationService::Activate(const QVariantMap& platformData) {
+  if (accepts(platformData)) actions_.activate();
+}
+
+void ApplicationService::Open(const QStringList& links, const QVariantMap& platformData) {
+  if (!accepts(platformData)) return;
+  for (const auto& link : links) {
+    if (actions_.open(link.toStdString())) continue;
+    sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("the link leads to no plan here"));
+    return;
+  }
+}
+
+void ApplicationService::ActivateAction(const QString& name, const QVariantList& /*parameters*/,
+                                        const QVariantMap& platformData) {
+  if (!accepts(platformData) || actions_.perform(name)) return;
+  sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("there is no such action"));
+}
+
+}  // namespace vantrel

@@ -1,0 +1,89 @@
+#include "today/desktop/Autostart.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "base/Log.h"
+#include "common/ExitCode.h"
+#include "platform/system/Paths.h"
+#include "today/AppId.h"
+
+namespace vantrel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+int fail(int code, const std::string& what, const std::string& why) {
+  logLine("vantrel-today: " + what + ": " + why);
+  return code;
+}
+
+/// As the value of Exec: quoted, with what would have a meaning there escaped twice, for the
+/// argument and for the text of the file.
+std::string quoted(const std::string& argument) {
+  std::string result = "\"";
+  for (const char c : argument) {
+    if (c == '%') result += '%';
+    if (c == '\\') result += "\\\\\\";
+    if (c == '"' || c == '`' || c == '$') result += "\\\\";
+    result += c;
+  }
+  return result + "\"";
+}
+
+/// By its name where that finds it: the entry then survives a move of the program.
+std::string command(const fs::path& program) {
+  const QString found = QStandardPaths::findExecutable(QStringLiteral("vantrel-today"));
+  std::error_code error;
+  if (!found.isEmpty() && fs::equivalent(found.toStdString(), program, error)) {
+    return "vantrel-today";
+  }
+  return quoted(program.string());
+}
+
+int turnOn(const fs::path& entry) {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  if (error) return fail(kExitInternal, "this program's own path", error.message());
+  if (!paths::createPrivateDirectory(entry.parent_path())) {
+    return fail(kExitCannotCreate, entry.parent_path().string(), "cannot be made");
+  }
+  const std::string text =
+      "[Desktop Entry]\nVersion=1.4\nType=Application\nName=Vantrel Today\nExec=" +
+      command(program) + "\nIcon=" + kApplicationId + "\nX-GNOME-Autostart-enabled=true\n";
+  QSaveFile file(QString::fromStdString(entry.string()));
+  if (!file.open(QIODevice::WriteOnly)) {
+    const auto code =
+        file.error() == QFileDevice::PermissionsError ? kExitPermission : kExitCannotCreate;
+    return fail(code, entry.string(), file.errorString().toStdString());
+  }
+  file.write(QByteArray::fromStdString(text));
+  if (file.commit()) return kExitDone;
+  return fail(kExitInputOutput, entry.string(), file.errorString().toStdString());
+}
+
+int turnOff(const fs::path& entry) {
+  std::error_code error;
+  fs::remove(entry, error);
+  if (!error) return kExitDone;
+  const bool denied = error == std::errc::permission_denied;
+  return fail(denied ? kExitPermission : kExitInputOutput, entry.string(), error.message());
+}
+
+}  // namespace
+
+int setAutostart(bool on) {
+  const auto config = paths::configDirectory();
+  if (!config) return fail(kExitCannotCreate, "the autostart folder", "$HOME is not set");
+  const fs::path entry =
+      config->parent_path() / "autostart" / (std::string(kApplicationId) + ".desktop");
+  return on ? turnOn(entry) : turnOff(entry);
+}
+
+}  // namespace vantrel

@@ -1,0 +1,45 @@
+#include "platform/system/Clock.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+
+#include "base/Iso8601.h"
+
+namespace vantrel {
+
+namespace {
+
+class SystemClock : public Clock {
+ public:
+  SystemClock() {
+    if (const char* frozen = std::getenv("VANTREL_NOW")) frozen_ = dateFromIso8601String(frozen);
+  }
+  Date now() const override {
+    if (frozen_) return *frozen_;
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return Date::dateWithTimeIntervalSince1970(std::chrono::duration<double>(sinceEpoch).count());
+  }
+
+ private:
+  std::optional<Date> frozen_;
+};
+
+std::shared_ptr<Clock>& installed() {
+  static std::shared_ptr<Clock> clock;
+  return clock;
+}
+
+}  // namespace
+
+Clock& Clock::sharedClock() {
+  if (installed()) return *installed();
+  static SystemClock system;
+  return system;
+}
+
+void Clock::install(std::shared_ptr<Clock> clock) {
+  installed() = std::move(clock);
+}
+
+}  // namespace vantrel

@@ -1,0 +1,99 @@
+#include "platform/system/Paths.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace vantrel::paths {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::optional<fs::path> directoryFromEnvironment(const char* variable) {
+  const char* value = std::getenv(variable);
+  // The XDG base directory rules: a relative path is invalid and to be ignored.
+  if (!value || *value != '/') return std::nullopt;
+  return fs::path(value);
+}
+
+/// The folder that the variable names, else `fallback` in the home folder.
+std::optional<fs::path> baseDirectory(const char* variable, std::string_view fallback) {
+  if (auto directory = directoryFromEnvironment(variable)) return directory;
+  if (auto home = directoryFromEnvironment("HOME")) return *home / fallback;
+  return std::nullopt;
+}
+
+std::optional<fs::path> ownDirectory(const char* variable, std::string_view fallback) {
+  auto directory = baseDirectory(variable, fallback);
+  if (directory) *directory /= "vantrel";
+  return directory;
+}
+
+/// A value as xdg-user-dirs writes it: quoted, absolute or below "$HOME", backslashes escape.
+std::optional<fs::path> userDirectory(std::string_view value, const fs::path& home) {
+  if (value.size() < 2 || value.front() != '"') return std::nullopt;
+  std::string text;
+  std::size_t i = 1;
+  for (; i < value.size() && value[i] != '"'; ++i) {
+    if (value[i] == '\\' && i + 1 < value.size()) ++i;
+    text += value[i];
+  }
+  if (i == value.size()) return std::nullopt;
+  constexpr std::string_view kHome = "$HOME";
+  if (text.starts_with("/")) return fs::path(text);
+  if (text == kHome) return home;
+  if (text.starts_with("$HOME/")) return home / text.substr(kHome.size() + 1);
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<fs::path> groupContainer() {
+  if (auto container = directoryFromEnvironment("VANTREL_GROUP_CONTAINER")) return container;
+  auto directory = ownDirectory("XDG_DATA_HOME", ".local/share");
+  if (directory) *directory /= kApplicationGroup;
+  return directory;
+}
+
+std::optional<fs::path> documentDirectory() {
+  const auto home = directoryFromEnvironment("HOME");
+  if (!home) return std::nullopt;
+  std::optional<fs::path> found;
+  constexpr std::string_view kKey = "XDG_DOCUMENTS_DIR=";
+  std::ifstream file(*baseDirectory("XDG_CONFIG_HOME", ".config") / "user-dirs.dirs");
+  for (std::string line; std::getline(file, line);) {
+    const auto start = line.find_first_not_of(" \t");
+    if (start == std::string::npos || line.compare(start, kKey.size(), kKey) != 0) continue;
+    // The file is made for a shell to read: the last assignment counts.
+    found = userDirectory(std::string_view(line).substr(start + kKey.size()), *home);
+  }
+  return found ? found : *home / "Documents";
+}
+
+std::optional<fs::path> configDirectory() {
+  return ownDirectory("XDG_CONFIG_HOME", ".config");
+}
+
+std::optional<fs::path> cacheDirectory() {
+  return ownDirectory("XDG_CACHE_HOME", ".cache");
+}
+
+std::optional<fs::path> stateDirectory() {
+  return ownDirectory("XDG_STATE_HOME", ".local/state");
+}
+
+bool createPrivateDirectory(const fs::path& directory) {
+  std::error_code error;
+  if (fs::is_directory(directory, error)) return true;
+  const fs::path parent = directory.parent_path();
+  if (!parent.empty() && parent != directory && !createPrivateDirectory(parent)) return false;
+  // Another process may have made it in the meantime.
+  return ::mkdir(directory.c_str(), 0700) == 0 ||
+         (errno == EEXIST && fs::is_directory(directory, error));
+}
+
+}  // namespace vantrel::paths

@@ -1,0 +1,204 @@
+#include "platform/system/StringTable.h"
+
+#include <unicode/unistr.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+#include "base/HexDigit.h"
+#include "platform/archive/PropertyList.h"
+
+namespace vantrel {
+
+namespace {
+
+tl::unexpected<Error> damaged(const std::string& why) {
+  return tl::unexpected(Error{"StringTable", 1, "The string table is damaged: " + why, {}});
+}
+
+std::optional<std::u16string> utf16Text(std::string_view bytes, bool bigEndian) {
+  if (bytes.size() % 2 != 0) return std::nullopt;
+  std::u16string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 2) {
+    const auto first = static_cast<unsigned char>(bytes[i]);
+    const auto second = static_cast<unsigned char>(bytes[i + 1]);
+    text += static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
+  }
+  return text;
+}
+
+std::optional<std::u16string> utf8Text(std::string_view bytes) {
+  std::u16string text(bytes.size(), u'\0');
+  std::int32_t length = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strFromUTF8(text.data(), static_cast<std::int32_t>(text.size()), &length, bytes.data(),
+                static_cast<std::int32_t>(bytes.size()), &status);
+  if (U_FAILURE(status)) return std::nullopt;
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
+
+std::optional<std::u16string> decodedText(std::string_view bytes) {
+  if (bytes.starts_with("\xff\xfe")) return utf16Text(bytes.substr(2), false);
+  if (bytes.starts_with("\xfe\xff")) return utf16Text(bytes.substr(2), true);
+  if (bytes.starts_with("\xef\xbb\xbf")) bytes.remove_prefix(3);
+  return utf8Text(bytes);
+}
+
+std::string utf8String(std::u16string_view text) {
+  std::string result;
+  icu::UnicodeString(false, text.data(), static_cast<std::int32_t>(text.size()))
+      .toUTF8String(result);
+  return result;
+}
+
+bool isBlank(char16_t unit) {
+  return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == u'\u2028' || unit == u'\u2029';
+}
+
+bool isPlain(char16_t unit) {
+  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+         (unit >= u'0' && unit <= u'9') ||
+         std::u16string_view(u"_$+/:.-").find(unit) != std::u16string_view::npos;
+}
+
+/// The text form, read by UTF-16 units so that two escaped surrogates join into one character.
+class Reader {
+ public:
+  explicit Reader(std::u16string_view text) : text_(text) {}
+  Expected<StringTable> table();
+
+ private:
+  bool at(std::u16string_view token) const { return text_.substr(at_).starts_with(token); }
+  bool take(char16_t unit);
+  /// False in a comment that does not end.
+  bool skipBlanks();
+  std::optional<std::u16string> string();
+  std::optional<std::u16string> quoted();
+  char16_t escaped();
+  char16_t number(int base, int mostDigits);
+  tl::unexpected<Error> failure(const std::string& what) const;
+
+  std::u16string_view text_;
+  std::size_t at_ = 0;
+};
+
+tl::unexpected<Error> Reader::failure(const std::string& what) const {
+  const auto lines =
+      std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), u'\n');
+  return damaged(what + " in line " + std::to_string(lines + 1) + ".");
+}
+
+bool Reader::take(char16_t unit) {
+  const bool found = at_ < text_.size() && text_[at_] == unit;
+  if (found) ++at_;
+  return found;
+}
+
+bool Reader::skipBlanks() {
+  while (at_ < text_.size()) {
+    if (isBlank(text_[at_])) {
+      ++at_;
+    } else if (at(u"//")) {
+      at_ = std::min(text_.find(u'\n', at_), text_.size());
+    } else if (at(u"/*")) {
+      const auto end = text_.find(u"*/", at_ + 2);
+      if (end == std::u16string_view::npos) return false;
+      at_ = end + 2;
+    } else {
+      break;
+    }
+  }
+  return true;
+}
+
+char16_t Reader::number(int base, int mostDigits) {
+  int value = 0;
+  for (int i = 0; i < mostDigits && at_ < text_.size() && hexDigitValue(text_[at_]) < base; ++i) {
+    value = value * base + hexDigitValue(text_[at_++]);
+  }
+  return static_cast<char16_t>(value);
+}
+
+char16_t Reader::escaped() {
+  constexpr std::u16string_view kLetters = u"abfnrtv";
+  constexpr std::u16string_view kControls = u"\a\b\f\n\r\t\v";
+  const char16_t unit = text_[at_++];
+  const auto letter = kLetters.find(unit);
+  if (letter != std::u16string_view::npos) return kControls[letter];
+  const bool isHexadecimal = unit == u'U' || unit == u'u';
+  if (isHexadecimal && at_ < text_.size() && hexDigitValue(text_[at_]) < 16) return number(16, 4);
+  if (hexDigitValue(unit) >= 8) return unit;
+  --at_;
+  return number(8, 3);
+}
+
+std::optional<std::u16string> Reader::quoted() {
+  const char16_t quote = text_[at_++];
+  std::u16string result;
+  while (at_ < text_.size()) {
+    const char16_t unit = text_[at_++];
+    if (unit == quote) return result;
+    if (unit == u'\\' && at_ < text_.size()) {
+      result += escaped();
+    } else {
+      result += unit;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<std::u16string> Reader::string() {
+  if (at(u"\"") || at(u"'")) return quoted();
+  const auto begin = at_;
+  while (at_ < text_.size() && isPlain(text_[at_])) ++at_;
+  if (at_ == begin) return std::nullopt;
+  return std::u16string(text_.substr(begin, at_ - begin));
+}
+
+Expected<StringTable> Reader::table() {
+  StringTable result;
+  for (;;) {
+    if (!skipBlanks()) return failure("a comment without an end");
+    if (at_ == text_.size()) return result;
+    const auto key = string();
+    if (!key) return failure("no key");
+    std::optional<std::u16string> value(std::in_place);
+    bool clean = skipBlanks();
+    if (take(u'=')) {
+      clean = clean && skipBlanks();
+      value = string();
+      if (!value) return failure("no text for \"" + utf8String(*key) + "\"");
+      clean = clean && skipBlanks();
+    }
+    if (!clean || !take(u';')) return failure("no semicolon after \"" + utf8String(*key) + "\"");
+    result[utf8String(*key)] = utf8String(*value);
+  }
+}
+
+Expected<StringTable> tableWithPropertyList(std::span<const std::byte> data) {
+  const auto list = PropertyList::propertyListWithData(data);
+  if (!list) return tl::unexpected(list.error());
+  if (list->kind() != PropertyList::Kind::kDictionary) return damaged("it is no dictionary.");
+  StringTable result;
+  for (const auto& [key, value] : list->entries()) {
+    if (const auto text = value.asString()) result[key] = *text;
+  }
+  return result;
+}
+
+}  // namespace
+
+Expected<StringTable> stringTableWithData(std::span<const std::byte> data) {
+  const std::string_view bytes(reinterpret_cast<const char*>(data.data()), data.size());
+  if (bytes.starts_with("bplist00") || bytes.starts_with("<?xml")) {
+    return tableWithPropertyList(data);
+  }
+  const auto text = decodedText(bytes);
+  if (!text) return damaged("it is neither UTF-8 nor UTF-16.");
+  return Reader(*text).table();
+}
+
+}  // namespace vantrel

@@ -1,0 +1,35 @@
+#include "platform/system/UrlSession.h"
+
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+class NoSession : public UrlSession {
+ public:
+  std::optional<std::string> cachedResponse(const UrlRequest& /*request*/) override { return {}; }
+  void dataTask(const UrlRequest& request, Completion completion) override {
+    completion(tl::make_unexpected(
+        Error{kErrorDomain, 0, "This program has no network session.", {{"url", request.url}}}));
+  }
+};
+
+std::shared_ptr<UrlSession>& installed() {
+  static std::shared_ptr<UrlSession> session;
+  return session;
+}
+
+}  // namespace
+
+UrlSession& UrlSession::sharedSession() {
+  if (installed()) return *installed();
+  static NoSession none;
+  return none;
+}
+
+void UrlSession::install(std::shared_ptr<UrlSession> session) {
+  installed() = std::move(session);
+}
+
+}  // namespace vantrel

@@ -1,0 +1,262 @@
+#include "platform/text/DateFormatter.h"
+
+#include <unicode/datefmt.h>
+#include <unicode/dcfmtsym.h>
+#include <unicode/decimfmt.h>
+#include <unicode/dtfmtsym.h>
+#include <unicode/dtptngen.h>
+#include <unicode/locid.h>
+#include <unicode/simpletz.h>
+#include <unicode/smpdtfmt.h>
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/text/NumericDatePattern.h"
+
+namespace vantrel {
+
+namespace {
+
+using Style = DateFormatter::Style;
+
+struct Configuration {
+  Style dateStyle = Style::kNone;
+  Style timeStyle = Style::kNone;
+  std::optional<std::string> pattern;
+  friend bool operator==(const Configuration&, const Configuration&) = default;
+};
+
+icu::SimpleTimeZone fixedZone(int seconds) {
+  const auto name = TimeZone::timeZoneForSecondsFromGMT(seconds).name();
+  return {seconds * 1000, icu::UnicodeString::fromUTF8(name)};
+}
+
+icu::DateFormat::EStyle icuStyle(Style style) {
+  switch (style) {
+    case Style::kShort:
+      return icu::DateFormat::kShort;
+    case Style::kMedium:
+      return icu::DateFormat::kMedium;
+    case Style::kLong:
+      return icu::DateFormat::kLong;
+    case Style::kFull:
+      return icu::DateFormat::kFull;
+    case Style::kNone:
+      break;
+  }
+  return icu::DateFormat::kNone;
+}
+
+std::unique_ptr<icu::SimpleDateFormat> build(const Configuration& configuration,
+                                             const icu::Locale& locale) {
+  // Every new formatter asks for the default zone; finding the device's own would cost more than
+  // building the formatter, and its rules are not used.
+  static std::once_flag once;
+  std::call_once(once, [] { icu::TimeZone::setDefault(fixedZone(0)); });
+
+  if (configuration.pattern) {
+    UErrorCode status = U_ZERO_ERROR;
+    auto formatter = std::make_unique<icu::SimpleDateFormat>(
+        icu::UnicodeString::fromUTF8(*configuration.pattern), locale, status);
+    if (U_FAILURE(status)) return nullptr;
+    return formatter;
+  }
+  // The library would write both.
+  if (configuration == Configuration{}) return nullptr;
+  std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
+      icuStyle(configuration.dateStyle), icuStyle(configuration.timeStyle), locale));
+  auto* simple = dynamic_cast<icu::SimpleDateFormat*>(formatter.get());
+  if (simple) (void)formatter.release();
+  return std::unique_ptr<icu::SimpleDateFormat>(simple);
+}
+
+std::string utf8(const icu::UnicodeString& text) {
+  std::string result;
+  return text.toUTF8String(result);
+}
+
+std::string patternOf(const icu::SimpleDateFormat& formatter) {
+  icu::UnicodeString pattern;
+  return utf8(formatter.toPattern(pattern));
+}
+
+/// The letters of a pattern that stand for fields.
+std::string fieldsOf(std::string_view pattern) {
+  std::string fields;
+  bool quoted = false;
+  for (const char c : pattern) {
+    if (c == '\'') quoted = !quoted;
+    if (!quoted && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) fields += c;
+  }
+  return fields;
+}
+
+/// Whether texts of that pattern tell their own offset from Greenwich.
+bool hasZoneField(std::string_view pattern) {
+  return fieldsOf(pattern).find_first_of("zZOvVXx") != std::string::npos;
+}
+
+/// The formatter's pattern for the short way, where its texts take no more.
+std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& formatter) {
+  const auto pattern = patternOf(formatter);
+  const auto* numbers = dynamic_cast<const icu::DecimalFormat*>(formatter.getNumberFormat());
+  if (!numbers || std::string_view(formatter.getCalendar()->getType()) != "gregorian") {
+    return std::nullopt;
+  }
+  // A locale may have numbers of another kind for some fields.
+  for (const char field : fieldsOf(pattern)) {
+    if (formatter.getNumberFormatForField(static_cast<char16_t>(field)) != numbers) {
+      return std::nullopt;
+    }
+  }
+  NumericDatePattern::Symbols symbols;
+  using Names = icu::DecimalFormatSymbols;
+  const auto digit = [&](int name) {
+    return utf8(numbers->getDecimalFormatSymbols()->getConstSymbol(
+        static_cast<Names::ENumberFormatSymbol>(name)));
+  };
+  symbols.digits[0] = digit(Names::kZeroDigitSymbol);
+  for (int i = 1; i < 10; ++i) {
+    symbols.digits.at(static_cast<std::size_t>(i)) = digit(Names::kOneDigitSymbol + i - 1);
+  }
+  int32_t count = 0;
+  const auto* halves = formatter.getDateFormatSymbols()->getAmPmStrings(count);
+  for (int32_t i = 0; i < std::min(count, 2); ++i) {
+    symbols.halves.at(static_cast<std::size_t>(i)) = utf8(halves[i]);
+  }
+  return NumericDatePattern::parsed(pattern, std::move(symbols));
+}
+
+}  // namespace
+
+struct DateFormatter::State {
+  struct Built {
+    Built(Configuration c, std::unique_ptr<icu::SimpleDateFormat> f)
+        : configuration(std::move(c)),
+          formatter(std::move(f)),
+          numeric(numericPattern(*formatter)),
+          tellsZone(hasZoneField(patternOf(*formatter))),
+          calendar(formatter->getCalendar()->clone()) {
+      formatter->setTimeZone(fixedZone(0));
+      formatter->setLenient(false);
+      calendar->setTimeZone(fixedZone(0));
+    }
+
+    /// Named zones are ours to resolve: the library's own rules are older than the system's. A text
+    /// that does not name its zone is that of the wall time in Greenwich, which spares the library
+    /// a new zone for each offset; a calendar of our own spares it a copy for each text.
+    std::string text(Date date, int offset) {
+      double seconds = date.timeIntervalSince1970();
+      if (!tellsZone) {
+        seconds += offset;
+      } else if (offset != calendarOffset) {
+        calendar->setTimeZone(fixedZone(offset));
+        calendarOffset = offset;
+      }
+      if (numeric) {
+        if (auto text = numeric->text(seconds)) return *std::move(text);
+      }
+      UErrorCode status = U_ZERO_ERROR;
+      calendar->setTime(seconds * U_MILLIS_PER_SECOND, status);
+      icu::UnicodeString result;
+      icu::FieldPosition none(icu::FieldPosition::DONT_CARE);
+      return utf8(formatter->format(*calendar, result, none));
+    }
+
+    Configuration configuration;
+    std::unique_ptr<icu::SimpleDateFormat> formatter;
+    std::optional<NumericDatePattern> numeric;
+    bool tellsZone;
+    std::unique_ptr<icu::Calendar> calendar;
+    int calendarOffset = 0;
+  };
+
+  Locale locale = Locale::currentLocale();
+  std::optional<TimeZone> zone;
+  Configuration configuration;
+  std::vector<Built> built;
+
+  TimeZone timeZone() const { return zone ? *zone : TimeZone::defaultTimeZone(); }
+
+  /// The formatter for the configuration in force; null when it has none. Those built before are
+  /// kept, since callers switch between two styles for each date.
+  Built* current() {
+    for (auto& one : built) {
+      if (one.configuration == configuration) return &one;
+    }
+    auto formatter = build(configuration, icu::Locale(locale.localeIdentifier().c_str()));
+    if (!formatter) return nullptr;
+    return &built.emplace_back(configuration, std::move(formatter));
+  }
+};
+
+DateFormatter::DateFormatter() : state_(std::make_unique<State>()) {}
+DateFormatter::~DateFormatter() = default;
+DateFormatter::DateFormatter(DateFormatter&&) noexcept = default;
+DateFormatter& DateFormatter::operator=(DateFormatter&&) noexcept = default;
+
+void DateFormatter::setLocale(const Locale& locale) {
+  state_->locale = locale;
+  state_->built.clear();
+}
+
+void DateFormatter::setTimeZone(const std::optional<TimeZone>& zone) {
+  state_->zone = zone;
+}
+
+void DateFormatter::setDateStyle(Style style) {
+  state_->configuration.dateStyle = style;
+  state_->configuration.pattern.reset();
+}
+
+void DateFormatter::setTimeStyle(Style style) {
+  state_->configuration.timeStyle = style;
+  state_->configuration.pattern.reset();
+}
+
+void DateFormatter::setDateFormat(std::string_view pattern) {
+  state_->configuration.pattern = pattern;
+  state_->built.clear();
+}
+
+std::string DateFormatter::dateFormatFromTemplate(std::string_view fields, const Locale& locale) {
+  std::string text;
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+      icu::DateTimePatternGenerator::createInstance(icu::Locale(locale.localeIdentifier().c_str()),
+                                                    status));
+  if (U_FAILURE(status)) return text;
+  const auto pattern = generator->getBestPattern(icu::UnicodeString::fromUTF8(fields), status);
+  return U_FAILURE(status) ? text : pattern.toUTF8String(text);
+}
+
+std::string DateFormatter::dateFormat() const {
+  const auto* built = state_->current();
+  return built ? patternOf(*built->formatter) : std::string();
+}
+
+std::string DateFormatter::stringFromDate(Date date) const {
+  auto* built = state_->current();
+  if (!built || !std::isfinite(date.timeIntervalSinceReferenceDate())) return {};
+  return built->text(date, state_->timeZone().secondsFromGMTForDate(date));
+}
+
+std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
+  const auto* built = state_->current();
+  if (!built) return std::nullopt;
+  const auto source = icu::UnicodeString::fromUTF8(text);
+  icu::ParsePosition position;
+  const UDate instant = built->formatter->parse(source, position);
+  if (position.getErrorIndex() >= 0 || position.getIndex() != source.length() || source.isEmpty()) {
+    return std::nullopt;
+  }
+  const auto date = Date::dateWithTimeIntervalSince1970(instant / U_MILLIS_PER_SECOND);
+  if (built->tellsZone) return date;
+  return state_->timeZone().dateForWallSeconds(date.timeIntervalSinceReferenceDate());
+}
+
+}  // namespace vantrel

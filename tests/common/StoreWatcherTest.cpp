@@ -1,0 +1,87 @@
+#include "common/StoreWatcher.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "support/Guards.h"
+
+namespace vantrel {
+namespace {
+
+namespace fs = std::filesystem;
+using Change = StoreWatcher::Change;
+using test::writeFile;
+
+TEST(StoreWatcher, TellsChangesOfTheStoresFilesOnly) {
+  struct Case {
+    const char* name;
+    std::function<void(const fs::path& folder)> action;
+    Change expected;
+  };
+  const Case cases[] = {
+      {"nothing", [](const fs::path&) {}, Change::kNone},
+      {"store written in place", [](const fs::path& f) { writeFile(f / "S.sqlite", "more"); },
+       Change::kContent},
+      {"write-ahead log written",
+       [](const fs::path& f) { writeFile(f / "S.sqlite-wal", "commit"); }, Change::kContent},
+      {"rollback journal removed", [](const fs::path& f) { fs::remove(f / "S.sqlite-journal"); },
+       Change::kContent},
+      {"shared memory written by a reader",
+       [](const fs::path& f) { writeFile(f / "S.sqlite-shm", "lock"); }, Change::kNone},
+      {"neighbour written", [](const fs::path& f) { writeFile(f / "T.sqlite", "x"); },
+       Change::kNone},
+      {"store removed", [](const fs::path& f) { fs::remove(f / "S.sqlite"); }, Change::kContent},
+      {"another file moved over the store",
+       [](const fs::path& f) {
+         writeFile(f / "copy", "other");
+         fs::rename(f / "copy", f / "S.sqlite");
+       },
+       Change::kReplaced},
+      {"folder made anew with another store",
+       [](const fs::path& f) {
+         fs::rename(f, f.string() + ".old");
+         fs::create_directory(f);
+         writeFile(f / "S.sqlite", "other");
+       },
+       Change::kReplaced},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const test::TemporaryDirectory directory;
+    const fs::path folder = directory / "group";
+    fs::create_directory(folder);
+    writeFile(folder / "S.sqlite", "store");
+    writeFile(folder / "S.sqlite-journal", "journal");
+    StoreWatcher watcher(folder / "S.sqlite");
+    c.action(folder);
+    EXPECT_EQ(watcher.read(), c.expected);
+    EXPECT_EQ(watcher.read(), Change::kNone) << "told twice";
+  }
+}
+
+TEST(StoreWatcher, FindsAStoreWhoseFoldersComeAndGo) {
+  const test::TemporaryDirectory directory;
+  const fs::path folder = directory / "data" / "group";
+  StoreWatcher watcher(folder / "S.sqlite");
+  writeFile(directory / "unrelated", "");
+  EXPECT_EQ(watcher.read(), Change::kNone);
+
+  fs::create_directories(folder);
+  writeFile(folder / "S.sqlite", "first");
+  EXPECT_EQ(watcher.read(), Change::kContent);
+
+  fs::remove_all(directory / "data");
+  EXPECT_EQ(watcher.read(), Change::kContent);
+  fs::create_directory(directory / "data");
+  watcher.read();
+  fs::create_directory(folder);
+  watcher.read();
+  writeFile(folder / "S.sqlite-wal", "commit");
+  EXPECT_EQ(watcher.read(), Change::kContent);
+}
+
+}  // namespace
+}  // namespace vantrel

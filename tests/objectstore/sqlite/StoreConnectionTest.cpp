@@ -1,0 +1,160 @@
+#include "objectstore/sqlite/StoreConnection.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <functional>
+
+#include "support/TestStore.h"
+
+namespace vantrel {
+namespace {
+
+namespace fs = std::filesystem;
+using test::mainOptions;
+using test::openingError;
+using test::OpenStore;
+using test::readOnlyOptions;
+using test::sqlite;
+
+class StoreConnectionTest : public test::StoreTest {};
+
+TEST_F(StoreConnectionTest, LeavesTheJournalModeAndTheLogOfOthers) {
+  saveFortyPlans();
+  sqlite(file_, "PRAGMA journal_mode = DELETE");
+  {
+    OpenStore store(file_);
+    store.insertPlan("more", 1);
+    ASSERT_TRUE(store.context.save());
+  }
+  EXPECT_EQ(sqlite(file_, "PRAGMA journal_mode"), "delete");
+  StoreOptions options = mainOptions();
+  options.sqlitePragmas = {{"journal_mode", "WAL"}};
+  EXPECT_EQ(openingError(file_, options), std::nullopt);
+  EXPECT_EQ(sqlite(file_, "PRAGMA journal_mode"), "wal");
+  options.sqlitePragmas = {{"journal_mode", "WAL; DROP TABLE ZPLANNING"}};
+  EXPECT_EQ(openingError(file_, options), StoreErrorCode::kInvalidRequest);
+
+  // A copy made while its program runs: the last plan is in the log alone.
+  OpenStore writer(file_);
+  writer.insertPlan("last", 1);
+  ASSERT_TRUE(writer.context.save());
+  const auto copy = copyOfFile();
+  fs::copy_file(file_.string() + "-wal", copy.string() + "-wal");
+  const std::string log = test::readFile(copy.string() + "-wal");
+  ASSERT_FALSE(log.empty());
+  for (const auto& opening : {readOnlyOptions(), mainOptions()}) {
+    EXPECT_TRUE(OpenStore(copy, opening).planNamed("last"));
+    EXPECT_EQ(test::readFile(copy), test::readFile(file_));
+    EXPECT_EQ(test::readFile(copy.string() + "-wal"), log);
+  }
+}
+
+// Closing any other handle of the file would let go of the locks that keep the log from being
+// taken away.
+TEST_F(StoreConnectionTest, LosesNothingWhenTheProcessReadsTheFileBesides) {
+  OpenStore store(file_);
+  store.insertPlan("first", 1);
+  ASSERT_TRUE(store.context.save());
+  EXPECT_EQ(OpenStore(file_, readOnlyOptions()).names(), "first");
+  EXPECT_TRUE(PersistentStoreCoordinator::metadataForPersistentStore(file_));
+  EXPECT_EQ(sqlite(file_, "UPDATE ZPLANNING SET ZNOTES = 'by another program'"), "");
+  store.insertPlan("second", 2);
+  ASSERT_TRUE(store.context.save());
+  EXPECT_EQ(sqlite(file_, "SELECT ZNAME, ZNOTES FROM ZPLANNING"),
+            "first|by another program\nsecond|");
+}
+
+TEST_F(StoreConnectionTest, ReadsNothingHalfWritten) {
+  saveFortyPlans();
+  sqlite(file_, "PRAGMA journal_mode = DELETE");
+  const auto copy = directory_ / "Copy.sqlite";
+  {
+    // A cache of one page has the rest written before the end.
+    const test::OtherWriter other(
+        file_, "PRAGMA cache_size = 1; BEGIN; UPDATE ZPLANNING SET ZNAME = 'half'");
+    fs::copy_file(file_, copy);
+    fs::copy_file(file_.string() + "-journal", copy.string() + "-journal");
+  }
+  EXPECT_EQ(openingError(copy, readOnlyOptions()), StoreErrorCode::kPermission);
+  EXPECT_FALSE(OpenStore(copy).planNamed("half")) << "who may write takes it back";
+  EXPECT_EQ(sqlite(copy, "PRAGMA integrity_check; SELECT count(*) FROM ZPLANNING"), "ok\n40");
+}
+
+/// Runs the function as a user without rights, in a process of its own, and gives what it gives.
+std::string withoutPrivileges(const fs::path& result,
+                              const std::function<std::string()>& function) {
+  constexpr uid_t kNobody = 65534;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    std::ofstream file(result);
+    if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) ::_exit(1);
+    file << function() << std::flush;
+    ::_exit(file ? 0 : 1);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return status == 0 ? test::readFile(result) : "no result";
+}
+
+/// What opening, reading and saving give.
+std::string useStore(const fs::path& file, const std::shared_ptr<ManagedObjectModel>& model) {
+  const auto tell = [](const Error& error) -> std::string {
+    return storeErrorCode(error) == StoreErrorCode::kPermission ? "permission"
+                                                                : error.localizedDescription;
+  };
+  OpenStore store(file, mainOptions(), model);
+  if (!store.store) return tell(store.store.error());
+  const auto count = store.context.countForFetchRequest({.entityName = "Planning"});
+  if (!count) return tell(count.error());
+  store.insertPlan("new", 1);
+  const auto saved = store.context.save();
+  return std::to_string(*count) + " plans, " + (saved ? "saved" : tell(saved.error()));
+}
+
+TEST_F(StoreConnectionTest, ReadsAndWritesOnlyWhatItMay) {
+  // Read beforehand: the build may lie where only its owner may look.
+  const auto model = test::mainModel();
+  const auto folder = directory_ / "folder";
+  const auto file = folder / "Vantrel.sqlite";
+  struct Case {
+    const char* name;
+    unsigned folder;
+    std::optional<unsigned> file;
+    const char* expected;
+    bool hasLog = false;
+  };
+  const std::vector<Case> cases = {
+      {"everything", 0777, 0777, "40 plans, saved"},
+      {"a file only to be read", 0777, 0444, "40 plans, permission"},
+      {"a folder only to be read", 0555, 0444, "40 plans, permission"},
+      {"a folder only to be read, with a log", 0555, 0444, "permission", true},
+      {"a file not to be read", 0777, 0, "permission"},
+      {"a folder not to be entered", 0, 0444, "permission"},
+      {"no file, a folder only to be read", 0555, {}, "permission"},
+      {"no file", 0777, {}, "0 plans, saved"},
+  };
+  fs::permissions(directory_.path(), fs::perms(0777));
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.name);
+    fs::create_directory(folder);
+    if (row.file) {
+      saveFortyPlans();
+      fs::rename(file_, file);
+      fs::permissions(file, fs::perms(*row.file));
+    }
+    if (row.hasLog) test::writeFile(file.string() + "-wal", std::string(4096, 'x'));
+    fs::permissions(folder, fs::perms(row.folder));
+    EXPECT_EQ(withoutPrivileges(directory_ / "result", [&] { return useStore(file, model); }),
+              row.expected);
+    fs::permissions(folder, fs::perms(0777));
+    EXPECT_EQ(fs::exists(file.string() + "-wal"), row.hasLog);
+    EXPECT_FALSE(fs::exists(file.string() + "-shm"));
+    fs::remove_all(folder);
+  }
+}
+
+}  // namespace
+}  // namespace vantrel

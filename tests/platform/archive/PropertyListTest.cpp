@@ -1,0 +1,232 @@
+#include "platform/archive/PropertyList.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "support/Python.h"
+
+namespace vantrel {
+namespace {
+
+std::span<const std::byte> bytesOf(std::string_view text) {
+  return std::as_bytes(std::span(text));
+}
+
+std::string textOf(const Data& data) {
+  return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+Expected<PropertyList> parse(std::string_view text) {
+  return PropertyList::propertyListWithData(bytesOf(text));
+}
+
+/// What Python's plistlib makes of a list.
+std::string seenByPython(const PropertyList& list) {
+  const test::TemporaryDirectory directory;
+  test::writeFile(directory / "list", textOf(list.binaryData()));
+  return test::python(directory / "list", "p");
+}
+
+/// A binary list from its objects' bytes, with four-byte references and the first object as root.
+std::string binaryList(const std::vector<std::string>& objects) {
+  const auto bigEndian = [](std::uint64_t value, int size) {
+    std::string text;
+    for (int i = size - 1; i >= 0; --i) text += static_cast<char>(value >> (8 * i) & 0xff);
+    return text;
+  };
+  std::string list = "bplist00";
+  std::string offsets;
+  for (const auto& object : objects) {
+    offsets += bigEndian(list.size(), 4);
+    list += object;
+  }
+  const auto table = list.size();
+  return list + offsets + bigEndian(0x0404, 8) + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
+         bigEndian(table, 8);
+}
+
+std::string reference(std::size_t index) {
+  std::string text(4, '\0');
+  for (std::size_t i = 0; i < 4; ++i) text[3 - i] = static_cast<char>(index >> (8 * i) & 0xff);
+  return text;
+}
+
+TEST(PropertyList, WritesEveryKindAsPythonReadsIt) {
+  auto list = PropertyList::dictionary();
+  list.set("true", PropertyList::boolean(true));
+  list.set("minus one", PropertyList::integer(-1));
+  list.set("large", PropertyList::integer(2978888609));
+  list.set("lowest", PropertyList::integer(std::numeric_limits<std::int64_t>::min()));
+  list.set("real", PropertyList::real(0.1));
+  list.set("text", PropertyList::string("Peñón 🌅"));
+  list.set("date", PropertyList::date(Date(742069876.5)));
+  list.set("data", PropertyList::data(bytesOf({"\0\xff", 2})));
+  list.set("uid", PropertyList::uid(3));
+  list.set("array",
+           PropertyList::array(std::vector{PropertyList::string("a"), PropertyList::dictionary()}));
+  const std::string seen =
+      "{'true': True, 'minus one': -1, 'large': 2978888609, 'lowest': -9223372036854775808, "
+      "'real': 0.1, 'text': 'Peñón 🌅', 'date': datetime.datetime(2024, 7, 7, 18, 31, 16, "
+      "500000), 'data': b'\\x00\\xff', 'uid': UID(3), 'array': ['a', {}]}";
+  EXPECT_EQ(seenByPython(list), seen);
+  auto again = PropertyList::propertyListWithData(list.binaryData()).value();
+  EXPECT_EQ(seenByPython(again), seen);
+  EXPECT_EQ(again["uid"].asUid(), 3U);
+  EXPECT_EQ(again["array"].items().at(1).kind(), PropertyList::Kind::kDictionary);
+  // A value of another kind is not converted behind the caller's back.
+  EXPECT_FALSE(again["true"].asInteger());
+  EXPECT_FALSE(again["minus one"].asReal());
+  EXPECT_EQ(again["missing"].kind(), PropertyList::Kind::kNothing);
+  const auto before = again["true"];
+  again.set("true", PropertyList::boolean(false));
+  EXPECT_EQ(before.asBoolean(), true) << "a value taken out before stays as it was";
+}
+
+TEST(PropertyList, KeepsNumbersBitByBit) {
+  for (const double value : {0.0, -0.0, 0.1, 41.39, 1e300, 742069876.576084, -63114076800.0,
+                             4102444800.25, std::numeric_limits<double>::denorm_min(),
+                             static_cast<double>(std::numeric_limits<float>::min())}) {
+    SCOPED_TRACE(value);
+    auto list = PropertyList::dictionary();
+    list.set("real", PropertyList::real(value));
+    list.set("date", PropertyList::date(Date(value)));
+    const auto again = PropertyList::propertyListWithData(list.binaryData());
+    ASSERT_TRUE(again);
+    EXPECT_EQ((*again)["real"].asReal(), value);
+    EXPECT_EQ((*again)["date"].asDate(), Date(value));
+    EXPECT_EQ(std::signbit(*(*again)["real"].asReal()), std::signbit(value));
+  }
+}
+
+TEST(PropertyList, KeepsRealsInTheBitsTheyStoodIn) {
+  using namespace std::string_literals;
+  // 1.5 and 0, which single precision holds as well, in both forms, and a date of the same bits.
+  const std::vector<std::string> objects = {
+      "\x22\x3f\xc0\0\0"s,     "\x23\x3f\xf8\0\0\0\0\0\0"s, "\x22\0\0\0\0"s,
+      "\x23\0\0\0\0\0\0\0\0"s, "\x33\x3f\xf8\0\0\0\0\0\0"s,
+  };
+  std::string array = "\xa5";
+  for (std::size_t i = 1; i <= objects.size(); ++i) array += reference(i);
+  std::vector<std::string> all = {array};
+  all.insert(all.end(), objects.begin(), objects.end());
+  const auto read = parse(binaryList(all));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->items().at(1).asReal(), 1.5);
+  EXPECT_FALSE(read->items().at(1).asDate());
+  EXPECT_EQ(read->items().at(4).asDate(), Date(1.5));
+  const std::vector made = {PropertyList::realOfSinglePrecision(1.5F), PropertyList::real(1.5),
+                            PropertyList::realOfSinglePrecision(0), PropertyList::real(0),
+                            PropertyList::date(Date(1.5))};
+  for (const auto& list : {*read, PropertyList::array(made)}) {
+    const auto written = textOf(list.binaryData());
+    for (const auto& object : objects) {
+      EXPECT_NE(written.find(object), std::string::npos) << testing::PrintToString(object);
+    }
+    EXPECT_EQ(parse(written)->items().at(1).asReal(), 1.5);
+  }
+}
+
+TEST(PropertyList, ReadsXml) {
+  const auto list = parse(
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//A//DTD PLIST "
+      "1.0//EN\" \"http://example.org/p.dtd\">\n<plist version=\"1.0\"><!-- it's --><dict>"
+      "<key>n</key><integer>-7</integer><key>r</key><real>1.25</real><key>t</key><true/>"
+      "<key>s</key><string>a &amp; &#x1F600;<![CDATA[<b>]]></string><key>e</key><array/>"
+      "<key>d</key><date>2024-06-21T03:30:00Z</date><key>u</key><dict><key>CF$UID</key>"
+      "<integer>5</integer></dict></dict></plist>");
+  ASSERT_TRUE(list);
+  EXPECT_EQ((*list)["n"].asInteger(), -7);
+  EXPECT_EQ((*list)["r"].asReal(), 1.25);
+  EXPECT_EQ((*list)["t"].asBoolean(), true);
+  EXPECT_EQ((*list)["s"].asString(), "a & 😀<b>");
+  EXPECT_EQ((*list)["e"].kind(), PropertyList::Kind::kArray);
+  EXPECT_EQ((*list)["d"].asDate(), Date(740633400));
+}
+
+TEST(PropertyList, RefusesWhatWouldExhaustIt) {
+  const auto chain = [](std::size_t depth, std::size_t width) {
+    std::vector<std::string> objects;
+    for (std::size_t i = 1; i <= depth; ++i) {
+      objects.emplace_back(1, static_cast<char>(0xa0 + width));
+      for (std::size_t n = 0; n < width; ++n) objects.back() += reference(i);
+    }
+    objects.emplace_back("\x08");
+    return binaryList(objects);
+  };
+  const auto repeated = [](const char* text, int times) {
+    std::string result;
+    while (times-- > 0) result += text;
+    return result;
+  };
+  const std::string huge("\x13\x10\0\0\0\0\0\0\0", 9);  // 2^60
+  EXPECT_TRUE(parse(chain(255, 1))) << "as deep as may be";
+  EXPECT_TRUE(parse(chain(12, 2))) << "shared within reason";
+  const std::pair<const char*, std::string> cases[] = {
+      {"too deep", chain(256, 1)},
+      {"deep enough for the stack", chain(200000, 1)},
+      {"each level doubles", chain(40, 2)},
+      {"an array in itself", binaryList({"\xa1" + reference(0)})},
+      {"a cycle of two", binaryList({"\xa1" + reference(1), "\xa1" + reference(0)})},
+      {"number as key", binaryList({"\xd1" + reference(1) + reference(1), "\x10\x05"})},
+      {"huge array", binaryList({"\xaf" + huge})},
+      {"huge dictionary", binaryList({"\xdf" + huge})},
+      {"huge data", binaryList({"\x4f" + huge})},
+      {"huge text", binaryList({"\x6f" + huge})},
+      {"a reference to nowhere", binaryList({"\xa1" + reference(9)})},
+      {"deep XML", "<plist>" + repeated("<array>", 257) + repeated("</array>", 257) + "</plist>"},
+      {"open XML", "<plist>" + repeated("<array>", 200000)},
+      {"ends hidden in a comment",
+       "<plist>" + repeated("<array><!---></array>-->", 300) + repeated("</array>", 300)},
+      {"in a document type", "<plist>" + repeated("<array><!DOCTYPE x [</array>]>", 100000)},
+      {"in an attribute", "<plist>" + repeated("<array a='></array>'>", 100000)},
+      {"empty", ""},
+      {"mark alone", "bplist00"},
+      {"text", "hello"},
+  };
+  for (const auto& [name, list] : cases) EXPECT_FALSE(parse(list)) << name;
+}
+
+TEST(PropertyList, SurvivesDamage) {
+  std::mt19937 random(20240621);  // NOLINT: the same damage every time
+  for (const char* name :
+       {"archives/NSKeyedUnarchiver-ComplexTest.plist",
+        "archives/NSKeyedUnarchiver-ArrayTest.plist", "defaults/group.BeReal.plist"}) {
+    SCOPED_TRACE(name);
+    const auto whole = test::readFile(test::testData(name));
+    ASSERT_TRUE(parse(whole));
+    const bool isXml = whole.starts_with("<?xml");
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+      // Nothing of an XML list is lost with the end tag of its outermost element.
+      const bool mayRead = isXml && whole.rfind("</dict>") + 7 <= size;
+      EXPECT_TRUE(mayRead || !parse(whole.substr(0, size))) << size;
+    }
+    for (int round = 0; round < 3000; ++round) {
+      auto damaged = whole;
+      for (int flips = 0; flips < 3; ++flips) {
+        damaged[random() % damaged.size()] ^= static_cast<char>(1U << random() % 8);
+      }
+      // Whatever can still be read must be safe to walk and to write again.
+      if (const auto list = parse(damaged)) {
+        EXPECT_FALSE(list->binaryData().empty());
+        for (const auto& [key, value] : list->entries()) EXPECT_LE(value.count(), whole.size());
+      }
+    }
+  }
+}
+
+TEST(PropertyList, TellsWhyAFileCannotBeRead) {
+  const test::TemporaryDirectory directory;
+  const auto missing = PropertyList::propertyListWithContentsOfURL(directory / "none.plist");
+  EXPECT_EQ(missing.error().code, ENOENT);
+  test::writeFile(directory / "bad.plist", "bplist00");
+  const auto bad = PropertyList::propertyListWithContentsOfURL(directory / "bad.plist");
+  EXPECT_THAT(bad.error().localizedDescription, testing::HasSubstr("bad.plist"));
+  EXPECT_FALSE(PropertyList::propertyListWithContentsOfURL(directory.path()));
+}
+
+}  // namespace
+}  // namespace vantrel
