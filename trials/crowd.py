@@ -58,6 +58,12 @@ class Crowd:
                                 (batch, ("plan", "import", "--quiet", str(file)))):
                 done = self.run("write", *words)
                 (self.acknowledged.update((name,)) if done.returncode == 0 else self.refused.add(name))
+            # The same plan from every writer: it has to be stored once.
+            common = f"common {number}"
+            file.write_text(json.dumps({"plans": [{"name": common, "uniqueIdentifier": common}]}),
+                            encoding="utf-8")
+            if self.run("write", "plan", "import", "--quiet", str(file)).returncode == 0:
+                self.acknowledged.update((common,))
             if self.run("write", "defaults", "write", f"writer {writer}", str(number)).returncode == 0:
                 self.numbers[f"writer {writer}"] = number
 

@@ -51,7 +51,9 @@ Expected<ManagedObjectContext*> contextForReading() {
 }
 
 Expected<ManagedObjectContext*> contextForWriting() {
-  return storePath().and_then([](const auto& /*path*/) { return context(); });
+  return storePath().and_then([](const auto& /*path*/) { return context(); }).and_then([](auto* c) {
+    return c->lockStore().map([c] { return c; });
+  });
 }
 
 Expected<void> removeFromStore(const std::shared_ptr<ManagedObject>& object) {

@@ -13,7 +13,8 @@ Expected<std::filesystem::path> existingStore();
 
 /// The context over the existing store, which answered a first fetch.
 Expected<ManagedObjectContext*> contextForReading();
-/// The same; makes the store when there is none.
+/// The same for commands that read, then write: creates the store if there is none, and keeps other
+/// programs from writing until the command saves or exits.
 Expected<ManagedObjectContext*> contextForWriting();
 
 /// Takes a record out of its store.

@@ -44,8 +44,22 @@ ChangeSet ManagedObjectContext::changeSet() const {
   return changes;
 }
 
+Expected<void> ManagedObjectContext::lockStore() {
+  SqliteStore* store = coordinator_->persistentStore();
+  return store ? store->lock() : tl::unexpected(coordinator_->storeFailure());
+}
+
+void ManagedObjectContext::unlockStore() {
+  if (SqliteStore* store = coordinator_->persistentStore()) store->unlock();
+}
+
 Expected<void> ManagedObjectContext::save() {
-  if (!hasChanges()) return {};
+  auto saved = hasChanges() ? saveChanges() : Expected<void>();
+  unlockStore();
+  return saved;
+}
+
+Expected<void> ManagedObjectContext::saveChanges() {
   SqliteStore* store = coordinator_->persistentStore();
   if (!store) return tl::unexpected(coordinator_->storeFailure());
   if (auto allowed = checkDeletions(); !allowed) return allowed;

@@ -251,6 +251,7 @@ bool ManagedObjectContext::hasChanges() const {
 }
 
 void ManagedObjectContext::reset() {
+  unlockStore();
   // Every object is let go before the first one is destroyed: that would look for its entry.
   const Pending inserted = std::exchange(inserted_, {});
   const Pending updated = std::exchange(updated_, {});

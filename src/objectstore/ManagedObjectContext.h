@@ -58,6 +58,13 @@ class ManagedObjectContext {
   /// concerns cannot be read, that save fails.
   void deleteObject(const std::shared_ptr<ManagedObject>& object);
 
+  /// Keeps other processes from writing to the store until the next `save`, `reset` or
+  /// `unlockStore`: call it before reading what decides about the changes. Fails with kLocked if
+  /// another process writes for more than 5 s. Does nothing on a store that cannot be written;
+  /// there `save` fails. If the process ends first, nothing is written.
+  Expected<void> lockStore();
+  void unlockStore();
+
   bool hasChanges() const;
   /// Writes all changes in one transaction, or none. Objects that someone else changed since they
   /// were read make it fail (code kConflict) and stay as they are in memory.
@@ -95,6 +102,7 @@ class ManagedObjectContext {
                         const RelationshipDescription& relationship) const;
   void applyDeleteRules(const ManagedObject& object);
   Expected<void> checkDeletions();
+  Expected<void> saveChanges();
   ChangeSet changeSet() const;
   RowChange changeOf(const ManagedObject& object,
                      const std::map<const ManagedObject*, std::size_t>& inserted) const;

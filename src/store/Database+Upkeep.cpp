@@ -42,6 +42,8 @@ bool Database::isMigrationNeeded() const {
 
 void Database::performUpdatesFrom3To4() {
   if (!managedObjectContext_ || !managedObjectModel_) return;
+  // Without the lock, a record that another program changes meanwhile would make the save fail.
+  static_cast<void>(managedObjectContext_->lockStore());
   for (const auto& entity : std::as_const(*managedObjectModel_).entities()) {
     const auto objects = managedObjectContext_->executeFetchRequest(
         {.entityName = entity.name, .predicate = Predicate::isNil(kUniqueIdentifierKey)});
@@ -93,12 +95,18 @@ Expected<Database::Objects> Database::duplicateObjects() {
 void Database::removeDuplicatesWithCompletion(
     std::function<void(const std::optional<Error>&)> completion) {
   MainQueue::sharedQueue().async([this, completion = std::move(completion)] {
+    ManagedObjectContext* context = managedObjectContext();
+    if (!context) return completion(std::nullopt);
+    // Otherwise another program could remove the copy that is to stay.
+    const auto locked = context->lockStore();
     const auto duplicates = duplicateObjects();
-    if (!duplicates) return completion(duplicates.error());
-    if (duplicates->empty()) return completion(std::nullopt);
-    ManagedObjectContext& context = *managedObjectContext();
-    for (const auto& object : *duplicates) context.deleteObject(object);
-    const auto saved = context.save();
+    if (!duplicates || duplicates->empty()) {
+      context->unlockStore();
+      return completion(duplicates ? std::nullopt : std::optional(duplicates.error()));
+    }
+    if (!locked) return completion(locked.error());
+    for (const auto& object : *duplicates) context->deleteObject(object);
+    const auto saved = context->save();
     completion(saved ? std::nullopt : std::optional(saved.error()));
   });
 }

@@ -1,4 +1,5 @@
 // Several programs on one store at the same time, each a process of its own.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -47,6 +48,43 @@ TEST_F(SharedStoreTest, SeveralProgramsMakeAndFillOneStore) {
                    " min(Z_PK), max(Z_PK) FROM ZPLANNING; SELECT Z_MAX FROM Z_PRIMARYKEY WHERE"
                    " Z_NAME = 'Planning'; SELECT count(*) FROM Z_METADATA; PRAGMA integrity_check"),
             "80|80|80|1|80\n80\n1\nok");
+}
+
+TEST_F(SharedStoreTest, WhatALockedStoreAnsweredStillHoldsAtTheSave) {
+  constexpr int kPrograms = 4;
+  constexpr int kPlans = 20;
+  { OpenStore store(file_); }
+  std::vector<pid_t> children;
+  children.reserve(kPrograms);
+  for (int program = 0; program < kPrograms; ++program) {
+    children.push_back(start([&] {
+      OpenStore store(file_);
+      for (int plan = 0; plan < kPlans; ++plan) {
+        if (!store.context.lockStore()) return false;
+        const auto count = store.context.countForFetchRequest({.entityName = "Planning"});
+        if (!count) return false;
+        store.insertPlan(std::to_string(*count), 0);
+        if (!store.context.save()) return false;
+      }
+      return true;
+    }));
+  }
+  for (const pid_t child : children) EXPECT_TRUE(succeeded(child));
+  EXPECT_EQ(sqlite(file_, "SELECT count(DISTINCT ZNAME), max(ZNAME + 0) FROM ZPLANNING"), "80|79");
+
+  // Each of these ends the lock; nothing but a save writes.
+  OpenStore store(file_);
+  const std::string write = "UPDATE ZPLANNING SET ZNOTES = 'x' WHERE Z_PK = 1";
+  const std::function<void()> ends[] = {[&] { store.context.unlockStore(); },
+                                        [&] { store.context.reset(); },
+                                        [&] { EXPECT_TRUE(store.context.save()); }};
+  for (const auto& end : ends) {
+    ASSERT_TRUE(store.context.lockStore());
+    EXPECT_TRUE(store.context.lockStore());
+    EXPECT_THAT(sqlite(file_, write), testing::HasSubstr("locked"));
+    end();
+    EXPECT_EQ(sqlite(file_, write), "");
+  }
 }
 
 TEST_F(SharedStoreTest, AProgramSeesWhatAnotherSavedAtItsNextFetch) {

@@ -312,16 +312,30 @@ Expected<std::unordered_map<std::int64_t, std::size_t>> SqliteStore::countsOfRel
   });
 }
 
+void SqliteStore::beginTransaction() {
+  transaction_ = std::make_unique<SQLite::Transaction>(connection_->database(),
+                                                       SQLite::TransactionBehavior::IMMEDIATE);
+}
+
+Expected<void> SqliteStore::lock() {
+  return guarded([&] {
+    if (!transaction_ && !connection_->isReadOnly()) beginTransaction();
+  });
+}
+
+void SqliteStore::unlock() {
+  transaction_.reset();
+}
+
 Expected<std::vector<std::int64_t>> SqliteStore::save(const ChangeSet& changes) {
   auto keys = guarded([&] {
     if (connection_->isReadOnly()) {
       failStore(StoreErrorCode::kPermission, "the store may not be written");
     }
-    SQLite::Transaction transaction(connection_->database(),
-                                    SQLite::TransactionBehavior::IMMEDIATE);
+    if (!transaction_) beginTransaction();
     StoreWriter writer(*connection_, *entities_, *storages_, *model_);
     auto written = writer.write(changes);
-    transaction.commit();
+    transaction_->commit();
     connection_->noteWritten();
     for (const auto& name : writer.releasedFiles()) {
       std::error_code ignored;
@@ -329,6 +343,7 @@ Expected<std::vector<std::int64_t>> SqliteStore::save(const ChangeSet& changes) 
     }
     return written;
   });
+  transaction_.reset();
   // What was looked up while writing may have been taken back.
   if (!keys) entities_->forget();
   return keys;

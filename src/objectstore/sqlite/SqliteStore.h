@@ -18,6 +18,10 @@
 #include "objectstore/sqlite/StoreMetadata.h"
 #include "objectstore/sqlite/StoreOptions.h"
 
+namespace SQLite {
+class Transaction;
+}
+
 namespace vantrel {
 
 /// A row as a fetch hands it over.
@@ -79,6 +83,12 @@ class SqliteStore {
   Expected<std::unordered_map<std::int64_t, std::size_t>> countsOfRelated(
       const EntityDescription& entity, const RelationshipDescription& relationship);
 
+  /// Keeps other processes from writing until the next `save` or `unlock`, so that everything read
+  /// in between is still true when it is saved. Waits for other writers as `save` does, then fails
+  /// with kLocked. Does nothing if the store is locked already or read only.
+  Expected<void> lock();
+  /// Ends `lock` without saving.
+  void unlock();
   /// Writes all changes in one transaction, or none; gives the keys of the inserted rows in order.
   Expected<std::vector<std::int64_t>> save(const ChangeSet& changes);
 
@@ -87,6 +97,7 @@ class SqliteStore {
   void openFile(const StoreOptions& options);
   void checkMetadata(const StoreOptions& options);
   bool serves(const StoreOptions& options);
+  void beginTransaction();
   template <typename Function>
   auto guarded(Function function) -> Expected<decltype(function())>;
 
@@ -97,6 +108,7 @@ class SqliteStore {
   std::unique_ptr<StoreConnection> connection_;
   std::unique_ptr<StoredEntities> entities_;
   std::unique_ptr<RelationshipStorages> storages_;
+  std::unique_ptr<SQLite::Transaction> transaction_;  ///< Between `lock` and `save`.
 };
 
 }  // namespace vantrel

@@ -226,8 +226,21 @@ struct UserDefaults::State {
     }
   }
 
+  /// The mutex is held.
+  Expected<void> lockFile() {
+    if (!path || held) return {};
+    if (!paths::createPrivateDirectory(path->parent_path())) {
+      return tl::unexpected(posixError(errno ? errno : EIO, path->parent_path()));
+    }
+    auto locked = vantrel::lock(*path);
+    if (!locked) return tl::unexpected(locked.error());
+    held = std::move(*locked);
+    return {};
+  }
+
   std::optional<fs::path> path;
   std::mutex mutex;
+  FileDescriptor held;  ///< Of the locked file, from `lock` to `synchronize`.
   Content content;
   /// What was set since the last synchronisation; nothing stands for a removed key.
   std::map<std::string, PropertyList, std::less<>> changes;
@@ -338,15 +351,19 @@ Expected<void> UserDefaults::checkReadable() const {
   return {};
 }
 
+void UserDefaults::lock() {
+  const std::lock_guard guard(state_->mutex);
+  std::error_code error;
+  // Whoever then sets nothing must not leave a new folder behind.
+  if (state_->path && fs::exists(*state_->path, error)) static_cast<void>(state_->lockFile());
+}
+
 Expected<void> UserDefaults::synchronize() {
   const std::lock_guard guard(state_->mutex);
-  if (!state_->path || state_->changes.empty()) return {};
+  auto locked = state_->changes.empty() ? Expected<void>() : state_->lockFile();
+  const FileDescriptor held = std::move(state_->held);
+  if (!locked || !state_->path || state_->changes.empty()) return locked;
   const fs::path& path = *state_->path;
-  if (!paths::createPrivateDirectory(path.parent_path())) {
-    return tl::unexpected(posixError(errno ? errno : EIO, path.parent_path()));
-  }
-  const auto held = lock(path);
-  if (!held) return tl::unexpected(held.error());
   auto content = load(path);
   if (isDamaged(content)) {
     if (auto moved = moveAside(path); !moved) return moved;

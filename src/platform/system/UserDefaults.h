@@ -49,6 +49,10 @@ class UserDefaults {
   void setDouble(double value, std::string_view key);
   void removeObjectForKey(std::string_view key);
 
+  /// Keeps other programs from writing the file until the next `synchronize`, so that a value that
+  /// is read here, changed and set does not undo their change. Waits for them. Does nothing while
+  /// there is no file, or if it cannot be locked: `synchronize` then fails.
+  void lock();
   /// Writes what was set here since the last call into the file as it then is, leaving its other
   /// keys alone: it is replaced whole, or stays as it was. A damaged file is moved aside. Errors
   /// are of domain "POSIX" with an errno value; what was set then waits for the next call.
