@@ -12,10 +12,16 @@
 #include "cli/CommandGroup.h"
 #include "cli/Suggestion.h"
 #include "common/ExitCode.h"
+#include "common/ProgramStart.h"
 
 namespace vantrel::cli {
 
 namespace {
+
+/// Carries an error out of the parser.
+struct Failure {
+  Error error;
+};
 
 /// "plan add"; empty for the program itself.
 std::string commandPath(const CLI::App& parser) {
@@ -166,6 +172,10 @@ int runProgram(const std::vector<std::string>& arguments) {
     if (group) group->fill(*root.get_subcommand(group->name), session);
     const auto parser = commandAskedFor(root, commands);
     if (!parser) return session.console.finish(session.console.fail(parser.error()));
+    // Not for --help and --version.
+    root.parse_complete_callback([] {
+      if (const auto sane = checkEnvironment(); !sane) throw Failure{sane.error()};
+    });
     auto words = withHiddenSigns(arguments, **parser);
     std::reverse(words.begin(), words.end());
     root.parse(std::move(words));
@@ -173,6 +183,8 @@ int runProgram(const std::vector<std::string>& arguments) {
     session.console.print(root.help());
   } catch (const CLI::CallForVersion& version) {
     session.console.print(std::string(version.what()) + "\n");
+  } catch (const Failure& refused) {
+    session.exitCode = session.console.fail(refused.error);
   } catch (const CLI::ParseError& error) {
     session.exitCode = failUsage(error, root, session);
   } catch (const std::exception& fault) {

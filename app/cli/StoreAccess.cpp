@@ -36,10 +36,10 @@ Expected<ManagedObjectContext*> context() {
 Expected<std::filesystem::path> existingStore() {
   auto path = storePath();
   std::error_code error;
-  // A file without content would be made a store by opening it.
-  if (path &&
-      (std::filesystem::status(*path, error).type() == std::filesystem::file_type::not_found ||
-       std::filesystem::file_size(*path, error) == 0))
+  // A file without content would be made a store by opening it; a link that leads nowhere is not.
+  if (path && (std::filesystem::symlink_status(*path, error).type() ==
+                   std::filesystem::file_type::not_found ||
+               std::filesystem::file_size(*path, error) == 0))
     return tl::make_unexpected(failure(kExitMissing, path->string(),
                                        "no store yet; \"vantrel plan add\" makes one, \"vantrel "
                                        "store sample\" one with sample plans"));

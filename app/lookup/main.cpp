@@ -7,6 +7,7 @@
 
 #include "base/Log.h"
 #include "common/ExitCode.h"
+#include "common/ProgramStart.h"
 #include "lookup/Account.h"
 #include "lookup/Lookup.h"
 #include "lookup/LookupOptions.h"
@@ -19,7 +20,8 @@ namespace vantrel {
 namespace {
 
 Expected<nlohmann::json> answer(LookupOptions options) {
-  if (const auto read = options.readEnvironment(); !read) return tl::make_unexpected(read.error());
+  const auto read = checkEnvironment().and_then([&] { return options.readEnvironment(); });
+  if (!read) return tl::make_unexpected(read.error());
   QNetworkProxyFactory::setUseSystemConfiguration(true);
   MainQueue::install(std::make_shared<QtMainQueue>());
   auto cache = paths::cacheDirectory();
@@ -44,6 +46,7 @@ int run(const LookupOptions& options) {
 }  // namespace vantrel
 
 int main(int argc, char** argv) {
+  vantrel::exitWhenOutOfMemory("vantrel-lookup");
   vantrel::LookupOptions options;
   if (const auto code = vantrel::LookupOptions::parse(argc, argv, options)) return *code;
   // What goes wrong is told once, in the answer.

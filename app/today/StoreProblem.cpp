@@ -38,8 +38,8 @@ const Listener& listener() {
 std::optional<Error> missingStore() {
   const auto store = Database::sharedInstance().groupStoreURL();
   std::error_code error;
-  // A file without content would be made a store by opening it.
-  if (store && std::filesystem::exists(*store, error) &&
+  // A file without content would be made a store by opening it; a link that leads nowhere is not.
+  if (store && std::filesystem::exists(std::filesystem::symlink_status(*store, error)) &&
       std::filesystem::file_size(*store, error) != 0) {
     return std::nullopt;
   }

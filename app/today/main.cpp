@@ -9,6 +9,7 @@
 
 #include "base/Log.h"
 #include "common/ExitCode.h"
+#include "common/ProgramStart.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "platform/system/Device.h"
@@ -125,6 +126,10 @@ int showWindow(int argc, char** argv, Options options) {
 int run(int argc, char** argv) {
   Options options;
   if (const auto code = Options::parse(argc, argv, options)) return *code;
+  if (const auto sane = checkEnvironment(); !sane) {
+    logLine("vantrel-today: " + sane.error().localizedDescription);
+    return exitCodeForError(sane.error());
+  }
   if (options.autostart) return setAutostart(*options.autostart);
   if (!options.systemVersion.empty())
     Device::currentDevice().setSystemVersion(options.systemVersion);
@@ -137,5 +142,6 @@ int run(int argc, char** argv) {
 }  // namespace vantrel
 
 int main(int argc, char** argv) {
+  vantrel::exitWhenOutOfMemory("vantrel-today");
   return vantrel::run(argc, argv);
 }

@@ -123,6 +123,7 @@ class CalendarLines {
   }
 
   void pass(std::string line) {
+    ensureMemory(memoryForText(line.size()));
     if (auto* calendar = icalparser_add_line(parser_.get(), line.data())) {
       calendars_.emplace_back(calendar);
     }
@@ -138,6 +139,16 @@ class CalendarLines {
 };
 
 }  // namespace
+
+void ensureMemory(std::size_t bytes) {
+  ::operator delete(::operator new(bytes));
+}
+
+std::size_t memoryForText(std::size_t size) {
+  constexpr std::size_t kCopies = 8;
+  constexpr std::size_t kSmallest = std::size_t{1} << 16;
+  return kSmallest + kCopies * size;
+}
 
 Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
                                                          const ProgressReport& progress) {

@@ -2,6 +2,7 @@
 
 #include <libical/ical.h>
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,14 @@ struct FreeCalendarComponent {
   void operator()(icalcomponent* component) const { icalcomponent_free(component); }
 };
 using CalendarComponent = std::unique_ptr<icalcomponent, FreeCalendarComponent>;
+
+/// Throws std::bad_alloc unless `bytes` can be allocated. To be called before libical is given
+/// work: it crashes when an allocation of its own fails.
+void ensureMemory(std::size_t bytes);
+/// More than libical needs to read a line or write a component with texts of `size` bytes.
+std::size_t memoryForText(std::size_t size);
+/// More than libical needs for a zone with the most rules that are read or written.
+inline constexpr std::size_t kMemoryForZone = std::size_t{16} << 20;
 
 /// The name under which the place of an event is found as it was written: the library takes
 /// "41;nowhere" for a place, too.

@@ -1,4 +1,5 @@
 #include "cli/exchange/CalendarZones.h"
+#include "cli/exchange/CalendarText.h"
 
 #include <unicode/ucal.h>
 #include <unicode/unistr.h>
@@ -135,6 +136,7 @@ Expected<CalendarZones::Zone> CalendarZones::zoneNamed(const std::string& name) 
   if (!isZone(component->second)) {
     return refused("VTIMEZONE \"" + name + "\"", "its rules make no sense");
   }
+  ensureMemory(kMemoryForZone);
   zone.embedded.reset(icaltimezone_new());
   icaltimezone_set_component(zone.embedded.get(), icalcomponent_new_clone(component->second));
   // All years at once: asked for one behind the other, each is walked to from the beginning.

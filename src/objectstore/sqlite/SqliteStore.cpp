@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <new>
 
 #include "objectstore/model/AttributeValues.h"
 #include "objectstore/sqlite/ExternalData.h"
@@ -65,6 +66,12 @@ Error errorFromSystem(const std::error_code& code) {
   return storeError(StoreErrorCode::kInputOutput, "reading or writing the store's files failed");
 }
 
+/// As a failed `new` does.
+[[noreturn]] void failOutOfMemory() {
+  if (const auto handler = std::get_new_handler()) handler();
+  throw std::bad_alloc();
+}
+
 }  // namespace
 
 template <typename Function>
@@ -86,6 +93,7 @@ auto SqliteStore::guarded(Function function) -> Expected<decltype(function())> {
     return tl::unexpected(std::move(error));
   } catch (const SQLite::Exception& exception) {
     const int code = std::max(exception.getErrorCode(), exception.getExtendedErrorCode());
+    if ((code & 0xff) == SQLITE_NOMEM) failOutOfMemory();
     const int systemError =
         connection_ ? sqlite3_system_errno(connection_->database().getHandle()) : errno;
     Error error = errorFromSqlite(code, systemError);
@@ -152,7 +160,7 @@ Expected<void> SqliteStore::copy(const fs::path& from, const fs::path& to,
 
 void SqliteStore::openFile(const StoreOptions& options) {
   std::error_code error;
-  if (!options.readOnly && fs::status(url_, error).type() == fs::file_type::not_found) {
+  if (!options.readOnly && fs::symlink_status(url_, error).type() == fs::file_type::not_found) {
     createFile(url_, *model_);
   }
   connection_ = StoreConnection::open(url_, options.readOnly);

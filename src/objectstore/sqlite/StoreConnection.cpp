@@ -64,6 +64,11 @@ void checkFile(const fs::path& path) {
     case fs::file_type::regular:
       break;
     case fs::file_type::not_found:
+      if (fs::is_symlink(fs::symlink_status(path, error))) {
+        failStore(StoreErrorCode::kMissing, "the store is a symbolic link to \"" +
+                                                fs::read_symlink(path, error).string() +
+                                                "\", which does not exist");
+      }
       failStore(StoreErrorCode::kMissing, "there is no store");
     case fs::file_type::directory:
       failStore(StoreErrorCode::kCannotCreate, "a folder is in the place of the store");
