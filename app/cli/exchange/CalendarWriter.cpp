@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "cli/exchange/CalendarText.h"
@@ -61,9 +62,13 @@ void addPlace(icalcomponent* event, const LocationCoordinate2D& place) {
   icalcomponent_add_property(event, icalproperty_new_location(text.c_str()));
 }
 
-icalcomponent* entryOf(const Planning& plan, const ZoneUses& zones, const icaltimetype& now) {
+CalendarComponent entryOf(const Planning& plan, const ZoneUses& zones, const icaltimetype& now) {
   const auto date = writableDate(plan);
-  icalcomponent* entry = date ? icalcomponent_new_vevent() : icalcomponent_new_vtodo();
+  const auto name = plan.name();
+  const auto notes = plan.notes();
+  ensureMemory(memoryForText(name.value_or("").size() + notes.value_or("").size()));
+  CalendarComponent made(date ? icalcomponent_new_vevent() : icalcomponent_new_vtodo());
+  icalcomponent* const entry = made.get();
   const std::string identifier =
       plan.uniqueIdentifier().value_or(plan.objectID().URIRepresentation());
   icalcomponent_add_property(entry, icalproperty_new_uid(calendarText(identifier).c_str()));
@@ -72,14 +77,20 @@ icalcomponent* entryOf(const Planning& plan, const ZoneUses& zones, const icalti
     const auto use = zones.find(plan.timezone().value_or(""));
     addStart(entry, *date, use == zones.end() ? nullptr : &use->second.zone);
   }
-  if (const auto name = plan.name()) {
+  if (name) {
     icalcomponent_add_property(entry, icalproperty_new_summary(calendarText(*name).c_str()));
   }
-  if (const auto notes = plan.notes()) {
+  if (notes) {
     icalcomponent_add_property(entry, icalproperty_new_description(calendarText(*notes).c_str()));
   }
   if (const auto place = placeOfPlan(plan)) addPlace(entry, *place);
-  return entry;
+  return made;
+}
+
+std::string textOf(const CalendarComponent& component) {
+  const std::unique_ptr<char, decltype(&icalmemory_free_buffer)> text(
+      icalcomponent_as_ical_string_r(component.get()), &icalmemory_free_buffer);
+  return text.get();
 }
 
 }  // namespace
@@ -89,17 +100,18 @@ void writeCalendar(const Plans& plans, const TextSink& print) {
   icalcomponent_add_property(calendar.get(), icalproperty_new_version("2.0"));
   icalcomponent_add_property(calendar.get(),
                              icalproperty_new_prodid("-//Vantrel//Vantrel Today//EN"));
+  // Component by component: of a million plans, libical would need gigabytes.
+  constexpr std::string_view kEnd = "END:VCALENDAR\r\n";
+  const std::string frame = textOf(calendar);
+  print(std::string_view(frame).substr(0, frame.size() - kEnd.size()));
   const ZoneUses zones = zonesOf(plans);
   for (const auto& [name, use] : zones) {
-    icalcomponent_add_component(calendar.get(), calendarZone(use.zone, use.first, use.last));
+    ensureMemory(kMemoryForZone);
+    print(textOf(CalendarComponent(calendarZone(use.zone, use.first, use.last))));
   }
   const icaltimetype now = calendarTime(Clock::sharedClock().now(), nullptr);
-  for (const auto& plan : plans) {
-    icalcomponent_add_component(calendar.get(), entryOf(*plan, zones, now));
-  }
-  const std::unique_ptr<char, decltype(&icalmemory_free_buffer)> text(
-      icalcomponent_as_ical_string_r(calendar.get()), &icalmemory_free_buffer);
-  print(text.get());
+  for (const auto& plan : plans) print(textOf(entryOf(*plan, zones, now)));
+  print(kEnd);
 }
 
 }  // namespace vantrel::cli
