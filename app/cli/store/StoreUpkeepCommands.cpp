@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -10,6 +11,7 @@
 #include "common/ExitCode.h"
 #include "platform/system/SerialMainQueue.h"
 #include "store/Database.h"
+#include "store/DuplicateRule.h"
 
 namespace vantrel::cli {
 
@@ -87,6 +89,61 @@ Expected<Counts> countKinds(ManagedObjectContext& context) {
   return counts;
 }
 
+/// Whether two records of one entity have equal values, absent ones included.
+bool isSame(const ManagedObject& a, const ManagedObject& b) {
+  const auto& attributes = a.entity().attributes;
+  return std::all_of(attributes.begin(), attributes.end(), [&](const auto& attribute) {
+    return a.valueForKey(attribute.name) == b.valueForKey(attribute.name);
+  });
+}
+
+/// Adds the records without a value for `key` that are the same as an earlier one, identifier
+/// included. One with pictures is no copy: they would be removed with it.
+Expected<void> addCopies(ManagedObjectContext& context, const char* entityName,
+                         std::string_view key, Database::Objects& copies) {
+  const auto objects = context.executeFetchRequest(
+      {.entityName = entityName, .predicate = Predicate::isNil(std::string(key))});
+  if (!objects) return tl::make_unexpected(objects.error());
+  std::map<std::string, Database::Objects> kept;
+  for (const auto& object : *objects) {
+    const Value identifier = object->valueForKey("uniqueIdentifier");
+    const auto* text = std::get_if<std::string>(&identifier);
+    if (!text) continue;
+    auto& earlier = kept[*text];
+    const bool isCopy = std::any_of(earlier.begin(), earlier.end(),
+                                    [&](const auto& other) { return isSame(*other, *object); }) &&
+                        object->countOfRelatedObjects(kImagesKey) == 0;
+    (isCopy ? copies : earlier).push_back(object);
+  }
+  return {};
+}
+
+/// The exact copies that the rules of duplicates leave: these never call records equal that lack a
+/// date or a name to compare.
+Expected<Database::Objects> copiesLeft(ManagedObjectContext& context) {
+  Database::Objects copies;
+  for (const char* key : {"date", "name"}) {
+    if (const auto added = addCopies(context, "Planning", key, copies); !added) {
+      return tl::make_unexpected(added.error());
+    }
+  }
+  // One that lacks both was found twice.
+  std::sort(copies.begin(), copies.end());
+  copies.erase(std::unique(copies.begin(), copies.end()), copies.end());
+  return copies;
+}
+
+Expected<void> removeCopiesLeft(ManagedObjectContext& context) {
+  auto copies = copiesLeft(context);
+  if (!copies) return tl::make_unexpected(copies.error());
+  if (copies->empty()) return {};
+  if (auto locked = context.lockStore(); !locked) return locked;
+  copies = copiesLeft(context);
+  if (!copies) return tl::make_unexpected(copies.error());
+  for (const auto& copy : *copies) context.deleteObject(copy);
+  return context.save();
+}
+
 Expected<void> removeDuplicates() {
   const auto queue = std::make_shared<SerialMainQueue>();
   MainQueue::install(queue);
@@ -99,11 +156,14 @@ Expected<void> removeDuplicates() {
 }
 
 /// How many of each kind would be left.
-Expected<Counts> foretell(Counts counts) {
-  return Database::sharedInstance().duplicateObjects().map([&](const auto& duplicates) {
+Expected<Counts> foretell(ManagedObjectContext& context, Counts counts) {
+  auto duplicates = Database::sharedInstance().duplicateObjects();
+  if (!duplicates) return tl::make_unexpected(duplicates.error());
+  return copiesLeft(context).map([&](const auto& copies) {
+    duplicates->insert(duplicates->end(), copies.begin(), copies.end());
     for (std::size_t i = 0; i < kKinds.size(); ++i) {
       counts[i] -= static_cast<std::size_t>(std::count_if(
-          duplicates.begin(), duplicates.end(),
+          duplicates->begin(), duplicates->end(),
           [&](const auto& object) { return object->entity().name == kKinds[i].entityName; }));
     }
     return counts;
@@ -115,8 +175,12 @@ int dedupe(const bool& isDryRun, Console& console) {
   if (!context) return console.fail(context.error());
   const auto before = countKinds(**context);
   if (!before) return console.fail(before.error());
-  const auto after = isDryRun ? foretell(*before)
-                              : removeDuplicates().and_then([&] { return countKinds(**context); });
+  const auto after =
+      isDryRun
+          ? foretell(**context, *before)
+          : removeDuplicates().and_then([&] { return removeCopiesLeft(**context); }).and_then([&] {
+              return countKinds(**context);
+            });
   if (!after) return console.fail(after.error());
   Json json = {{"dryRun", isDryRun}};
   std::string text;
@@ -144,6 +208,10 @@ void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
   const auto [remove, isDryRun] = addCommand(
       parser, session, "dedupe",
       "Remove plans, places and cameras that are there twice; the first one stays", &dedupe);
+  remove.footer(
+      "Plans are there twice at the same place and instant, with the same name and number of\n"
+      "pictures. A plan without a date or name is, if all its values, identifier included, are\n"
+      "those of another and it has no pictures.");
   remove.add_flag("--dry-run", isDryRun, "Only count what would be removed");
 }
 
