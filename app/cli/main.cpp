@@ -3,7 +3,7 @@
 #include "common/ProgramStart.h"
 
 int main(int argc, char** argv) {
-  vantrel::cli::exitWhenOutOfMemory("vantrel");
+  vantrel::exitWhenOutOfMemory("vantrel");
   // What goes wrong is told once, by the command.
   vantrel::setLogsEnabled(false);
   return vantrel::cli::runProgram(std::vector<std::string>(argv + 1, argv + argc));
