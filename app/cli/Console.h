@@ -1,11 +1,15 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
 #include "base/Error.h"
 
 namespace vantrel::cli {
+
+/// Receives a long text piece by piece.
+using TextSink = std::function<void(std::string_view)>;
 
 /// Where a command's answers go: data to standard output, messages to standard error. Holds the
 /// switches that every command knows.

@@ -1,5 +1,7 @@
 #include "cli/Suggestion.h"
 
+#include "common/ExitCode.h"
+
 #include <algorithm>
 #include <numeric>
 #include <string_view>
@@ -57,6 +59,17 @@ std::string folded(const std::string& name) {
     }
   }
   return result;
+}
+
+Error ambiguous(const std::string& text, const std::string& why,
+                const std::vector<std::string>& candidates) {
+  constexpr std::size_t kMostCandidates = 10;
+  std::string lines = why;
+  for (std::size_t i = 0; i < candidates.size() && i < kMostCandidates; ++i) {
+    lines += "\n" + candidates[i];
+  }
+  if (candidates.size() > kMostCandidates) lines += "\n...";
+  return failure(kExitUsage, text, lines);
 }
 
 }  // namespace vantrel::cli

@@ -6,7 +6,7 @@
 #include "cli/Arguments.h"
 #include "cli/Command.h"
 #include "cli/StoreAccess.h"
-#include "cli/camera/CameraLookup.h"
+#include "cli/camera/CameraSelection.h"
 #include "cli/camera/CameraText.h"
 #include "cli/camera/SensorFormats.h"
 #include "common/ExitCode.h"

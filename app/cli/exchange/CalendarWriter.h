@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/TextSink.h"
+#include "cli/Console.h"
 #include "cli/plan/PlanSelection.h"
 
 namespace vantrel::cli {

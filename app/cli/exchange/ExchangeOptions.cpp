@@ -1,11 +1,33 @@
 #include "cli/exchange/ExchangeOptions.h"
 
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
 #include "cli/Command.h"
 #include "cli/CommandGroup.h"
+#include "common/ExitCode.h"
 
 namespace vantrel::cli {
 
 namespace {
+
+struct FormatName {
+  std::string_view name;
+  ExchangeFormat format;
+};
+constexpr std::array kNames = {
+    FormatName{"ics", ExchangeFormat::kCalendar}, FormatName{"json", ExchangeFormat::kJson},
+    FormatName{"csv", ExchangeFormat::kCsv},      FormatName{"gpx", ExchangeFormat::kGpx},
+    FormatName{"kml", ExchangeFormat::kKml},
+};
+
+std::optional<ExchangeFormat> formatNamed(std::string_view name) {
+  for (const auto& known : kNames) {
+    if (known.name == name) return known.format;
+  }
+  return std::nullopt;
+}
 
 void addFile(CLI::App& parser, ExchangeOptions& options, const char* whatItIs, const char* formats,
              const char* otherwise) {
@@ -14,6 +36,26 @@ void addFile(CLI::App& parser, ExchangeOptions& options, const char* whatItIs, c
 }
 
 }  // namespace
+
+Expected<ExchangeFormat> formatFromArgument(const std::string& option, const std::string& text) {
+  if (const auto format = formatNamed(text)) return *format;
+  return tl::make_unexpected(
+      failure(kExitUsage, option + " \"" + text + "\"", "allowed are ics, json, csv, gpx, kml"));
+}
+
+std::string_view nameOfFormat(ExchangeFormat format) {
+  for (const auto& known : kNames) {
+    if (known.format == format) return known.name;
+  }
+  return {};
+}
+
+std::optional<ExchangeFormat> formatOfFileName(const std::string& name) {
+  std::string extension = std::filesystem::path(name).extension();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  return extension.empty() ? std::nullopt : formatNamed(std::string_view(extension).substr(1));
+}
 
 void addImportOptions(CLI::App& parser, ExchangeOptions& options) {
   addFile(parser, options, "What to read; - (or nothing) is standard input", "ics|json",

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "cli/TextSink.h"
+#include "cli/Console.h"
 #include "cli/plan/PlanSelection.h"
 
 namespace vantrel::cli {

@@ -10,7 +10,6 @@
 #include "cli/StoreAccess.h"
 #include "cli/lookup/PlaceService.h"
 #include "cli/plan/PlanJson.h"
-#include "cli/plan/PlanLookup.h"
 #include "cli/plan/PlanSelection.h"
 #include "cli/plan/PlanTemplate.h"
 #include "cli/plan/PlanText.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/TextSink.h"
+#include "cli/Console.h"
 #include "cli/today/TodayList.h"
 #include "store/Planning.h"
 

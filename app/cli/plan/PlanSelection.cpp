@@ -1,9 +1,14 @@
 #include "cli/plan/PlanSelection.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "cli/Arguments.h"
 #include "cli/StoreAccess.h"
+#include "cli/Suggestion.h"
+#include "cli/plan/PlanText.h"
+#include "common/ExitCode.h"
+#include "common/PlanLink.h"
 
 namespace vantrel::cli {
 
@@ -50,6 +55,59 @@ Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) 
   return plans;
 }
 
+constexpr std::size_t kShortestPrefix = 4;
+/// One more than ambiguous() lists, so that it knows of more.
+constexpr std::size_t kMostFetched = 11;
+constexpr std::string_view kUriScheme = "x-coredata://";
+constexpr const char* kIdentifierKey = "uniqueIdentifier";
+
+std::string upperCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+  return text;
+}
+
+Expected<Plans> plansWithIdentifier(ManagedObjectContext& context, const std::string& identifier) {
+  FetchRequest request;
+  request.predicate = Predicate::equal(kIdentifierKey, identifier);
+  request.fetchLimit = kMostFetched;
+  return fetchPlans(context, request);
+}
+
+Expected<Plans> plansWithPrefix(ManagedObjectContext& context, const std::string& prefix) {
+  FetchRequest request;
+  request.predicate = Predicate::greaterThanOrEqual(kIdentifierKey, prefix);
+  request.sortDescriptors = {{kIdentifierKey, true}};
+  request.fetchLimit = kMostFetched;
+  auto plans = fetchPlans(context, request);
+  if (plans) {
+    std::erase_if(*plans, [&](const auto& plan) {
+      return !plan->uniqueIdentifier().value_or("").starts_with(prefix);
+    });
+  }
+  return plans;
+}
+
+/// The exact matches, else those that begin so; as typed, else in the upper case of new plans.
+Expected<Plans> candidates(ManagedObjectContext& context, const std::string& text) {
+  std::vector<std::string> spellings = {text};
+  if (upperCase(text) != text) spellings.push_back(upperCase(text));
+  Expected<Plans> plans;
+  for (const auto& find : {plansWithIdentifier, plansWithPrefix}) {
+    for (const auto& spelling : spellings) {
+      plans = find(context, spelling);
+      if (!plans || !plans->empty()) return plans;
+    }
+  }
+  return plans;
+}
+
+std::vector<std::string> candidateLines(const Plans& plans) {
+  std::vector<std::string> lines;
+  for (const auto& plan : plans) lines.push_back(candidateText(*plan));
+  return lines;
+}
+
 }  // namespace
 
 Expected<Plans> fetchPlans(ManagedObjectContext& context, FetchRequest request) {
@@ -81,6 +139,27 @@ Expected<Plans> plansBetween(const std::optional<std::string>& from,
   const auto context = contextForReading();
   if (!context) return tl::make_unexpected(context.error());
   return range->first || range->last ? plansInRange(**context, *range) : allPlans(**context);
+}
+
+Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
+                                              const std::string& text) {
+  if (text.starts_with(kUriScheme)) return planWithURI(context, text);
+  if (text.empty()) return tl::make_unexpected(failure(kExitUsage, "PLAN", "must not be empty"));
+  const auto plans = candidates(context, text);
+  if (!plans) return tl::make_unexpected(plans.error());
+  const bool exact =
+      plans->size() == 1 && upperCase(*plans->front()->uniqueIdentifier()) == upperCase(text);
+  if (text.size() < kShortestPrefix && !exact) {
+    return tl::make_unexpected(
+        ambiguous(text, "too short to name a plan; give at least four characters of its identifier",
+                  candidateLines(*plans)));
+  }
+  if (plans->empty()) return tl::make_unexpected(failure(kExitMissing, text, "no such plan"));
+  if (plans->size() > 1) {
+    return tl::make_unexpected(
+        ambiguous(text, "more than one plan; give more characters of", candidateLines(*plans)));
+  }
+  return plans->front();
 }
 
 }  // namespace vantrel::cli

@@ -24,4 +24,10 @@ Expected<Plans> allPlans(ManagedObjectContext& context);
 Expected<Plans> plansBetween(const std::optional<std::string>& from,
                              const std::optional<std::string>& to);
 
+/// The plan that `text` names: its object URI, its unique identifier, or a prefix of that of at
+/// least four characters, in either case. kExitMissing if there is none; kExitUsage, with the
+/// candidates, if there are several or the prefix is too short.
+Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
+                                              const std::string& text);
+
 }  // namespace vantrel::cli

@@ -1,4 +1,4 @@
-#include "cli/camera/CameraLookup.h"
+#include "cli/camera/CameraSelection.h"
 
 #include <vector>
 
@@ -11,7 +11,6 @@ namespace vantrel::cli {
 namespace {
 
 constexpr std::size_t kShortestPrefix = 4;
-constexpr std::size_t kMostCandidates = 10;
 
 /// The ways of naming a camera, the strictest first.
 using Matches = bool (*)(const CustomCamera& camera, const std::string& text);
@@ -29,13 +28,10 @@ constexpr Matches kWays[] = {
     },
 };
 
-Error listed(const std::string& text, const CustomCamera::Cameras& cameras) {
-  std::string lines = "more than one camera; name one of these by its identifier";
-  for (std::size_t i = 0; i < cameras.size() && i < kMostCandidates; ++i) {
-    lines += "\n" + candidateText(*cameras[i]);
-  }
-  if (cameras.size() > kMostCandidates) lines += "\n...";
-  return failure(kExitUsage, text, lines);
+std::vector<std::string> candidateLines(const CustomCamera::Cameras& cameras) {
+  std::vector<std::string> lines;
+  for (const auto& camera : cameras) lines.push_back(candidateText(*camera));
+  return lines;
 }
 
 }  // namespace
@@ -57,7 +53,9 @@ Expected<std::shared_ptr<CustomCamera>> cameraNamed(ManagedObjectContext& contex
       if (matches(*camera, text)) found.push_back(camera);
     }
     if (found.size() == 1) return found.front();
-    if (!found.empty()) return tl::make_unexpected(listed(text, found));
+    if (found.empty()) continue;
+    return tl::make_unexpected(ambiguous(
+        text, "more than one camera; name one of these by its identifier", candidateLines(found)));
   }
   std::vector<std::string> models;
   for (const auto& camera : *cameras) models.push_back(camera->model().value_or(""));
