@@ -29,6 +29,7 @@ const std::map<std::string, void (*)(fuzz::Bytes)> kTargets = {
     {"storeFile", fuzz::storeFile},
     {"stringTable", fuzz::stringTable},
     {"webAnswer", fuzz::webAnswer},
+    {"zoneFile", fuzz::zoneFile},
 };
 
 std::vector<fs::path> filesBelow(const fs::path& folder) {

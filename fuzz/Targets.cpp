@@ -1,13 +1,16 @@
 #include "Targets.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "geo/VTObserver.h"
 #include "objectstore/model/ManagedObjectModel.h"
 #include "platform/archive/KeyedUnarchiver.h"
 #include "platform/archive/PropertyList.h"
 #include "platform/system/StringTable.h"
+#include "platform/text/ZoneRules.h"
 
 namespace vantrel::fuzz {
 
@@ -86,6 +89,33 @@ void modelArchive(Bytes input) {
 
 void stringTable(Bytes input) {
   stringTableWithData(input);
+}
+
+/// A zone file, else the text of a rule.
+void zoneFile(Bytes input) {
+  auto rules = ZoneRules::decoded(std::string(textOf(input)));
+  if (!rules) {
+    if (const auto rule = PosixZoneRule::parsed(textOf(input))) rules = ZoneRules(*rule);
+  }
+  if (!rules) return;
+  constexpr std::int64_t kDay = 86400;
+  for (const std::int64_t start : {-100'000'000'000'000L, -3'000'000'000L, 0L, 1'700'000'000L,
+                                   5'000'000'000L, 100'000'000'000'000L}) {
+    auto instant = start;
+    for (int i = 0; i < kMostSteps; ++i) {
+      const auto period = rules->periodAt(instant);
+      promise(period.begin <= instant && instant < period.end, "a period has its instants");
+      promise(std::abs(period.offset) < 26 * 3600, "an offset is about a day at most");
+      const auto wallTime = instant + period.offset;
+      promise(std::abs(rules->instantOfWallTime(wallTime) - wallTime) < 26 * 3600,
+              "a wall time is near its instant");
+      const auto next = rules->nextChangeAfter(instant);
+      if (!next || *next > start + 10'000 * kDay) break;
+      promise(*next > instant, "the next change is later");
+      promise(rules->periodAt(*next).begin == *next, "a change begins a period");
+      instant = *next;
+    }
+  }
 }
 
 }  // namespace vantrel::fuzz

@@ -30,5 +30,6 @@ void storeContent(Bytes input);
 void storeFile(Bytes input);
 void stringTable(Bytes input);
 void webAnswer(Bytes input);
+void zoneFile(Bytes input);
 
 }  // namespace vantrel::fuzz
