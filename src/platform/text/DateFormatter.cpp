@@ -95,6 +95,24 @@ std::string fieldsOf(std::string_view pattern) {
   return fields;
 }
 
+/// The literal text after the last field of a pattern.
+std::string endingOf(std::string_view pattern) {
+  std::string ending;
+  bool quoted = false;
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const char c = pattern[i];
+    if (c == '\'' && pattern.substr(i + 1, 1) != "'") {
+      quoted = !quoted;
+    } else if (!quoted && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) {
+      ending.clear();
+    } else {
+      ending += c;
+      if (c == '\'') ++i;
+    }
+  }
+  return ending;
+}
+
 /// Whether texts of that pattern tell their own offset from Greenwich.
 bool hasZoneField(std::string_view pattern) {
   return fieldsOf(pattern).find_first_of("zZOvVXx") != std::string::npos;
@@ -140,6 +158,7 @@ struct DateFormatter::State {
           formatter(std::move(f)),
           numeric(numericPattern(*formatter)),
           tellsZone(hasZoneField(patternOf(*formatter))),
+          ending(endingOf(patternOf(*formatter))),
           calendar(formatter->getCalendar()->clone()) {
       formatter->setTimeZone(fixedZone(0));
       formatter->setLenient(false);
@@ -171,6 +190,7 @@ struct DateFormatter::State {
     std::unique_ptr<icu::SimpleDateFormat> formatter;
     std::optional<NumericDatePattern> numeric;
     bool tellsZone;
+    std::string ending;
     std::unique_ptr<icu::Calendar> calendar;
     int calendarOffset = 0;
   };
@@ -247,7 +267,8 @@ std::string DateFormatter::stringFromDate(Date date) const {
 
 std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
   const auto* built = state_->current();
-  if (!built) return std::nullopt;
+  // The library accepts texts that stop before the last literal.
+  if (!built || !text.ends_with(built->ending)) return std::nullopt;
   const auto source = icu::UnicodeString::fromUTF8(text);
   icu::ParsePosition position;
   const UDate instant = built->formatter->parse(source, position);

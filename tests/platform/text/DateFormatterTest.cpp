@@ -93,11 +93,16 @@ TEST(DateFormatter, ReadsWhatFitsThePattern) {
   };
   constexpr auto* kOffset = "yyyy-MM-dd'T'HH:mm:ssZZZZZ";
   constexpr auto* kWall = "yyyy-MM-dd HH:mm";
+  constexpr auto* kLiteral = "yyyy-MM-dd HH 'o''clock Z'";
   const Case cases[] = {
       {kOffset, "Asia/Tokyo", "2024-03-05T14:00:00Z", "2024-03-05T14:00:00Z"},
       {kWall, "Asia/Kathmandu", "2024-03-05 12:00", "2024-03-05T06:15:00Z"},
       {kWall, "America/Havana", "2024-03-10 00:30", "2024-03-10T05:30:00Z"},
       {kWall, "Europe/Madrid", "2024-10-27 02:30", "2024-10-27T00:30:00Z"},
+      {kLiteral, "GMT", "2024-03-05 12 o'clock Z", "2024-03-05T12:00:00Z"},
+      {kLiteral, "GMT", "2024-03-05 12 o'clock ", nullptr},
+      {kLiteral, "GMT", "2024-03-05 12 o'clock", nullptr},
+      {kLiteral, "GMT", "2024-03-05 12", nullptr},
       {kWall, "GMT", "2024-03-05 12:00x", nullptr},
       {kWall, "GMT", "2024-03-05", nullptr},
       {kWall, "GMT", "2024-02-30 12:00", nullptr},
