@@ -144,7 +144,7 @@ class Merge {
       const auto name = contentOf<std::string>(given->second);
       const auto named = name ? TimeZone::timeZoneWithName(*name) : std::nullopt;
       zone = named.value_or(TimeZone::defaultTimeZone());
-    } else if (!plan && TimeZone::timeZoneWithName(zone.name())) {
+    } else if (!plan) {
       // A wall time means little without its zone.
       values["timezone"] = zone.name();
     }

@@ -127,10 +127,8 @@ int addPlan(const Given& given, Console& console) {
     });
   });
   if (!changes) return console.fail(changes.error());
-  // A wall time means little without its zone; a device's zone without a name cannot be kept.
-  if (!given.contains("timezone") && TimeZone::timeZoneWithName(here.name())) {
-    (*changes)["timezone"] = here.name();
-  }
+  // A wall time means little without its zone.
+  if (!given.contains("timezone")) (*changes)["timezone"] = here.name();
   const auto context = contextForWriting();
   if (!context) return console.fail(context.error());
   const auto plan = std::dynamic_pointer_cast<Planning>((*context)->insertNewObject(kPlanEntity));

@@ -1,24 +1,34 @@
 #include "platform/text/TimeZone.h"
 
-#include <absl/time/civil_time.h>
-#include <absl/time/time.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <vector>
+
+#include "platform/system/Clock.h"
+#include "platform/text/ZoneRules.h"
 
 namespace vantrel {
 
+namespace fs = std::filesystem;
+
 struct TimeZone::Rules {
   std::string name;
-  absl::TimeZone zone;
+  ZoneRules rules;
 };
 
 namespace {
 
-/// Far beyond all rules, well within the library's range.
+/// Far beyond all rules, well within the range of `ZoneRules`.
 constexpr double kLastSecond = 1e14;
 constexpr std::size_t kLongestName = 255;
 constexpr auto kReferenceSecond = static_cast<std::int64_t>(Date::kReferenceDateSince1970);
@@ -28,8 +38,11 @@ std::int64_t wholeSeconds(double seconds) {
   return static_cast<std::int64_t>(std::floor(std::clamp(seconds, -kLastSecond, kLastSecond)));
 }
 
-/// Whether the text is made like a zone's name. The library would open any path, its own "file:"
-/// names included.
+std::int64_t instantOf(Date date) {
+  return kReferenceSecond + wholeSeconds(date.timeIntervalSinceReferenceDate());
+}
+
+/// Whether the text has the form of a zone's name, which is a safe path in the database.
 bool isZoneName(std::string_view text) {
   char before = '/';
   if (text.size() > kLongestName) return false;
@@ -39,62 +52,175 @@ bool isZoneName(std::string_view text) {
     if (!plain && (c != '/' || before == '/')) return false;
     before = c;
   }
-  return before != '/';
+  // "localtime" is a link to the device's zone, not a name.
+  return before != '/' && text != "localtime";
 }
 
-/// The name that /etc/localtime (or a TZ that is a path) stands for; empty when it tells none.
-std::string nameFromPath(const std::string& path) {
+/// The name of the zone whose file has that path; empty if the file is not in a database.
+std::string_view nameFromPath(std::string_view path) {
   constexpr std::string_view kFolder = "zoneinfo/";
   const auto at = path.rfind(kFolder);
-  return at == std::string::npos ? std::string() : path.substr(at + kFolder.size());
+  return at == std::string_view::npos ? std::string_view() : path.substr(at + kFolder.size());
 }
 
-absl::Time instantOf(Date date) {
-  return absl::FromUnixSeconds(kReferenceSecond +
-                               wholeSeconds(date.timeIntervalSinceReferenceDate()));
+fs::path databaseFolder() {
+  const char* folder = std::getenv("TZDIR");
+  return folder && *folder == '/' ? folder : "/usr/share/zoneinfo";
 }
 
-std::string deviceZoneName() {
-  if (const char* variable = std::getenv("TZ")) {
-    std::string text = variable;
-    if (text.starts_with(':')) text.erase(0, 1);
-    if (text.empty()) return "UTC";
-    return text.starts_with('/') ? nameFromPath(text) : text;
+/// The content of a regular file of at most 1 MiB, else an empty text. Never waits, as a FIFO
+/// would.
+std::string contentOf(const fs::path& path) {
+  constexpr off_t kMostBytes = off_t{1} << 20;
+  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+  if (file < 0) return {};
+  std::string content;
+  struct stat status {};
+  if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= kMostBytes) {
+    content.resize(static_cast<std::size_t>(status.st_size));
+    const auto count = ::read(file, content.data(), content.size());
+    if (count != status.st_size) content.clear();
   }
-  std::error_code error;
-  return nameFromPath(std::filesystem::read_symlink("/etc/localtime", error).string());
+  ::close(file);
+  return content;
 }
+
+/// "GMT+0545"
+std::string offsetName(int seconds) {
+  if (seconds == 0) return "GMT";
+  const int minutes = std::abs(seconds) / 60;
+  const auto digits = std::to_string(10000 + minutes / 60 * 100 + minutes % 60).substr(1);
+  return (seconds < 0 ? "GMT-" : "GMT+") + digits;
+}
+
+/// The inverse of `offsetName`.
+std::optional<int> offsetFromName(std::string_view name) {
+  constexpr int kLimit = 26 * 3600;
+  constexpr std::size_t kSign = 3;
+  int digits = 0;
+  if (name.size() > kSign + 1) {
+    std::from_chars(name.data() + kSign + 1, name.data() + name.size(), digits);
+  }
+  digits %= 10000;
+  int seconds = (digits / 100 * 60 + digits % 100) * 60;
+  if (name.substr(0, kSign + 1) == "GMT-") seconds = -seconds;
+  if (std::abs(seconds) >= kLimit || offsetName(seconds) != name) return std::nullopt;
+  return seconds;
+}
+
+ZoneRules fixedRules(int seconds, std::string abbreviation) {
+  return ZoneRules(PosixZoneRule(seconds, std::move(abbreviation)));
+}
+
+std::optional<ZoneRules> rulesWithName(std::string_view name) {
+  if (!isZoneName(name)) return std::nullopt;
+  if (auto rules = ZoneRules::decoded(contentOf(databaseFolder() / name))) return rules;
+  if (name == "UTC") return fixedRules(0, "UTC");
+  const auto offset = offsetFromName(name);
+  if (!offset) return std::nullopt;
+  return fixedRules(*offset, std::string(*offset == 0 ? name : name.substr(3)));
+}
+
+/// The name of a zone with these rules: `likelyName`, else a zone of the database, which has the
+/// same file or at least the same rule for the future, else the present offset's.
+std::string nameForRules(const ZoneRules& rules, std::string_view likelyName) {
+  const auto now = instantOf(Clock::sharedClock().now());
+  auto name = offsetName(rules.periodAt(now).offset);
+  if (rules.file().empty() && !rules.nextChangeAfter(now)) return name;
+
+  std::vector<std::string> names = {std::string(likelyName), "UTC"};
+  std::istringstream table(contentOf(databaseFolder() / "zone.tab"));
+  for (std::string line; std::getline(table, line);) {
+    std::istringstream words(line);
+    std::string country, place, zone;
+    if (words >> country >> place >> zone && country != "#") names.push_back(zone);
+  }
+  bool isAlike = false;
+  for (const auto& candidate : names) {
+    const auto other = rulesWithName(candidate);
+    if (!other) continue;
+    if (!rules.file().empty() && other->file() == rules.file()) return candidate;
+    if (!isAlike && rules.lastRule() && other->lastRule() == rules.lastRule()) {
+      isAlike = true;
+      name = candidate;
+    }
+  }
+  return name;
+}
+
+/// The zones, and the names without one, that the process has seen. Thread-safe.
+class ZoneCache {
+ public:
+  template <typename Make>
+  std::optional<TimeZone> zone(const std::string& key, Make make) {
+    {
+      const std::lock_guard lock(mutex_);
+      const auto known = zones_.find(key);
+      if (known != zones_.end()) return known->second;
+    }
+    std::optional<TimeZone> made = make();
+    const std::lock_guard lock(mutex_);
+    if (zones_.size() < kMostZones) zones_.emplace(key, made);
+    return made;
+  }
+
+ private:
+  /// More than any database has; names are untrusted.
+  static constexpr std::size_t kMostZones = 2000;
+  std::mutex mutex_;
+  std::map<std::string, std::optional<TimeZone>> zones_;
+};
 
 }  // namespace
 
+TimeZone::TimeZone(std::string name, ZoneRules rules)
+    : rules_(std::make_shared<const Rules>(Rules{std::move(name), std::move(rules)})) {}
+
 std::optional<TimeZone> TimeZone::timeZoneWithName(std::string_view name) {
-  // The library reads "localtime" as the device's zone; it names none.
-  if (!isZoneName(name) || name == "localtime") return std::nullopt;
-  auto rules = std::make_shared<Rules>();
-  rules->name = name;
-  if (!absl::LoadTimeZone(rules->name, &rules->zone)) return std::nullopt;
-  return TimeZone(std::move(rules));
+  if (!isZoneName(name)) return std::nullopt;
+  static ZoneCache cache;
+  return cache.zone(std::string(name), [&]() -> std::optional<TimeZone> {
+    auto rules = rulesWithName(name);
+    if (!rules) return std::nullopt;
+    return TimeZone(std::string(name), std::move(*rules));
+  });
 }
 
 TimeZone TimeZone::timeZoneForSecondsFromGMT(int seconds) {
-  auto rules = std::make_shared<Rules>();
-  rules->name = "GMT";
-  if (seconds != 0) {
-    const int minutes = std::abs(seconds) / 60;
-    const auto digits = std::to_string(10000 + minutes / 60 * 100 + minutes % 60).substr(1);
-    rules->name += (seconds < 0 ? "-" : "+") + digits;
-  }
-  rules->zone = absl::FixedTimeZone(seconds);
-  return TimeZone(std::move(rules));
+  auto name = offsetName(seconds);
+  return {name, fixedRules(seconds, seconds == 0 ? name : name.substr(3))};
+}
+
+TimeZone TimeZone::systemTimeZone(const fs::path& folder) {
+  std::error_code error;
+  const auto link = fs::read_symlink(folder / "localtime", error).string();
+  if (auto zone = timeZoneWithName(nameFromPath(link))) return *zone;
+  auto likelyName = contentOf(folder / "timezone");
+  likelyName.erase(std::find(likelyName.begin(), likelyName.end(), '\n'), likelyName.end());
+  const auto file = contentOf(folder / "localtime");
+  return timeZoneWithRules(ZoneRules::decoded(file), file, likelyName);
 }
 
 TimeZone TimeZone::defaultTimeZone() {
-  if (auto zone = timeZoneWithName(deviceZoneName())) return *zone;
-  // A file without a name, or a TZ that nothing knows: the library's answer, UTC at the worst.
-  auto rules = std::make_shared<Rules>();
-  rules->zone = absl::LocalTimeZone();
-  rules->name = rules->zone.name();
-  return TimeZone(std::move(rules));
+  const char* variable = std::getenv("TZ");
+  if (!variable) return systemTimeZone();
+  std::string_view text = variable;
+  if (text.starts_with(':')) text.remove_prefix(1);
+  // Of a path only the name in it counts: any file could be there.
+  const bool isPath = text.starts_with('/') || text == "localtime";
+  if (auto zone = timeZoneWithName(isPath ? nameFromPath(text) : text)) return *zone;
+  if (isPath) return systemTimeZone();
+  const auto rule = PosixZoneRule::parsed(text);
+  return timeZoneWithRules(rule ? std::optional(ZoneRules(*rule)) : std::nullopt, text,
+                           text.substr(0, text.find(',')));
+}
+
+TimeZone TimeZone::timeZoneWithRules(const std::optional<ZoneRules>& rules, std::string_view source,
+                                     std::string_view likelyName) {
+  if (!rules) return {"UTC", fixedRules(0, "UTC")};
+  static ZoneCache cache;
+  const auto key = std::string(likelyName) + '\n' + std::string(source);
+  return *cache.zone(key, [&] { return TimeZone(nameForRules(*rules, likelyName), *rules); });
 }
 
 const std::string& TimeZone::name() const {
@@ -102,29 +228,27 @@ const std::string& TimeZone::name() const {
 }
 
 int TimeZone::secondsFromGMTForDate(Date date) const {
-  return rules_->zone.At(instantOf(date)).offset;
+  return rules_->rules.periodAt(instantOf(date)).offset;
 }
 
 bool TimeZone::isDaylightSavingTimeForDate(Date date) const {
-  return rules_->zone.At(instantOf(date)).is_dst;
+  return rules_->rules.periodAt(instantOf(date)).isDaylight;
 }
 
 std::string TimeZone::abbreviationForDate(Date date) const {
-  return rules_->zone.At(instantOf(date)).zone_abbr;
+  return std::string(rules_->rules.periodAt(instantOf(date)).abbreviation);
 }
 
 std::optional<Date> TimeZone::nextDaylightSavingTimeTransitionAfterDate(Date date) const {
-  absl::TimeZone::CivilTransition change;
-  if (!rules_->zone.NextTransition(instantOf(date), &change)) return std::nullopt;
-  const auto wallSeconds = static_cast<double>(change.from - absl::CivilSecond(2001, 1, 1));
-  return Date(wallSeconds - secondsFromGMTForDate(date));
+  const auto change = rules_->rules.nextChangeAfter(instantOf(date));
+  if (!change) return std::nullopt;
+  return Date(static_cast<double>(*change - kReferenceSecond));
 }
 
 Date TimeZone::dateForWallSeconds(double wallSeconds) const {
   const std::int64_t whole = wholeSeconds(wallSeconds);
-  // The instant by the offset before a change is the first of two, or lies behind the gap.
-  const auto instant = rules_->zone.At(absl::CivilSecond(2001, 1, 1) + whole).pre;
-  return Date(static_cast<double>(absl::ToUnixSeconds(instant) - kReferenceSecond) +
+  const auto instant = rules_->rules.instantOfWallTime(kReferenceSecond + whole);
+  return Date(static_cast<double>(instant - kReferenceSecond) +
               (wallSeconds - static_cast<double>(whole)));
 }
 

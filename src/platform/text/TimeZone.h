@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,17 +10,28 @@
 
 namespace vantrel {
 
-/// A time zone with the rules of the system's time-zone database. A cheap value; any thread.
+class ZoneRules;
+
+/// A time zone with the rules of the system's time-zone database, which is $TZDIR or
+/// /usr/share/zoneinfo. Zones are read once per process. A cheap value; thread-safe.
 class TimeZone {
  public:
-  /// The zone of that name ("Europe/Madrid"); nothing when the name is unknown or ill-formed.
-  /// Names are untrusted input: only letters, digits and "_+-" in parts joined by "/", of 255 bytes
-  /// at most, are looked up.
+  /// The zone of that name: one of the database ("Europe/Madrid"), or an offset as
+  /// `timeZoneForSecondsFromGMT` names it ("GMT+0545"). `nullopt` if the name is unknown or
+  /// malformed: names are untrusted input, and only letters, digits and "_+-" in parts joined by
+  /// "/", of 255 bytes at most, reach the file system.
   static std::optional<TimeZone> timeZoneWithName(std::string_view name);
   static TimeZone timeZoneForSecondsFromGMT(int seconds);
-  /// The device's zone as it is now: `TZ`, else where /etc/localtime points.
+  /// The device's zone as it is now: that of `TZ`, which holds a name or a POSIX rule
+  /// ("<+03>-3"), else `systemTimeZone`. Of a path in `TZ` only the name after "zoneinfo/" counts;
+  /// a path without the name of a zone means `systemTimeZone`, any other value UTC.
   static TimeZone defaultTimeZone();
+  /// The zone of the file or link `localtime` in `folder`; UTC if it is no zone. The zone of a file
+  /// is named by the file `timezone` if its rules are the same, else after a zone with the same
+  /// rules, else after its present offset.
+  static TimeZone systemTimeZone(const std::filesystem::path& folder = "/etc");
 
+  /// A name that `timeZoneWithName` accepts.
   const std::string& name() const;
   /// Seconds east of Greenwich at that instant, daylight saving included.
   int secondsFromGMTForDate(Date date) const;
@@ -36,7 +48,9 @@ class TimeZone {
 
  private:
   struct Rules;
-  explicit TimeZone(std::shared_ptr<const Rules> rules) : rules_(std::move(rules)) {}
+  TimeZone(std::string name, ZoneRules rules);
+  static TimeZone timeZoneWithRules(const std::optional<ZoneRules>& rules, std::string_view source,
+                                    std::string_view likelyName);
   std::shared_ptr<const Rules> rules_;
 };
 

@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cmath>
+#include <ctime>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 #include "base/Iso8601.h"
 #include "support/Guards.h"
@@ -11,6 +16,7 @@
 namespace vantrel {
 namespace {
 
+namespace fs = std::filesystem;
 using test::EnvironmentGuard;
 
 TEST(TimeZone, PlacesWallTimesInGapsAndOverlaps) {
@@ -51,11 +57,33 @@ TEST(TimeZone, PlacesWallTimesInGapsAndOverlaps) {
 }
 
 TEST(TimeZone, RefusesNamesThatNoZoneHas) {
-  for (const char* name :
-       {"", "Nowhere/City", "europe/madrid", "Europe", "Europe/", "/Europe/Madrid",
-        "Europe//Madrid", "../../../etc/localtime", "/etc/localtime", "file:Europe/Madrid",
-        "libc:localtime", "localtime", "Europe/Madrid ", "Europe/Madrid\n", "Fixed/UTC+02:00:00",
-        "zone.tab", "zone1970", "\xc3\xa9"}) {
+  for (const char* name : {"",
+                           "Nowhere/City",
+                           "europe/madrid",
+                           "Europe",
+                           "Europe/",
+                           "/Europe/Madrid",
+                           "Europe//Madrid",
+                           "../../../etc/localtime",
+                           "/etc/localtime",
+                           "file:Europe/Madrid",
+                           "libc:localtime",
+                           "localtime",
+                           "Europe/Madrid ",
+                           "Europe/Madrid\n",
+                           "Fixed/UTC+02:00:00",
+                           "zone.tab",
+                           "zone1970",
+                           "GMT+05",
+                           "GMT+545",
+                           "GMT+0560",
+                           "GMT+2600",
+                           "GMT-0000",
+                           "GMT+-100",
+                           "GMT+05450",
+                           "CET-1CEST",
+                           "EST5",
+                           "\xc3\xa9"}) {
     SCOPED_TRACE(name);
     EXPECT_FALSE(TimeZone::timeZoneWithName(name));
   }
@@ -65,23 +93,157 @@ TEST(TimeZone, RefusesNamesThatNoZoneHas) {
   EXPECT_TRUE(TimeZone::timeZoneWithName("America/Port-au-Prince"));
 }
 
-TEST(TimeZone, TakesTheDevicesZoneFromTheEnvironmentOrTheSystemsLink) {
-  std::vector<std::pair<std::optional<std::string>, std::string>> cases = {
+TEST(TimeZone, ReadsOnlySmallRegularFilesOfTheDatabase) {
+  const test::TemporaryDirectory database;
+  const EnvironmentGuard folder("TZDIR", database.path().string());
+  const auto madrid = test::readFile("/usr/share/zoneinfo/Europe/Madrid");
+  test::writeFile(database / "Whole", madrid);
+  test::writeFile(database / "Text", "Europe/Madrid\n");
+  test::writeFile(database / "Empty", "");
+  test::writeFile(database / "Huge", madrid + std::string(std::size_t{1} << 20, '\n'));
+  fs::create_directory(database / "Folder");
+  ASSERT_EQ(::mkfifo((database / "Fifo").c_str(), 0600), 0);
+  EXPECT_TRUE(TimeZone::timeZoneWithName("Whole"));
+  for (const char* name : {"Text", "Empty", "Huge", "Folder", "Fifo"}) {
+    EXPECT_FALSE(TimeZone::timeZoneWithName(name)) << name;
+  }
+  EXPECT_TRUE(TimeZone::timeZoneWithName("UTC"));
+}
+
+TEST(TimeZone, TakesTheDevicesZoneFromTheEnvironment) {
+  const auto system = TimeZone::systemTimeZone().name();
+  const std::pair<std::optional<std::string>, std::string> cases[] = {
       {"Asia/Tokyo", "Asia/Tokyo"},
       {":Europe/Madrid", "Europe/Madrid"},
       {"/usr/share/zoneinfo/Asia/Kathmandu", "Asia/Kathmandu"},
+      {"EST5EDT", "EST5EDT"},
+      {"<+03>-3", "GMT+0300"},
+      {"UTC0", "GMT"},
+      {"NST3:30", "GMT-0330"},
+      {"EST5EDT,M3.2.0,M11.1.0", "EST5EDT"},
+      // No zone has this rule; the clock stands in winter.
+      {"AAA-4BBB,J182,J200", "GMT+0400"},
       {"", "UTC"},
       {"Nowhere/City", "UTC"},
+      {"Europe", "UTC"},
+      {"../../../etc/localtime", "UTC"},
+      {":../zoneinfo/Europe/Madrid", "UTC"},
+      {std::nullopt, system},
+      {":/etc/localtime", system},
+      {":localtime", system},
+      {"/etc/passwd", system},
+      {"/usr/share/zoneinfo/../../../etc/passwd", system},
   };
-  // A machine's own zone may have no name.
-  std::error_code error;
-  const auto link = std::filesystem::read_symlink("/etc/localtime", error).string();
-  if (const auto at = link.find("zoneinfo/"); at != std::string::npos) {
-    cases.emplace_back(std::nullopt, link.substr(at + 9));
-  }
-  for (const auto& [variable, zone] : cases) {
+  const test::FakeClock clock(Date(0));
+  for (const auto& [variable, name] : cases) {
     const EnvironmentGuard guard("TZ", variable);
-    EXPECT_EQ(TimeZone::defaultTimeZone().name(), zone) << variable.value_or("unset");
+    const auto zone = TimeZone::defaultTimeZone();
+    EXPECT_EQ(zone.name(), name) << variable.value_or("unset");
+    const auto named = TimeZone::timeZoneWithName(name);
+    ASSERT_TRUE(named) << name;
+    EXPECT_EQ(named->secondsFromGMTForDate(Date(0)), zone.secondsFromGMTForDate(Date(0))) << name;
+  }
+}
+
+TEST(TimeZone, NamesTheSystemsZone) {
+  struct Case {
+    const char* name;
+    const char* timezone;
+    std::string localtime;  ///< The content of a file, or the path that a link has.
+    const char* zone;
+  };
+  const auto content = [](const char* zone) {
+    return test::readFile(std::string("/usr/share/zoneinfo/") + zone);
+  };
+  // Other bytes for the same rule.
+  auto changed = content("Europe/Madrid");
+  changed[5] = 1;
+  const Case cases[] = {
+      {"link", "Asia/Tokyo\n", "../usr/share/zoneinfo/Europe/Madrid", "Europe/Madrid"},
+      {"link to nowhere", "", "/usr/share/zoneinfo/Nowhere/City", "UTC"},
+      {"copy", "", content("Europe/Madrid"), "Europe/Madrid"},
+      {"copy that is named", "Japan\n", content("Asia/Tokyo"), "Japan"},
+      {"copy under an old name", "Asia/Tokyo\n", content("Europe/Madrid"), "Europe/Madrid"},
+      {"copy of another database", "Europe/Madrid", changed, "Europe/Madrid"},
+      {"copy under a path", "../../etc/passwd\n", content("Asia/Kathmandu"), "Asia/Kathmandu"},
+      {"Greenwich", "", content("Etc/UTC"), "UTC"},
+      {"no zone", "Europe/Madrid\n", "Europe/Madrid\n", "UTC"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const test::TemporaryDirectory etc;
+    if (c.localtime.starts_with("TZif") || c.localtime.ends_with('\n')) {
+      test::writeFile(etc / "localtime", c.localtime);
+    } else {
+      fs::create_symlink(c.localtime, etc / "localtime");
+    }
+    test::writeFile(etc / "timezone", c.timezone);
+    EXPECT_EQ(TimeZone::systemTimeZone(etc.path()).name(), c.zone);
+  }
+  EXPECT_EQ(TimeZone::systemTimeZone("/nowhere").name(), "UTC");
+}
+
+Date dateAt(std::int64_t instant) {
+  return Date::dateWithTimeIntervalSince1970(static_cast<double>(instant));
+}
+
+void expectTheCLibrarysAnswers(const TimeZone& zone, std::int64_t first) {
+  const auto expectSame = [&](std::int64_t instant) {
+    const auto time = static_cast<std::time_t>(instant);
+    std::tm fields{};
+    ::localtime_r(&time, &fields);
+    const Date date = dateAt(instant);
+    EXPECT_TRUE(zone.secondsFromGMTForDate(date) == fields.tm_gmtoff &&
+                zone.isDaylightSavingTimeForDate(date) == (fields.tm_isdst > 0) &&
+                zone.abbreviationForDate(date) == fields.tm_zone)
+        << instant;
+    return fields.tm_gmtoff;
+  };
+  constexpr std::int64_t k2060 = 2'840'140'800;
+  constexpr std::int64_t kTenWeeks = 6'048'000;
+  for (auto instant = first; instant < k2060; instant += kTenWeeks) expectSame(instant);
+  auto change = zone.nextDaylightSavingTimeTransitionAfterDate(dateAt(first));
+  for (; change && *change < dateAt(k2060);
+       change = zone.nextDaylightSavingTimeTransitionAfterDate(*change)) {
+    const auto instant = static_cast<std::int64_t>(change->timeIntervalSince1970());
+    const auto before = expectSame(instant - 1);
+    const auto after = expectSame(instant);
+    // The ends of the gap or overlap, read by the offset before it.
+    for (const auto wall :
+         {instant + std::min(before, after), instant + std::max(before, after) - 1}) {
+      const auto seconds = static_cast<double>(wall) - Date::kReferenceDateSince1970;
+      EXPECT_EQ(zone.dateForWallSeconds(seconds), dateAt(wall - before)) << wall;
+    }
+  }
+}
+
+TEST(TimeZone, AgreesWithTheCLibraryOnEveryZone) {
+  constexpr std::int64_t k1901 = -2'177'452'800;
+  const auto check = [](const std::string& variable, std::int64_t first) {
+    SCOPED_TRACE(variable);
+    const EnvironmentGuard guard("TZ", variable);
+    ::tzset();
+    expectTheCLibrarysAnswers(TimeZone::defaultTimeZone(), first);
+  };
+  // "Z NAME …" is a zone, "L ZONE NAME" a link.
+  std::ifstream database("/usr/share/zoneinfo/tzdata.zi");
+  int count = 0;
+  for (std::string line; std::getline(database, line) && !HasFailure();) {
+    std::istringstream words(line);
+    std::string kind, name;
+    words >> kind >> name;
+    if (kind == "L") words >> name;
+    if (kind != "L" && kind != "Z") continue;
+    check(name, k1901);
+    ++count;
+  }
+  EXPECT_GT(count, 400);
+  // The library's rules begin in 1970.
+  for (const char* rule : {"<+03>-3", "CET-1CEST,M3.5.0,M10.5.0/3", "EST5EDT,M3.2.0,M11.1.0",
+                           "<-03>3<-02>,M3.5.0/-2,M10.5.0/-1", "IST-2IDT,M3.4.4/26,M10.5.0",
+                           "NZST-12NZDT,J300,J60/3", "AAA3:30BBB2:15:30,59/1,299/2:30:15",
+                           "IST-1GMT0,M10.5.0,M3.5.0/1", "AAA+9BBB,M2.5.6/-167,M11.4.3/167"}) {
+    check(rule, 31'536'000);
   }
 }
 
@@ -96,6 +258,8 @@ TEST(TimeZone, ServesAnyInstantAndFixedOffsets) {
   const auto fixed = TimeZone::timeZoneForSecondsFromGMT(-12600);
   EXPECT_EQ(fixed.name(), "GMT-0330");
   EXPECT_EQ(fixed.dateForWallSeconds(0), Date(12600));
+  EXPECT_EQ(fixed.abbreviationForDate(Date(0)), "-0330");
+  EXPECT_EQ(TimeZone::timeZoneWithName("GMT-0330")->dateForWallSeconds(0), Date(12600));
 }
 
 }  // namespace
