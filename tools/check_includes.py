@@ -33,7 +33,7 @@ WITH_QT = ("today", "lookup")
 # A library's headers, and the folders (with all below them) whose .cpp files may include them.
 LIBRARIES = {
     r"Q[A-Z]\w*|Qt\w+/.*": ("platform/qt",),
-    r"unicode/.*|absl/.*|plist/.*": ("platform",),
+    r"unicode/.*|plist/.*": ("platform",),
     r"SQLiteCpp/.*|sqlite3\.h|zlib\.h|nettle/.*": ("objectstore",),
     r"nlohmann/.*": ("webservice",),
     r"uuid/.*": ("base",),
