@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <string>
 
+#include "base/Clock.h"
 #include "base/Uuid.h"
 #include "objectstore/PersistentStoreCoordinator.h"
-#include "platform/system/Clock.h"
 #include "store/Database.h"
 
 namespace {

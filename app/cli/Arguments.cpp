@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "base/Clock.h"
 #include "common/ExitCode.h"
-#include "platform/system/Clock.h"
 #include "platform/text/Utf8.h"
 
 namespace vantrel::cli {

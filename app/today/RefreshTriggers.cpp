@@ -4,8 +4,8 @@
 #include <QSocketNotifier>
 #include <chrono>
 
+#include "base/Clock.h"
 #include "common/NextMidnight.h"
-#include "platform/system/Clock.h"
 #include "platform/text/TimeZone.h"
 
 namespace vantrel {

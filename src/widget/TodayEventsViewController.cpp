@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
+#include "base/Clock.h"
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
-#include "platform/system/Clock.h"
 #include "store/Database.h"
 #include "time/Date+Ephemeris.h"
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Clock.h"
 #include "base/Date.h"
-#include "platform/system/Clock.h"
 
 namespace vantrel::test {
 

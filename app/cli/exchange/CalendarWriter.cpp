@@ -10,10 +10,10 @@
 #include <string_view>
 #include <utility>
 
+#include "base/Clock.h"
 #include "cli/exchange/CalendarText.h"
 #include "cli/exchange/ExchangeText.h"
 #include "cli/exchange/ZoneWriter.h"
-#include "platform/system/Clock.h"
 
 namespace vantrel::cli {
 

@@ -2,11 +2,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include "base/Clock.h"
 #include "base/Iso8601.h"
 #include "cli/JsonText.h"
 #include "cli/plan/PlanText.h"
 #include "common/PlanLink.h"
-#include "platform/system/Clock.h"
 
 namespace vantrel::cli {
 

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "base/Clock.h"
 #include "cli/Command.h"
 #include "cli/JsonText.h"
 #include "cli/StoreAccess.h"
@@ -12,7 +13,6 @@
 #include "common/TerminalText.h"
 #include "objectstore/sqlite/SqliteStore.h"
 #include "objectstore/sqlite/StoreError.h"
-#include "platform/system/Clock.h"
 #include "store/Database.h"
 #include "store/VantrelPrefiller.h"
 

@@ -8,7 +8,7 @@
 #include <array>
 #include <chrono>
 
-#include "platform/system/Clock.h"
+#include "base/Clock.h"
 #include "platform/text/TimeZone.h"
 
 namespace vantrel::cli {

@@ -4,12 +4,12 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
+#include "base/Clock.h"
 #include "base/Log.h"
 #include "cli/JsonText.h"
 #include "cli/plan/PlanText.h"
 #include "common/TerminalText.h"
 #include "platform/system/Bundle.h"
-#include "platform/system/Clock.h"
 #include "platform/text/Calendar.h"
 #include "platform/text/DateFormatter.h"
 

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "base/Clock.h"
 #include "cli/Command.h"
 #include "cli/JsonText.h"
 #include "cli/StoreAccess.h"
@@ -16,7 +17,6 @@
 #include "cli/today/TodayText.h"
 #include "common/ExitCode.h"
 #include "common/NextMidnight.h"
-#include "platform/system/Clock.h"
 #include "store/Database.h"
 
 namespace vantrel::cli {

@@ -14,7 +14,7 @@
 #include <sstream>
 #include <vector>
 
-#include "platform/system/Clock.h"
+#include "base/Clock.h"
 #include "platform/text/ZoneRules.h"
 
 namespace vantrel {

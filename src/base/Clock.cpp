@@ -1,4 +1,4 @@
-#include "platform/system/Clock.h"
+#include "base/Clock.h"
 
 #include <chrono>
 #include <cstdlib>
