@@ -20,8 +20,6 @@ constexpr int kDaysPerWeek = 7;
 constexpr int kMostDaysAhead = 36500;
 constexpr std::array<std::string_view, kDaysPerWeek> kWeekdays = {
     "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
-/// "2026-07-15"
-constexpr std::size_t kDayLength = 10;
 
 /// The number that the whole text is.
 template <typename Number>
@@ -68,7 +66,8 @@ std::string withCalendarDay(const std::string& text, const TimeZone& zone) {
   const auto days = daysAhead(std::string_view(text).substr(0, wordEnd), today);
   if (!days) return text;
   const Date then(wallSeconds + *days * kSecondsPerDay);
-  const std::string day = iso8601String(then).substr(0, kDayLength);
+  const std::string instant = iso8601String(then);
+  const std::string day = instant.substr(0, instant.find('T'));
   return wordEnd == std::string::npos ? day : day + text.substr(wordEnd);
 }
 
@@ -108,7 +107,7 @@ Expected<Moment> momentFromArgument(const std::string& option, const std::string
   if (const auto wall = wallTimeFromIso8601String(absolute)) {
     const double seconds = secondsOfWallTime(*wall);
     const Date first = zone.dateForWallSeconds(seconds);
-    if (absolute.size() > kDayLength) return Moment{first, first};
+    if (absolute.find_first_of("T ") != std::string::npos) return Moment{first, first};
     const Date next = zone.dateForWallSeconds(seconds + kSecondsPerDay);
     return Moment{first, Date(std::nextafter(next.timeIntervalSinceReferenceDate(),
                                              first.timeIntervalSinceReferenceDate()))};

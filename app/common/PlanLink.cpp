@@ -5,6 +5,7 @@
 #include "base/PercentEncoding.h"
 #include "common/ExitCode.h"
 #include "objectstore/sqlite/StoreError.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel {
 
@@ -33,7 +34,8 @@ bool isPlanUri(std::string_view text) {
 /// A message stays one that a person can read, whatever came as a link.
 std::string excerpt(const std::string& text) {
   constexpr std::size_t kMost = 80;
-  return text.size() <= kMost ? text : text.substr(0, kMost) + "...";
+  const auto shown = std::string(beginning(text, kMost));
+  return shown.size() < text.size() ? shown + "..." : shown;
 }
 
 }  // namespace

@@ -6,6 +6,9 @@
 
 #include <cstdint>
 #include <iterator>
+#include <utility>
+
+#include "platform/text/Utf8.h"
 
 namespace vantrel {
 
@@ -85,6 +88,11 @@ std::string shown(const std::optional<std::string>& text) {
   return text && !text->empty() ? printable(*text) : kUnknown;
 }
 
+std::string shortIdentifier(std::string_view identifier) {
+  constexpr std::size_t kShortIdentifier = 8;
+  return printable(beginning(identifier, kShortIdentifier));
+}
+
 std::string printableLines(std::string_view text, std::string_view indent) {
   std::string result;
   for (CodePoints at(text); at.next();) {
@@ -92,6 +100,23 @@ std::string printableLines(std::string_view text, std::string_view indent) {
       result += '\n';
       result += indent;
     } else if (at.value() != '\r') {
+      appendPrintable(result, at);
+    }
+  }
+  return result;
+}
+
+std::string printableFile(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  bool isAfterReturn = false;
+  for (CodePoints at(text); at.next();) {
+    const UChar32 c = at.value();
+    // A return without a line break goes back over what was printed.
+    if (std::exchange(isAfterReturn, c == '\r')) result += c == '\n' ? "\r" : kReplacement;
+    if (c == '\t' || c == '\n') {
+      result += at.bytes();
+    } else if (c != '\r') {
       appendPrintable(result, at);
     }
   }

@@ -16,8 +16,15 @@ inline constexpr const char* kUnknown = "--";
 /// The printable text; kUnknown for none and for an empty one.
 std::string shown(const std::optional<std::string>& text);
 
+/// The printable beginning of an identifier: enough to distinguish objects in any store made by
+/// hand.
+std::string shortIdentifier(std::string_view identifier);
+
 /// `printable` for text of several lines: line breaks stay, each followed by `indent`.
 std::string printableLines(std::string_view text, std::string_view indent);
+
+/// `printable` for a file shown on a terminal: tabs and line ends stay.
+std::string printableFile(std::string_view text);
 
 /// JSON text with the characters that `printable` replaces written as \uXXXX.
 std::string printableJson(std::string_view json);

@@ -129,7 +129,9 @@ std::string shortestFraction(double whole, double exact) {
 std::string iso8601String(Date date, int offsetSeconds) {
   const double exact = date.timeIntervalSinceReferenceDate();
   if (!(std::fabs(exact) < 4e11)) return {};
-  const double whole = std::floor(exact);
+  double whole = std::floor(exact);
+  // Just before a whole second, nearer to it than any fraction.
+  if (exact - whole >= 1) ++whole;
   const auto local = static_cast<std::int64_t>(whole) + offsetSeconds;
   const auto dayCount = std::chrono::floor<days>(std::chrono::seconds(local));
   const year_month_day civil{kReferenceDay + dayCount};
@@ -148,6 +150,14 @@ std::string iso8601String(Date date, int offsetSeconds) {
   std::snprintf(text.data(), text.size(), "%c%02d:%02d", offsetSeconds < 0 ? '-' : '+',
                 magnitude / 3600, magnitude / 60 % 60);
   return result + text.data();
+}
+
+bool hasIso8601String(Date date) {
+  constexpr auto kFirst = (sys_days(year(-9999) / 1 / 1) - kReferenceDay).count();
+  constexpr auto kEnd = (sys_days(year(10000) / 1 / 1) - kReferenceDay).count();
+  const double seconds = date.timeIntervalSinceReferenceDate();
+  return seconds >= static_cast<double>(kFirst) * kSecondsPerDay &&
+         seconds < static_cast<double>(kEnd) * kSecondsPerDay;
 }
 
 std::optional<Date> dateFromIso8601String(std::string_view text) {

@@ -13,6 +13,8 @@ namespace vantrel {
 /// read back to the same instant. The proleptic Gregorian calendar; an instant outside the years
 /// -9999 to 9999, or not finite, gives an empty text.
 std::string iso8601String(Date date, int offsetSeconds = 0);
+/// Whether that text is not empty, in UTC.
+bool hasIso8601String(Date date);
 
 /// An instant from "[-]YYYY-MM-DDTHH:MM[:SS[.fraction]]" with "Z" or an offset ("+02:00", "+0200",
 /// "+02") behind it. Nothing for any other text, for fields out of range and without an offset.

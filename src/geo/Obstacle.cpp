@@ -89,7 +89,7 @@ void Obstacle::recalculateDataWithObserver(const VTObserver& observer) {
 }
 
 std::string Obstacle::pin2pinDistanceString() const {
-  if (pin2pinDistance_ < 0) return "--";
+  if (!(pin2pinDistance_ >= 0)) return "--";
   const bool metric =
       DistanceUnitsManager::sharedInstance().currentUnits() == DistanceUnitsManager::kMetric;
   return NSNumberWithDistanceUnit::numberWithFloat(pin2pinDistance_ *

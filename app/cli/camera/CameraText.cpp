@@ -13,7 +13,6 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr std::size_t kShortIdentifier = 8;
 using Row = std::vector<std::string>;
 
 std::string numberText(std::optional<float> value) {
@@ -105,7 +104,7 @@ std::string cameraTable(const CustomCamera::Cameras& cameras, const Console& con
                     withUnit(camera->sensorDiagonal(), "diagonal ", " mm"),
                     withUnit(camera->CoC(), "CoC ", " mm"),
                     withUnit(camera->cropFactor(), "crop ", ""),
-                    console.dim(identifier ? printable(*identifier).substr(0, kShortIdentifier)
+                    console.dim(identifier ? shortIdentifier(*identifier)
                                            : camera->objectID().URIRepresentation())});
   }
   return aligned(rows);

@@ -7,9 +7,13 @@
 #include <string>
 #include <utility>
 
+#include "base/PercentEncoding.h"
 #include "cli/Arguments.h"
 #include "cli/exchange/CalendarText.h"
 #include "cli/exchange/CalendarZones.h"
+#include "cli/exchange/ExchangeText.h"
+#include "cli/exchange/JsonReader.h"
+#include "common/TerminalText.h"
 
 namespace vantrel::cli {
 
@@ -32,12 +36,12 @@ bool has(icalcomponent* entry, icalproperty_kind kind) {
   return icalcomponent_get_first_property(entry, kind) != nullptr;
 }
 
-std::optional<std::string> placeTextOf(icalcomponent* entry) {
+std::optional<std::string> extraTextOf(icalcomponent* entry, std::string_view kind) {
   for (auto* property = icalcomponent_get_first_property(entry, ICAL_X_PROPERTY); property;
        property = icalcomponent_get_next_property(entry, ICAL_X_PROPERTY)) {
     const char* name = icalproperty_get_x_name(property);
     const char* text = icalproperty_get_x(property);
-    if (name && text && name == kPlaceProperty) return text;
+    if (name && text && name == kind) return text;
   }
   return std::nullopt;
 }
@@ -116,6 +120,7 @@ class EntryReader {
     return readIdentifier()
         .and_then([&] { return readDate(); })
         .and_then([&] { return readPlace(); })
+        .and_then([&] { return readValues(); })
         .map([&] { return std::move(draft_); });
   }
 
@@ -165,7 +170,7 @@ class EntryReader {
   Expected<void> readPlace() {
     const auto location = textOf(entry_, ICAL_LOCATION_PROPERTY);
     const auto written = location ? placeFromText(*location, ',') : std::nullopt;
-    const auto text = placeTextOf(entry_);
+    const auto text = extraTextOf(entry_, kPlaceProperty);
     auto place = text ? placeFromText(*text, ';') : written;
     if (text && !place) return refused(draft_.where, "GEO: wanted is \"41.39;2.17\"");
     if (!place) return {};
@@ -176,6 +181,29 @@ class EntryReader {
     if (!longitude) return tl::make_unexpected(longitude.error());
     draft_.values["latitude"] = *latitude;
     draft_.values["longitude"] = *longitude;
+    return {};
+  }
+
+  /// Replaces values with those that the other properties could not hold, unless another program
+  /// has changed them since.
+  Expected<void> readValues() {
+    const auto text = extraTextOf(entry_, kValuesProperty);
+    if (!text) return {};
+    const auto drafts = draftsFromJson("[" + percentDecoded(*text).value_or("") + "]");
+    if (!drafts || drafts->plans.size() != 1) {
+      return refused(draft_.where, std::string(kValuesProperty) + ": makes no sense");
+    }
+    const PlanDraft& exact = drafts->plans.front();
+    if (exact.identifier && readCalendarText(printable(*exact.identifier)) ==
+                                readCalendarText(draft_.identifier.value_or(""))) {
+      draft_.identifier = exact.identifier;
+    }
+    for (const auto& [key, value] : exact.values) {
+      const auto read = draft_.values.find(key);
+      const bool isSame =
+          read == draft_.values.end() ? !draft_.wallSeconds : isSameRounded(value, read->second);
+      if (isSame) draft_.values[key] = value;
+    }
     return {};
   }
 

@@ -19,16 +19,45 @@ constexpr std::size_t kLongestLine = std::size_t{1} << 20;
 /// costs a walk through its years, and counts for more.
 constexpr std::size_t kMostZoneWork = 20000;
 constexpr std::size_t kWorkOfRule = 20;
-constexpr std::array<std::string_view, 15> kProperties = {
-    "UID",     "SUMMARY", "DESCRIPTION",  "LOCATION",   "GEO",
-    "DTSTART", "DUE",     "RRULE",        "RDATE",      "RECURRENCE-ID",
-    "STATUS",  "TZID",    "TZOFFSETFROM", "TZOFFSETTO", "X-LIC-LOCATION"};
+constexpr std::array<std::string_view, 16> kProperties = {
+    "UID",          "SUMMARY",    "DESCRIPTION",    "LOCATION",      "GEO",    "DTSTART",
+    "DUE",          "RRULE",      "RDATE",          "RECURRENCE-ID", "STATUS", "TZID",
+    "TZOFFSETFROM", "TZOFFSETTO", "X-LIC-LOCATION", kValuesProperty};
 
 std::string upperCase(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(),
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
   return result;
+}
+
+struct PropertyLine {
+  std::string head;  ///< The name with its parameters.
+  std::string_view value;
+};
+
+/// The property without parameters other than its first TZID and VALUE: libical takes the square
+/// of their number.
+PropertyLine propertyOfLine(std::string_view line, std::size_t nameEnd) {
+  PropertyLine property{std::string(line.substr(0, nameEnd)), {}};
+  bool hasZone = false;
+  bool hasKind = false;
+  std::size_t at = nameEnd;
+  while (at < line.size() && line[at] == ';') {
+    std::size_t end = at + 1;
+    for (bool isQuoted = false; end < line.size(); ++end) {
+      if (line[end] == '"') isQuoted = !isQuoted;
+      if (!isQuoted && (line[end] == ';' || line[end] == ':')) break;
+    }
+    const std::string_view parameter = line.substr(at, end - at);
+    const std::string name = upperCase(parameter.substr(0, parameter.find('=')));
+    const bool isKept = (name == ";TZID" && !std::exchange(hasZone, true)) ||
+                        (name == ";VALUE" && !std::exchange(hasKind, true));
+    if (isKept) property.head += parameter;
+    at = end;
+  }
+  property.value = line.substr(std::min(at + 1, line.size()));
+  return property;
 }
 
 std::size_t workOf(std::string_view name, std::string_view line) {
@@ -51,15 +80,16 @@ class CalendarLines {
     }
     if (path_.empty()) return line.empty() ? Expected<void>() : refused("calendar", kNoCalendar);
     const auto known = std::find(kProperties.begin(), kProperties.end(), name);
-    const std::size_t valueAt = std::min(line.find(':'), line.size());
-    // The library takes an empty text for a mistake.
-    const bool isEmpty = valueAt + 1 == line.size();
-    if (path_.size() == 1 || isDropped() || known == kProperties.end() || isEmpty) return {};
+    if (path_.size() == 1 || isDropped() || known == kProperties.end()) return {};
     if (line.size() > kLongestLine) return refused(name, "longer than 1 MiB");
+    const PropertyLine property = propertyOfLine(line, nameEnd);
+    // The library takes an empty text for a mistake.
+    if (property.value.empty()) return {};
     // Only now: where a line is folded, a character may be cut in two.
     if (line.find('\0') != std::string::npos || !isUtf8(line)) {
       return refused(name, "is no UTF-8 text");
     }
+    std::size_t valueSize = property.value.size();
     if (path_.size() == kDepthOfObservances) {
       zoneWork_ += workOf(name, line);
       if (zoneWork_ > kMostZoneWork) return refused("VTIMEZONE", "too many rules");
@@ -67,10 +97,10 @@ class CalendarLines {
       // Of an event the first of each counts, and of other dates only that there are any.
       auto& isRepeated = seen_[static_cast<std::size_t>(known - kProperties.begin())];
       if (std::exchange(isRepeated, true)) return {};
-      if (name == "RDATE") line.resize(std::min(line.find(','), line.size()));
+      if (name == "RDATE") valueSize = property.value.find(',');
     }
-    if (name == "GEO") line = std::string(kPlaceProperty) + line.substr(valueAt);
-    pass(line);
+    pass((name == "GEO" ? std::string(kPlaceProperty) : property.head) + ":" +
+         std::string(property.value.substr(0, valueSize)));
     return {};
   }
 
@@ -110,7 +140,7 @@ class CalendarLines {
 
   Expected<void> end(const std::string& component) {
     if (path_.empty() || path_.back() != component) {
-      return refused("END:" + component.substr(0, 40),
+      return refused("END:" + std::string(beginning(component, 40)),
                      path_.empty() ? "closes nothing" : "stands within " + path_.back());
     }
     path_.pop_back();

@@ -28,6 +28,10 @@ inline constexpr std::size_t kMemoryForZone = std::size_t{16} << 20;
 /// "41;nowhere" for a place, too.
 inline constexpr std::string_view kPlaceProperty = "X-VANTREL-GEO";
 
+/// Our own property, for values that no other holds: the keys of a plan with their values in JSON,
+/// percent-encoded.
+inline constexpr std::string_view kValuesProperty = "X-VANTREL-VALUES";
+
 /// The calendars of a file: of each the zones, events and to-dos, with the properties that plans
 /// are made of and no others, each once. What a file holds besides is dropped before the library
 /// sees it, so that neither its depth nor its size matters. Fails where components do not match or

@@ -3,17 +3,24 @@
 #include <libical/ical.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "base/Clock.h"
+#include "base/Iso8601.h"
+#include "base/PercentEncoding.h"
+#include "cli/JsonText.h"
 #include "cli/exchange/CalendarText.h"
 #include "cli/exchange/ExchangeText.h"
 #include "cli/exchange/ZoneWriter.h"
+#include "common/TerminalText.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 
@@ -30,7 +37,7 @@ using ZoneUses = std::map<std::string, ZoneUse>;
 /// A date that the format can write: of the years from 1 to 9999, in the plan's zone too.
 std::optional<Date> writableDate(const Planning& plan) {
   if (std::min(instantText(plan), localText(plan)) < "0001") return std::nullopt;
-  return plan.date();
+  return dateFromIso8601String(instantText(plan));
 }
 
 ZoneUses zonesOf(const Plans& plans) {
@@ -62,6 +69,48 @@ void addPlace(icalcomponent* event, const LocationCoordinate2D& place) {
   icalcomponent_add_property(event, icalproperty_new_location(text.c_str()));
 }
 
+/// Whether the text comes back as it is; what is no UTF-8 never does.
+bool isKept(const std::string& text, const std::string& written) {
+  return !isUtf8(text) || (!text.empty() && readCalendarText(written) == text);
+}
+
+/// What the entry's properties cannot hold; an empty object if they hold all.
+Json valuesBeyond(const Planning& plan, bool isDated, const TimeZone* zone) {
+  Json values = Json::object();
+  const auto addText = [&](const char* key, const std::optional<std::string>& text) {
+    if (text && !isKept(*text, *text)) values[key] = *text;
+  };
+  const auto identifier = plan.uniqueIdentifier();
+  if (identifier && !isKept(*identifier, printable(*identifier))) {
+    values["uniqueIdentifier"] = *identifier;
+  }
+  addText("name", plan.name());
+  addText("notes", plan.notes());
+  const auto zoneName = plan.timezone();
+  if (zoneName && isUtf8(*zoneName) && (!zone || zone->name() != *zoneName)) {
+    values["timezone"] = *zoneName;
+  }
+  const std::string instant = instantText(plan);
+  if (!instant.empty() && (!isDated || instant.find('.') != std::string::npos)) {
+    values["date"] = instant;
+  }
+  if (placeOfPlan(plan)) return values;
+  const auto addDegrees = [&](const char* key, std::optional<double> degrees) {
+    if (degrees && std::isfinite(*degrees)) values[key] = *degrees;
+  };
+  addDegrees("latitude", plan.latitude());
+  addDegrees("longitude", plan.longitude());
+  return values;
+}
+
+void addValues(icalcomponent* entry, const Json& values) {
+  if (values.empty()) return;
+  const std::string text = percentEncoded(values.dump(), kUrlUnreservedCharacterSet);
+  icalproperty* property = icalproperty_new_x(text.c_str());
+  icalproperty_set_x_name(property, std::string(kValuesProperty).c_str());
+  icalcomponent_add_property(entry, property);
+}
+
 CalendarComponent entryOf(const Planning& plan, const ZoneUses& zones, const icaltimetype& now) {
   const auto date = writableDate(plan);
   const auto name = plan.name();
@@ -71,12 +120,11 @@ CalendarComponent entryOf(const Planning& plan, const ZoneUses& zones, const ica
   icalcomponent* const entry = made.get();
   const std::string identifier =
       plan.uniqueIdentifier().value_or(plan.objectID().URIRepresentation());
-  icalcomponent_add_property(entry, icalproperty_new_uid(calendarText(identifier).c_str()));
+  icalcomponent_add_property(entry, icalproperty_new_uid(printable(identifier).c_str()));
   icalcomponent_add_property(entry, icalproperty_new_dtstamp(now));
-  if (date) {
-    const auto use = zones.find(plan.timezone().value_or(""));
-    addStart(entry, *date, use == zones.end() ? nullptr : &use->second.zone);
-  }
+  const auto use = zones.find(plan.timezone().value_or(""));
+  const TimeZone* zone = date && use != zones.end() ? &use->second.zone : nullptr;
+  if (date) addStart(entry, *date, zone);
   if (name) {
     icalcomponent_add_property(entry, icalproperty_new_summary(calendarText(*name).c_str()));
   }
@@ -84,6 +132,7 @@ CalendarComponent entryOf(const Planning& plan, const ZoneUses& zones, const ica
     icalcomponent_add_property(entry, icalproperty_new_description(calendarText(*notes).c_str()));
   }
   if (const auto place = placeOfPlan(plan)) addPlace(entry, *place);
+  addValues(entry, valuesBeyond(plan, date.has_value(), zone));
   return made;
 }
 

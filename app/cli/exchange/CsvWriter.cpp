@@ -1,5 +1,6 @@
 #include "cli/exchange/CsvWriter.h"
 
+#include <cmath>
 #include <string>
 
 #include "cli/exchange/ExchangeText.h"
@@ -24,11 +25,11 @@ std::string inQuotes(std::string_view text) {
 std::string cell(const std::optional<std::string>& text) {
   if (!text || text->empty()) return {};
   const bool isFormula = std::string_view("=+-@\t\r\n").find(text->front()) != std::string::npos;
-  return inQuotes(isFormula ? "'" + *text : *text);
+  return inQuotes((isFormula ? "'" : "") + fileText(*text));
 }
 
 std::string cell(const std::optional<double>& number) {
-  return number ? decimalText(*number) : std::string();
+  return number && std::isfinite(*number) ? decimalText(*number) : std::string();
 }
 
 }  // namespace

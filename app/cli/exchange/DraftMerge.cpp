@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <deque>
+#include <map>
 #include <memory>
-#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -32,29 +33,6 @@ template <typename T>
 std::optional<T> contentOf(const Value& value) {
   const T* content = std::get_if<T>(&value);
   return content ? std::optional(*content) : std::nullopt;
-}
-
-/// The library that reads calendars takes the blanks at both ends of a text away.
-std::string_view withoutMargins(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
-}
-
-/// Whether two values are one to calendars, which round them and know no control characters.
-bool isSameRounded(const Value& stored, const Value& read) {
-  const auto date = contentOf<Date>(stored);
-  const auto readDate = contentOf<Date>(read);
-  if (date && readDate) {
-    return std::floor(date->timeIntervalSinceReferenceDate()) ==
-           readDate->timeIntervalSinceReferenceDate();
-  }
-  const auto text = contentOf<std::string>(stored);
-  const auto readText = contentOf<std::string>(read);
-  if (text && readText) return withoutMargins(calendarText(*text)) == withoutMargins(*readText);
-  const auto number = contentOf<double>(stored);
-  const auto readNumber = contentOf<double>(read);
-  return number && readNumber && std::fabs(*number - *readNumber) <= kPlacePrecision;
 }
 
 /// A year that JSON cannot write comes back as null.
@@ -86,9 +64,9 @@ class Merge {
     const auto plans = context_ ? allPlans(*context_) : Expected<Plans>(Plans());
     if (!plans) return tl::make_unexpected(plans.error());
     for (const auto& plan : *plans) {
-      if (const auto identifier = plan->uniqueIdentifier()) known_.emplace(*identifier, plan);
+      if (const auto identifier = plan->uniqueIdentifier()) known_[*identifier].push_back(plan);
       if (!withContents) continue;
-      contents_.insert(contentsOf([&](const char* key) { return plan->valueForKey(key); }));
+      ++contents_[contentsOf([&](const char* key) { return plan->valueForKey(key); })];
     }
     return {};
   }
@@ -110,7 +88,7 @@ class Merge {
         return isSame(plan->valueForKey(given.first), given.second, draft.isRounded);
       });
       if (!values.empty()) merged.outcome = MergeOutcome::kChanged;
-    } else if (draft.identifier || contents_.insert(contentsOf(valueOf)).second) {
+    } else if (draft.identifier || !hasAlike(contentsOf(valueOf), draft.isRounded)) {
       merged.outcome = MergeOutcome::kAdded;
       if (draft.identifier) values[kIdentifierKey] = *draft.identifier;
     }
@@ -125,10 +103,26 @@ class Merge {
   }
 
  private:
+  /// A store's file has as many plans that are alike as the store; a calendar names each once.
+  bool hasAlike(const Contents& contents, bool isRounded) {
+    auto& count = contents_[contents];
+    if (count == 0) {
+      if (isRounded) ++count;
+      return false;
+    }
+    if (!isRounded) --count;
+    return true;
+  }
+
   std::shared_ptr<Planning> planOf(const PlanDraft& draft) {
     if (!draft.identifier) return nullptr;
     const auto known = known_.find(*draft.identifier);
-    if (known != known_.end()) return known->second;
+    if (known != known_.end()) {
+      if (known->second.empty()) return nullptr;
+      auto plan = std::move(known->second.front());
+      known->second.pop_front();
+      return plan;
+    }
     // What a plan without an identifier goes out under.
     if (!context_ || !draft.identifier->starts_with(kUriScheme)) return nullptr;
     return planWithURI(*context_, *draft.identifier).value_or(nullptr);
@@ -154,8 +148,10 @@ class Merge {
 
   ManagedObjectContext* context_;
   bool isDryRun_;
-  std::unordered_map<std::string, std::shared_ptr<Planning>> known_;
-  std::set<Contents> contents_;
+  /// By identifier, those that no draft has met yet.
+  std::unordered_map<std::string, std::deque<std::shared_ptr<Planning>>> known_;
+  /// How many plans without a draft say that.
+  std::map<Contents, std::size_t> contents_;
 };
 
 }  // namespace
@@ -173,7 +169,7 @@ Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& draf
   std::unordered_set<std::string_view> done;
   for (const auto& draft : drafts) {
     progress(merged.size(), drafts.size());
-    if (draft.identifier && !done.insert(*draft.identifier).second) continue;
+    if (draft.isRounded && draft.identifier && !done.insert(*draft.identifier).second) continue;
     auto one = merge.merge(draft);
     if (!one) return tl::make_unexpected(one.error());
     merged.push_back(std::move(*one));

@@ -23,7 +23,8 @@ struct MergedPlan {
 /// Makes the drafts part of the store's plans, unsaved: those with a known identifier are changed
 /// where they differ, others added; one without identifier is skipped when a plan says exactly the
 /// same. `context` is null where there is no store yet; with `isDryRun`, nothing is touched. Of
-/// drafts that say the same under one identifier only the first counts. Fails, and nothing may be
+/// a calendar's drafts under one identifier only the first counts; of others, the second is the
+/// second plan of that identifier, and so on. Fails, and nothing may be
 /// saved then, when the store has no place for an attribute.
 Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& drafts,
                                               ManagedObjectContext* context, bool isDryRun,

@@ -8,14 +8,16 @@
 #include <cstdint>
 
 #include "base/Iso8601.h"
+#include "cli/exchange/PlanDraft.h"
 #include "cli/plan/PlanText.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-bool isXmlCharacter(UChar32 c) {
+bool isFileCharacter(UChar32 c) {
   if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
+  if (c >= 0x7f && c < 0xa0) return false;
   return c != 0xfffe && c != 0xffff;
 }
 
@@ -29,7 +31,7 @@ std::string decimalText(double number) {
   return {digits.data(), end};
 }
 
-std::string xmlText(std::string_view text) {
+std::string fileText(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   const auto size = static_cast<std::int32_t>(text.size());
@@ -40,7 +42,7 @@ std::string xmlText(std::string_view text) {
 #pragma GCC diagnostic ignored "-Wconversion"  // in the macro
     U8_NEXT(text.data(), end, size, value);
 #pragma GCC diagnostic pop
-    if (isXmlCharacter(value)) {
+    if (isFileCharacter(value)) {
       result += text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     } else {
       result += "\xEF\xBF\xBD";
@@ -50,9 +52,31 @@ std::string xmlText(std::string_view text) {
 }
 
 std::string calendarText(std::string_view text) {
-  std::string result = xmlText(text);
+  std::string result = fileText(text);
   std::erase(result, '\r');
   return result;
+}
+
+std::string readCalendarText(std::string_view text) {
+  const std::string kept = calendarText(text);
+  const auto first = kept.find_first_not_of(" \t");
+  if (first == std::string::npos) return {};
+  return kept.substr(first, kept.find_last_not_of(" \t") + 1 - first);
+}
+
+bool isSameRounded(const Value& stored, const Value& read) {
+  const auto* date = std::get_if<Date>(&stored);
+  const auto* readDate = std::get_if<Date>(&read);
+  if (date && readDate) {
+    return std::floor(date->timeIntervalSinceReferenceDate()) ==
+           readDate->timeIntervalSinceReferenceDate();
+  }
+  const auto* text = std::get_if<std::string>(&stored);
+  const auto* readText = std::get_if<std::string>(&read);
+  if (text && readText) return readCalendarText(*text) == readCalendarText(*readText);
+  const auto* number = std::get_if<double>(&stored);
+  const auto* readNumber = std::get_if<double>(&read);
+  return number && readNumber && std::fabs(*number - *readNumber) <= kPlacePrecision;
 }
 
 std::optional<LocationCoordinate2D> placeOfPlan(const Planning& plan) {

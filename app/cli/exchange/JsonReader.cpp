@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -85,6 +86,37 @@ const char* kindOf(const json& value) {
   return value.is_null() ? "null" : value.type_name();
 }
 
+std::optional<std::string> unknownZone(const PlanDraft& draft) {
+  const auto zone = draft.values.find("timezone");
+  const auto* name = zone == draft.values.end() ? nullptr : std::get_if<std::string>(&zone->second);
+  return name && !TimeZone::timeZoneWithName(*name) ? std::optional(*name) : std::nullopt;
+}
+
+bool isOutsideEarth(const PlanDraft& draft) {
+  const auto isBeyond = [&](const char* key, double limit) {
+    const auto value = draft.values.find(key);
+    const auto* degrees =
+        value == draft.values.end() ? nullptr : std::get_if<double>(&value->second);
+    return degrees && std::fabs(*degrees) > limit;
+  };
+  return isBeyond("latitude", 90) || isBeyond("longitude", 180);
+}
+
+/// Stores may hold such values, but typed ones are likely mistakes.
+std::vector<std::string> notesOf(const std::vector<PlanDraft>& drafts) {
+  std::vector<std::string> notes;
+  const auto note = [&](auto count, const char* one, const char* many) {
+    if (count > 0) notes.push_back(count == 1 ? one : std::to_string(count) + many);
+  };
+  note(std::count_if(drafts.begin(), drafts.end(),
+                     [](const auto& draft) { return unknownZone(draft).has_value(); }),
+       "1 plan has a time zone that this system does not know",
+       " plans have time zones that this system does not know");
+  note(std::count_if(drafts.begin(), drafts.end(), &isOutsideEarth),
+       "1 plan is at a place that is not on Earth", " plans are at places that are not on Earth");
+  return notes;
+}
+
 /// Reads one plan's attributes, each with its place in the file for messages.
 class PlanReader {
  public:
@@ -100,18 +132,19 @@ class PlanReader {
       const auto done = readAttribute(key, value);
       if (!done) return tl::make_unexpected(done.error());
     }
+    if (const auto zone = unknownZone(draft_); zone && draft_.wallSeconds) {
+      return refused(draft_.where + ".timezone", "no such time zone: \"" + *zone + "\"");
+    }
     return std::move(draft_);
   }
 
  private:
   Expected<void> readAttribute(const std::string& key, const json& value) {
     const std::string where = draft_.where + "." + key;
-    if (key == "name" || key == "notes") return readText(key, value, where);
-    if (key == "latitude") return readDegrees(key, value, where, 90);
-    if (key == "longitude") return readDegrees(key, value, where, 180);
+    if (key == "name" || key == "notes" || key == "timezone") return readText(key, value, where);
+    if (key == "latitude" || key == "longitude") return readDegrees(key, value, where);
     if (key == "uniqueIdentifier") return readIdentifier(value, where);
     if (key == "date") return readDate(value, where);
-    if (key == "timezone") return readZone(value, where);
     if (std::find(kDescriptions.begin(), kDescriptions.end(), key) != kDescriptions.end()) {
       return {};
     }
@@ -124,9 +157,7 @@ class PlanReader {
     if (!value.is_string()) {
       return refused(where, std::string("must be a text or null, not ") + kindOf(value));
     }
-    auto text = value.get<std::string>();
-    if (text.find('\0') != std::string::npos) return refused(where, "holds a NUL");
-    return text;
+    return value.get<std::string>();
   }
 
   Expected<void> readText(const std::string& key, const json& value, const std::string& where) {
@@ -136,19 +167,10 @@ class PlanReader {
   }
 
   Expected<void> readIdentifier(const json& value, const std::string& where) {
-    return textOf(value, where).and_then([&](auto text) -> Expected<void> {
-      draft_.identifier = text;
-      return text ? checkIdentifier(where, *text) : Expected<void>();
-    });
-  }
-
-  Expected<void> readZone(const json& value, const std::string& where) {
-    return textOf(value, where).and_then([&](auto text) -> Expected<void> {
-      if (text && !TimeZone::timeZoneWithName(*text)) {
-        return refused(where, "no such time zone: \"" + *text + "\"");
-      }
-      draft_.values["timezone"] = text ? Value(*text) : Value();
-      return {};
+    return textOf(value, where).map([&](auto text) {
+      // Said to have none, a new plan gets none.
+      if (!text) draft_.values["uniqueIdentifier"] = Value();
+      draft_.identifier = std::move(text);
     });
   }
 
@@ -167,16 +189,12 @@ class PlanReader {
     });
   }
 
-  Expected<void> readDegrees(const std::string& key, const json& value, const std::string& where,
-                             int limit) {
+  Expected<void> readDegrees(const std::string& key, const json& value, const std::string& where) {
     if (!value.is_null() && !value.is_number()) {
       return refused(where, std::string("must be a number or null, not ") + kindOf(value));
     }
-    draft_.values[key] = Value();
-    if (value.is_null()) return {};
-    return checkedDegrees(where, value.get<double>(), limit).map([&](double degrees) {
-      draft_.values[key] = degrees;
-    });
+    draft_.values[key] = value.is_null() ? Value() : Value(value.get<double>());
+    return {};
   }
 
   const json& object_;
@@ -207,6 +225,7 @@ Expected<PlanDrafts> draftsFromJson(std::string_view text) {
     if (!draft) return tl::make_unexpected(draft.error());
     drafts.plans.push_back(std::move(*draft));
   }
+  drafts.notes = notesOf(drafts.plans);
   return drafts;
 }
 

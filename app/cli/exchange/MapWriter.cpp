@@ -34,7 +34,7 @@ pugi::xml_node root(pugi::xml_document& document, const char* name, const char* 
 
 /// An element with that text, where there is one.
 void appendText(pugi::xml_node parent, const char* name, const std::optional<std::string>& text) {
-  if (text && !text->empty()) parent.append_child(name).text().set(xmlText(*text).c_str());
+  if (text && !text->empty()) parent.append_child(name).text().set(fileText(*text).c_str());
 }
 
 void appendData(pugi::xml_node parent, const char* name, const std::optional<std::string>& text) {

@@ -38,7 +38,7 @@ Expected<void> checkCount(std::size_t count) {
 Expected<void> checkIdentifiers(const std::vector<PlanDraft>& drafts) {
   std::unordered_map<std::string_view, const PlanDraft*> known;
   for (const auto& draft : drafts) {
-    if (!draft.identifier) continue;
+    if (!draft.identifier || !draft.isRounded) continue;
     const PlanDraft& first = *known.emplace(*draft.identifier, &draft).first->second;
     if (first.values != draft.values || first.wallSeconds != draft.wallSeconds) {
       return refused(draft.where,

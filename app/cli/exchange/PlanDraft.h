@@ -28,7 +28,8 @@ struct PlanDraft {
   std::map<std::string, Value> values;
   /// A date given as wall time, in seconds since 2001-01-01 00:00, of the plan's zone.
   std::optional<double> wallSeconds;
-  /// The format knows no fractions of seconds, no control characters, and places to six decimals.
+  /// From a calendar, which knows no fractions of seconds, no control characters, and places to six
+  /// decimals.
   bool isRounded = false;
 };
 
@@ -49,7 +50,7 @@ tl::unexpected<Error> refused(const std::string& where, const std::string& why);
 Expected<void> checkIdentifier(const std::string& where, const std::string& identifier);
 Expected<double> checkedDegrees(const std::string& where, double degrees, int limit);
 Expected<void> checkCount(std::size_t count);
-/// Under one identifier a file may say the same again, but nothing else.
+/// Under one identifier a calendar may say the same again, but nothing else.
 Expected<void> checkIdentifiers(const std::vector<PlanDraft>& drafts);
 
 }  // namespace vantrel::cli

@@ -1,5 +1,7 @@
 #include "cli/exchange/PlanExport.h"
 
+#include <unistd.h>
+
 #include <optional>
 #include <string>
 
@@ -10,6 +12,7 @@
 #include "cli/plan/PlanSelection.h"
 #include "common/ExitCode.h"
 #include "common/OutputFile.h"
+#include "common/TerminalText.h"
 
 namespace vantrel::cli {
 
@@ -34,6 +37,18 @@ std::size_t write(const Plans& plans, ExchangeFormat format, const TextSink& pri
   }
   writeCalendar(plans, print);
   return 0;
+}
+
+/// To standard output; a terminal must not act on the texts of plans.
+std::size_t writeToConsole(const Plans& plans, ExchangeFormat format, Console& console) {
+  if (!::isatty(STDOUT_FILENO)) {
+    return write(plans, format, [&](std::string_view text) { console.print(text); });
+  }
+  // Writers may divide their text within a character.
+  std::string all;
+  const std::size_t leftOut = write(plans, format, [&](std::string_view text) { all += text; });
+  console.print(printableFile(all));
+  return leftOut;
 }
 
 Expected<std::size_t> writeFile(const Plans& plans, ExchangeFormat format,
@@ -62,8 +77,7 @@ int exportPlans(const ExchangeOptions& options, Console& console) {
   const auto plans = plansBetween(options.from, options.to);
   if (!plans) return console.fail(plans.error());
   const auto leftOut =
-      isFile ? writeFile(*plans, *format, options.file)
-             : write(*plans, *format, [&](std::string_view text) { console.print(text); });
+      isFile ? writeFile(*plans, *format, options.file) : writeToConsole(*plans, *format, console);
   if (!leftOut) return console.fail(leftOut.error());
   if (*leftOut > 0) {
     console.tell("vantrel: plan export: left out " + std::to_string(*leftOut) +

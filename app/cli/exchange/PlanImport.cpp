@@ -18,12 +18,12 @@
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
 #include "common/TerminalText.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-constexpr std::size_t kShortIdentifier = 8;
 constexpr std::size_t kLongestReason = 500;
 
 std::string nameOf(const ExchangeOptions& options) {
@@ -61,7 +61,7 @@ Expected<PlanDrafts> readDrafts(const ExchangeOptions& options, Console& console
   // What a file calls its zones and keys may be as long as the file.
   return tl::make_unexpected(
       failure(kExitBadData, nameOf(options),
-              checked.error().localizedDescription.substr(0, kLongestReason)));
+              std::string(beginning(checked.error().localizedDescription, kLongestReason))));
 }
 
 /// Null where a dry run finds no store; it makes none.
@@ -109,7 +109,7 @@ std::string lineOf(const MergedPlan& plan, const Console& console) {
   std::string line = plan.outcome == MergeOutcome::kAdded ? "added    " : "changed  ";
   line += when + "  " + console.bold(plan.name ? printable(*plan.name) : "--");
   if (plan.identifier) {
-    line += "  " + console.dim(printable(*plan.identifier).substr(0, kShortIdentifier));
+    line += "  " + console.dim(shortIdentifier(*plan.identifier));
   }
   return line + "\n";
 }

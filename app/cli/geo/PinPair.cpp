@@ -7,6 +7,7 @@
 #include "cli/Arguments.h"
 #include "common/ExitCode.h"
 #include "geo/GeodeticCalculator.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 
@@ -45,8 +46,8 @@ std::optional<double> degrees(std::string_view text, const Axis& axis) {
 tl::unexpected<Error> refusedWord(const std::string& name, std::string_view text,
                                   const char* allowed) {
   constexpr std::size_t kMostQuoted = 40;
-  const std::string quoted(text.substr(0, kMostQuoted));
-  return refused(name, text.size() > kMostQuoted ? quoted + "..." : quoted, allowed);
+  const std::string quoted(beginning(text, kMostQuoted));
+  return refused(name, quoted.size() < text.size() ? quoted + "..." : quoted, allowed);
 }
 
 }  // namespace

@@ -34,7 +34,11 @@ int showAltitude(const Question& question, Console& console) {
   if (!settings) return console.fail(settings.error());
   const auto found = altitudeOfPlace(question.place(), question.service);
   if (!found) return console.fail(found.error());
-  const float altitude = found->value_or(PinLocation::kMissingAltitude);
+  if (!found->has_value()) {
+    return console.fail(
+        failure(kExitUnavailable, "lookup altitude", "the service knows none there"));
+  }
+  const float altitude = **found;
   console.print(console.isJson()
                     ? jsonText(jsonOfAnswer(question, "altitude", jsonOfAltitude(altitude)))
                     : PinLocation().stringForAltitude(altitude) + "\n");

@@ -32,7 +32,7 @@ Json jsonOfPlan(const Planning& plan) {
       {"latitude", orNull(plan.latitude())},
       {"longitude", orNull(plan.longitude())},
       {"images", plan.imageCount()},
-      {"started", date && *date <= Clock::sharedClock().now()},
+      {"started", date && hasIso8601String(*date) && *date <= Clock::sharedClock().now()},
   };
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/Iso8601.h"
 #include "cli/Arguments.h"
 #include "cli/StoreAccess.h"
 #include "cli/Suggestion.h"
@@ -126,8 +127,10 @@ Expected<Plans> allPlans(ManagedObjectContext& context) {
   FetchRequest request;
   request.sortDescriptors = {{"date", true}};
   return fetchPlans(context, request).map([](Plans plans) {
-    std::stable_partition(plans.begin(), plans.end(),
-                          [](const auto& plan) { return plan->date().has_value(); });
+    std::stable_partition(plans.begin(), plans.end(), [](const auto& plan) {
+      const auto date = plan->date();
+      return date && hasIso8601String(*date);
+    });
     return plans;
   });
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/Iso8601.h"
 #include "cli/Arguments.h"
 #include "cli/Suggestion.h"
 #include "cli/plan/PlanText.h"
@@ -39,7 +40,6 @@ std::optional<char> escaped(std::string_view pair) {
 struct PlanTemplate::Formats {
   Formatters& shared = Formatters::sharedInstance();
   DateFormatter day = Formatters::dateFormatterWithMediumMonthAndNoYear();
-  DateFormatter instant = Formatters::RFC3339DateFormatter();
   NumberFormatter number = Formatters::enUSPosixNumberFormatter();
 };
 
@@ -53,7 +53,12 @@ const std::vector<PlanTemplate::Field>& PlanTemplate::fields() {
       {"time",
        [](auto& plan, auto& formats) { return dated(plan, formats.shared.shortTimeFormatter()); }},
       {"zone", [](auto& plan, auto&) { return shown(plan.timezone()); }},
-      {"instant", [](auto& plan, auto& formats) { return dated(plan, formats.instant); }},
+      {"instant",
+       [](auto& plan, auto&) {
+         const double seconds = plan.date().value_or(Date(NAN)).timeIntervalSinceReferenceDate();
+         const std::string text = iso8601String(Date(std::floor(seconds)));
+         return text.empty() ? kUnknown : text;
+       }},
       {"latitude",
        [](auto& plan, auto& formats) { return degrees(plan.latitude(), formats.number); }},
       {"longitude",

@@ -16,18 +16,33 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr std::size_t kDayLength = 10;
-constexpr std::size_t kMinuteLength = 16;
-constexpr std::size_t kSecondLength = 19;
 /// Longer names push their own line to the right instead of every line.
 constexpr std::size_t kWidestColumn = 44;
-/// As much of an identifier as tells one plan from another in any store made by hand.
-constexpr std::size_t kShortIdentifier = 8;
 
 /// Asked for by every row, and the same for the program's short life.
 const TimeZone& deviceZone() {
   static const TimeZone zone = TimeZone::defaultTimeZone();
   return zone;
+}
+
+struct WallTexts {
+  std::string day;
+  std::string minute;  ///< "23:40"
+  std::string second;  ///< ":07"
+};
+
+/// `nullopt` for years that are not written with four digits.
+std::optional<WallTexts> wallTexts(Date date, const TimeZone& zone) {
+  const std::string text = iso8601String(date, zone.secondsFromGMTForDate(date));
+  // Years before 0 have a sign.
+  const auto dayEnd = text.find('T');
+  if (dayEnd == std::string::npos) return std::nullopt;
+  return WallTexts{text.substr(0, dayEnd), text.substr(dayEnd + 1, 5), text.substr(dayEnd + 6, 3)};
+}
+
+std::string wallMinuteText(Date date, const TimeZone& zone) {
+  const auto wall = wallTexts(date, zone);
+  return wall ? wall->day + " " + wall->minute : kUnknown;
 }
 
 struct TableRow {
@@ -42,13 +57,12 @@ TableRow tableRow(const Planning& plan) {
   TableRow row{kUnknown, shown(plan.name()), shown(plan.timezone()), "", ""};
   if (const auto date = plan.date()) {
     const TimeZone zone = zoneOfPlan(plan);
-    row.when = wallText(*date, zone).substr(0, kMinuteLength);
+    row.when = wallMinuteText(*date, zone);
     row.here = hereText(*date, zone).value_or("");
   }
   // Without an identifier, only the URI names the plan.
   const auto identifier = plan.uniqueIdentifier();
-  row.identifier = identifier ? printable(*identifier).substr(0, kShortIdentifier)
-                              : plan.objectID().URIRepresentation();
+  row.identifier = identifier ? shortIdentifier(*identifier) : plan.objectID().URIRepresentation();
   return row;
 }
 
@@ -66,7 +80,7 @@ TimeZone zoneOfPlan(const Planning& plan) {
 
 std::string placeText(std::optional<double> latitude, std::optional<double> longitude) {
   const auto degrees = [](std::optional<double> value) -> std::string {
-    if (!value) return kUnknown;
+    if (!value || !std::isfinite(*value)) return kUnknown;
     std::array<char, 512> text{};
     std::snprintf(text.data(), text.size(), "%.5f", *value);
     return text.data();
@@ -75,22 +89,19 @@ std::string placeText(std::optional<double> latitude, std::optional<double> long
 }
 
 std::string wallText(Date date, const TimeZone& zone) {
-  std::string text = iso8601String(date, zone.secondsFromGMTForDate(date));
-  if (text.size() < kSecondLength) return kUnknown;
-  text[kDayLength] = ' ';
-  const bool wholeMinute = text.substr(kMinuteLength, 3) == ":00";
-  return text.substr(0, wholeMinute ? kMinuteLength : kSecondLength);
+  const auto wall = wallTexts(date, zone);
+  if (!wall) return kUnknown;
+  return wall->day + " " + wall->minute + (wall->second == ":00" ? "" : wall->second);
 }
 
 std::optional<std::string> hereText(Date date, const TimeZone& zone) {
   const TimeZone& here = deviceZone();
   if (here.secondsFromGMTForDate(date) == zone.secondsFromGMTForDate(date)) return std::nullopt;
-  const std::string there = wallText(date, zone);
+  const auto there = wallTexts(date, zone);
+  const auto wall = wallTexts(date, here);
+  if (!there || !wall) return std::nullopt;
   const std::string text = wallText(date, here);
-  // Beyond the years that are written with four digits.
-  if (text == kUnknown || there == kUnknown) return std::nullopt;
-  const bool sameDay = text.substr(0, kDayLength) == there.substr(0, kDayLength);
-  return (sameDay ? text.substr(kDayLength + 1) : text) + " here";
+  return (wall->day == there->day ? text.substr(wall->day.size() + 1) : text) + " here";
 }
 
 std::string whenText(const std::optional<Date>& date, const TimeZone& zone) {
