@@ -52,6 +52,8 @@ std::string identifierFromPosix(std::string_view name) {
   } else if (modifier == "valencia") {
     identifier += "_VALENCIA";
   }
+  // ICU returns null formatters for a locale that it cannot parse.
+  if (icu::Locale(identifier.c_str()).isBogus()) return std::string(kPosixLocale);
   return identifier;
 }
 
@@ -86,6 +88,7 @@ std::vector<std::string> Locale::preferredLanguages() {
     rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
   }
   addLanguage(languages, identifier);
+  if (languages.empty()) languages.emplace_back("en");
   return languages;
 }
 

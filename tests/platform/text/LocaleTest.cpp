@@ -35,6 +35,9 @@ TEST(Locale, FollowsTheEnvironment) {
       {{{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", "fr"}}, "en_US_POSIX", {"en"}},
       {{{"LC_TIME", "POSIX"}, {"LANG", "de_DE"}}, "en_US_POSIX", {"de-DE"}},
       {{{"LC_ALL", "../de"}}, "en_US_POSIX", {"en"}},
+      {{{"LC_ALL", "serbocroatian"}}, "en_US_POSIX", {"en"}},
+      {{{"LC_ALL", std::string(10'000, 'a')}}, "en_US_POSIX", {"en"}},
+      {{{"LC_ALL", "und"}}, "und", {"en"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.environment));
