@@ -10,6 +10,7 @@
 #include "objectstore/ManagedObjectContext.h"
 #include "objectstore/sqlite/SqliteStore.h"
 #include "platform/system/Bundle.h"
+#include "store/Database.h"
 #include "store/Planning.h"
 
 namespace vantrel::fuzz {
@@ -33,11 +34,8 @@ std::shared_ptr<ManagedObjectModel> mainModel() {
 /// Reads all that the file holds as plans, then changes and saves it.
 void useStore(const std::filesystem::path& file, bool readOnly) {
   const auto coordinator = std::make_shared<PersistentStoreCoordinator>(mainModel());
-  StoreOptions options;
+  StoreOptions options = Database::mainStoreOptions();
   options.readOnly = readOnly;
-  options.migratePersistentStoresAutomatically = true;
-  options.inferMappingModelAutomatically = true;
-  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
   if (!coordinator->addPersistentStore(file, options)) return;
   ManagedObjectContext context(coordinator);
   for (const auto& entity : mainModel()->entities()) {

@@ -14,6 +14,7 @@
 #include "base/Log.h"
 #include "common/ExitCode.h"
 #include "common/OutputFile.h"
+#include "common/StoreAccess.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "today/StoreProblem.h"
 #include "today/WidgetHost.h"
@@ -106,8 +107,8 @@ int render(int argc, char** argv, const Options& options) {
     auto found = planOfLink(*options.link);
     if (!found) return fail(found.error());
     plan = *found;
-  } else if (const auto missing = missingStore()) {
-    return fail(*missing);
+  } else if (const auto store = existingStore(); !store) {
+    return fail(store.error());
   } else if (const auto problem = storeProblem()) {
     return fail(*problem);
   }

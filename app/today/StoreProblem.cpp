@@ -1,12 +1,9 @@
 #include "today/StoreProblem.h"
 
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <system_error>
 
 #include "base/Log.h"
-#include "common/ExitCode.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "store/Database.h"
 #include "today/InterfaceText.h"
@@ -34,18 +31,6 @@ const Listener& listener() {
 }
 
 }  // namespace
-
-std::optional<Error> missingStore() {
-  const auto store = Database::sharedInstance().groupStoreURL();
-  std::error_code error;
-  // A file without content would be made a store by opening it; a link that leads nowhere is not.
-  if (store && std::filesystem::exists(std::filesystem::symlink_status(*store, error)) &&
-      std::filesystem::file_size(*store, error) != 0) {
-    return std::nullopt;
-  }
-  return failure(kExitMissing, store ? store->string() : "the application group's folder",
-                 "there is no store yet; make one with: vantrel store sample");
-}
 
 bool storeFailedToOpen() {
   return !listener().message.empty();

@@ -6,10 +6,6 @@
 
 namespace vantrel {
 
-/// What keeps the store from being read before it is opened: it is not there yet, and looking for
-/// plans makes none (kExitMissing).
-std::optional<Error> missingStore();
-
 /// What is wrong with the store, for a person; nothing when plans can be read. Asks for one plan,
 /// apart from the widget, to which a store that cannot be read looks like one without plans. To be
 /// called before anything else uses the store. Main thread.

@@ -49,7 +49,7 @@ std::string PinLocation::stringForAltitude(float altitude) const {
       DistanceUnitsManager::sharedInstance().currentUnits() == DistanceUnitsManager::kImperial;
   const auto unit =
       Bundle::mainBundle().localizedString(imperial ? "unit_abbr_ft" : "unit_abbr_m", "", "Common");
-  if (!isValid(altitude) || !std::isfinite(altitude)) return "--" + unit;
+  if (!isValid(altitude)) return "--" + unit;
   return numberFormatter_.stringFromNumber(imperial ? wholeFeet(altitude) : double{altitude}) +
          unit;
 }

@@ -74,12 +74,13 @@ class Database {
   /// main queue, with the error if there was one. The database must outlive that.
   void removeDuplicatesWithCompletion(std::function<void(const std::optional<Error>&)> completion);
 
+  /// How a store of plans is opened, wherever it is.
+  static StoreOptions mainStoreOptions();
+
   std::shared_ptr<DatabaseDelegate> delegate() const { return delegate_.lock(); }
   void setDelegate(const std::shared_ptr<DatabaseDelegate>& delegate) { delegate_ = delegate; }
 
  private:
-  /// How the main store is opened, wherever it lies.
-  static StoreOptions mainStoreOptions();
   void addStore(PersistentStoreCoordinator& coordinator,
                 const std::optional<std::filesystem::path>& url, const StoreOptions& options,
                 const std::optional<Error>& modelFailure, const std::string& textsName);

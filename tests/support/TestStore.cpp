@@ -4,6 +4,7 @@
 
 #include "platform/system/Bundle.h"
 #include "store/CustomCamera.h"
+#include "store/Database.h"
 
 namespace vantrel::test {
 
@@ -39,11 +40,7 @@ std::shared_ptr<ManagedObjectModel> mainModelOfVersion(const std::string& versio
 }
 
 StoreOptions mainOptions() {
-  StoreOptions options;
-  options.migratePersistentStoresAutomatically = true;
-  options.inferMappingModelAutomatically = true;
-  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
-  return options;
+  return Database::mainStoreOptions();
 }
 
 StoreOptions readOnlyOptions() {

@@ -5,11 +5,11 @@
 
 #include "cli/Arguments.h"
 #include "cli/Command.h"
-#include "cli/StoreAccess.h"
 #include "cli/camera/CameraSelection.h"
 #include "cli/camera/CameraText.h"
 #include "cli/camera/SensorFormats.h"
 #include "common/ExitCode.h"
+#include "common/StoreAccess.h"
 
 namespace vantrel::cli {
 

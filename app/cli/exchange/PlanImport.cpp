@@ -9,7 +9,6 @@
 
 #include "base/Iso8601.h"
 #include "cli/JsonText.h"
-#include "cli/StoreAccess.h"
 #include "cli/exchange/CalendarReader.h"
 #include "cli/exchange/DraftMerge.h"
 #include "cli/exchange/InputText.h"
@@ -17,6 +16,7 @@
 #include "cli/exchange/Progress.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
+#include "common/StoreAccess.h"
 #include "common/TerminalText.h"
 #include "platform/text/Utf8.h"
 

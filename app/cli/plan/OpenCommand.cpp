@@ -1,9 +1,9 @@
 #include "cli/Command.h"
-#include "cli/StoreAccess.h"
 #include "cli/plan/PlanJson.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
 #include "common/PlanLink.h"
+#include "common/StoreAccess.h"
 
 namespace vantrel::cli {
 

@@ -7,13 +7,13 @@
 #include "cli/Arguments.h"
 #include "cli/Command.h"
 #include "cli/CommandGroup.h"
-#include "cli/StoreAccess.h"
 #include "cli/lookup/PlaceService.h"
 #include "cli/plan/PlanJson.h"
 #include "cli/plan/PlanSelection.h"
 #include "cli/plan/PlanTemplate.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
+#include "common/StoreAccess.h"
 
 namespace vantrel::cli {
 

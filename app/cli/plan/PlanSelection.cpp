@@ -5,11 +5,11 @@
 
 #include "base/Iso8601.h"
 #include "cli/Arguments.h"
-#include "cli/StoreAccess.h"
 #include "cli/Suggestion.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
 #include "common/PlanLink.h"
+#include "common/StoreAccess.h"
 
 namespace vantrel::cli {
 

@@ -1,17 +1,17 @@
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "base/Clock.h"
 #include "cli/Command.h"
 #include "cli/JsonText.h"
-#include "cli/StoreAccess.h"
 #include "cli/plan/PlanSelection.h"
 #include "cli/store/SamplePlans.h"
 #include "common/ExitCode.h"
+#include "common/StoreAccess.h"
 #include "common/TerminalText.h"
 #include "objectstore/sqlite/SqliteStore.h"
+#include "objectstore/sqlite/StoreConnection.h"
 #include "objectstore/sqlite/StoreError.h"
 #include "store/Database.h"
 #include "store/VantrelPrefiller.h"
@@ -26,15 +26,6 @@ std::uintmax_t sizeOf(const fs::path& path) {
   std::error_code error;
   const auto size = fs::file_size(path, error);
   return error ? 0 : size;
-}
-
-/// The database header says how the file is to be written, whether or not a log lies beside it.
-std::string journalOf(const fs::path& path) {
-  constexpr std::size_t kWriteVersion = 18;
-  constexpr char kWal = 2;
-  std::array<char, kWriteVersion + 1> header{};
-  std::ifstream(path, std::ios::binary).read(header.data(), header.size());
-  return header[kWriteVersion] == kWal ? "wal" : "rollback";
 }
 
 /// How the store's model compares with ours, once it could be opened, or why not.
@@ -91,14 +82,13 @@ Expected<StoreInfo> storeInfo(const fs::path& path) {
   info.uuid = metadata->uuid;
   info.modelVersions = metadata->versionIdentifiers;
   info.bundleModelVersions = model->versionIdentifiers();
-  info.journal = journalOf(path);
+  info.journal = isWriteAheadLogged(path) ? "wal" : "rollback";
   info.size = sizeOf(path);
   info.walSize = sizeOf(path.string() + "-wal");
 
   const auto coordinator = std::make_shared<PersistentStoreCoordinator>(model);
-  StoreOptions options;
+  StoreOptions options = Database::mainStoreOptions();
   options.readOnly = true;
-  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
   const auto opened = coordinator->addPersistentStore(path, options);
   info.model = modelState(*metadata, opened);
   if (!opened) return info;
@@ -114,11 +104,10 @@ Expected<StoreInfo> storeInfo(const fs::path& path) {
   return info;
 }
 
-std::string textForStoreInfo(const StoreInfo& info) {
+std::string textForStoreInfo(const StoreInfo& info, const Console& console) {
   std::string text = printable(info.path.string()) + "\n";
   const auto line = [&](const char* label, const std::string& value) {
-    constexpr std::size_t kLabelWidth = 11;
-    text += "  " + paddedToCells(label, kLabelWidth) + printable(value) + "\n";
+    text += console.labelled(label, printable(value));
   };
   line("Identity", info.uuid);
   line("Model", info.model + ", version " + joined(info.modelVersions) +
@@ -154,7 +143,7 @@ std::string jsonForStoreInfo(const StoreInfo& info) {
 int showStore(Console& console) {
   const auto info = existingStore().and_then(storeInfo);
   if (!info) return console.fail(info.error());
-  console.print(console.isJson() ? jsonForStoreInfo(*info) : textForStoreInfo(*info));
+  console.print(console.isJson() ? jsonForStoreInfo(*info) : textForStoreInfo(*info, console));
   return kExitDone;
 }
 

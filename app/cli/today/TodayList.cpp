@@ -1,6 +1,6 @@
 #include "cli/today/TodayList.h"
 
-#include "cli/StoreAccess.h"
+#include "common/StoreAccess.h"
 #include "time/DeviceSystemMajorVersion.h"
 #include "widget/TodayEventsViewController.h"
 

@@ -11,12 +11,12 @@
 #include "base/Clock.h"
 #include "cli/Command.h"
 #include "cli/JsonText.h"
-#include "cli/StoreAccess.h"
 #include "cli/plan/PlanJson.h"
 #include "cli/today/ChangeWaiter.h"
 #include "cli/today/TodayText.h"
 #include "common/ExitCode.h"
 #include "common/NextMidnight.h"
+#include "common/StoreAccess.h"
 #include "store/Database.h"
 
 namespace vantrel::cli {

@@ -2,6 +2,7 @@
 
 #include "common/ExitCode.h"
 #include "common/PlanLink.h"
+#include "common/StoreAccess.h"
 #include "store/Database.h"
 #include "today/InterfaceText.h"
 #include "today/StoreProblem.h"
@@ -15,7 +16,7 @@ Expected<std::shared_ptr<Planning>> planOfLink(const std::string& link) {
         failure(kExitBadData, "the link",
                 "leads to no plan; those look like vantrel://plan?id=x-coredata:%2F%2F..."));
   }
-  if (auto missing = missingStore()) return tl::make_unexpected(std::move(*missing));
+  if (auto store = existingStore(); !store) return tl::make_unexpected(store.error());
   if (auto problem = storeProblem()) return tl::make_unexpected(std::move(*problem));
   auto plan = planWithURI(*Database::sharedInstance().managedObjectContext(), *uri);
   if (!plan && exitCodeForError(plan.error()) == kExitMissing) {

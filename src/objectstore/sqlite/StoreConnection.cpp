@@ -34,15 +34,6 @@ bool isNonEmptyFile(const fs::path& path) {
   return !error && size > 0;
 }
 
-/// Whether the file's header says that it is used with a write-ahead log.
-bool isWriteAheadLogged(const fs::path& path) {
-  constexpr std::size_t kWriteVersion = 18;
-  constexpr char kLogged = 2;
-  std::array<char, kWriteVersion + 2> header{};
-  std::ifstream(path, std::ios::binary).read(header.data(), header.size());
-  return header[kWriteVersion] == kLogged;
-}
-
 /// Whether some process has, or had, changes beside the file itself.
 bool isUsedByOthers(const fs::path& path) {
   std::error_code ignored;
@@ -100,6 +91,14 @@ void registerTriggerFunctions(sqlite3* handle) {
 }
 
 }  // namespace
+
+bool isWriteAheadLogged(const fs::path& path) {
+  constexpr std::size_t kWriteVersion = 18;
+  constexpr char kLogged = 2;
+  std::array<char, kWriteVersion + 2> header{};
+  std::ifstream(path, std::ios::binary).read(header.data(), header.size());
+  return header[kWriteVersion] == kLogged;
+}
 
 void StoreConnection::Finalizer::operator()(sqlite3_stmt* statement) const {
   sqlite3_finalize(statement);

@@ -33,6 +33,9 @@ class StatementUse {
   SQLite::Statement& statement_;
 };
 
+/// Whether the header of the store file says that it is used with a write-ahead log.
+bool isWriteAheadLogged(const std::filesystem::path& path);
+
 /// An open store file: the library's connection, set up as all stores are used here, and the
 /// statements that were prepared on it. What it and the library throw, SqliteStore turns into
 /// errors. Main thread.

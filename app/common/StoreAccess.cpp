@@ -1,10 +1,10 @@
-#include "cli/StoreAccess.h"
+#include "common/StoreAccess.h"
 
 #include "common/ExitCode.h"
 #include "objectstore/sqlite/StoreError.h"
 #include "store/Database.h"
 
-namespace vantrel::cli {
+namespace vantrel {
 
 namespace {
 
@@ -62,4 +62,4 @@ Expected<void> removeFromStore(const std::shared_ptr<ManagedObject>& object) {
   return context.save();
 }
 
-}  // namespace vantrel::cli
+}  // namespace vantrel
