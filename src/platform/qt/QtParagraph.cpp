@@ -5,11 +5,16 @@
 #include <QTextLayout>
 #include <algorithm>
 
+#include "platform/text/Utf8.h"
+
 namespace vantrel {
 
 namespace {
 
 constexpr double kUnlimited = 1e6;
+/// Far more than a window shows. The layout looks through the rest of a word for each line that it
+/// breaks within the word, so that a name of 1,000,000 letters would take minutes.
+constexpr std::size_t kMostCharacters = 10'000;
 
 bool hasLetters(const QString& text) {
   return std::any_of(text.begin(), text.end(), [](QChar c) {
@@ -57,7 +62,9 @@ QtParagraph::QtParagraph(std::string_view text, const QFont& font, bool interfac
     : layout_(std::make_unique<QTextLayout>()),
       alignsRight_(interfaceIsRightToLeft),
       width_(kUnlimited) {
-  const QString shown = textToShow(text);
+  const std::string_view kept = beginning(text, kMostCharacters);
+  QString shown = textToShow(kept);
+  if (kept.size() < text.size()) shown += QChar(0x2026);
   QTextOption option;
   option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   // Lines are aligned when drawn: an alignment of the layout's own would follow each text's

@@ -16,7 +16,8 @@ namespace vantrel {
 class QtParagraph {
  public:
   /// Starts as one line however long; line ends in the text break it all the same. Lines stand on
-  /// the interface's leading side; a text without letters runs in the interface's direction.
+  /// the interface's leading side; a text without letters runs in the interface's direction. Texts
+  /// of more than 10,000 characters are cut there and marked by an ellipsis.
   QtParagraph(std::string_view text, const QFont& font, bool interfaceIsRightToLeft = false);
   ~QtParagraph();
   QtParagraph(QtParagraph&& other) noexcept;

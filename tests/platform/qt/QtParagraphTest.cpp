@@ -32,6 +32,17 @@ TEST(QtParagraph, PlainTextKeepsItsLinesAndItsDirectionsToItself) {
   for (const auto& c : cases) EXPECT_EQ(QtParagraph::textToShow(c.text).toStdString(), c.shown);
 }
 
+TEST(QtParagraph, BoundsTheTextThatItLaysOut) {
+  test::needApplication();
+  const auto linesOf = [](std::size_t letters) {
+    QtParagraph paragraph(std::string(letters, 'x'), QFont());
+    paragraph.breakLines(300);
+    return paragraph.lineCount();
+  };
+  EXPECT_LT(linesOf(5'000), linesOf(10'000));
+  EXPECT_EQ(linesOf(1'000'000), linesOf(10'001));
+}
+
 TEST(QtParagraph, BreaksAndCutsLikeItIsMeasured) {
   test::needApplication();
   const QtTextMeasurer measurer;
