@@ -1,21 +1,22 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <utility>
 
 namespace vantrel {
 
-/// Tells when someone wrote to a store, by watching the store's folder: most commits touch only the
-/// write-ahead log beside the store file. The shared-memory file does not count, readers write it
-/// too. For a caller with an event loop of its own. One thread.
+/// Reports that another program wrote to a store, or put another store in its place. For a caller
+/// with an event loop of its own: it calls read() when fileDescriptor() becomes readable, and every
+/// pollingInterval() seconds, since the kernel reports neither a folder that was renamed above the
+/// store nor a link that points elsewhere. Not thread-safe.
 class StoreWatcher {
  public:
   enum class Change {
     kNone,
     kContent,   ///< The store may hold something new.
-    kReplaced,  ///< Another file stands where the store was: who has it open reads the old one.
+    kReplaced,  ///< The path leads to another file: whoever has the store open reads the old one.
   };
 
   /// The store and its folder need not exist yet, and may vanish and come back.
@@ -24,23 +25,36 @@ class StoreWatcher {
   StoreWatcher(const StoreWatcher&) = delete;
   StoreWatcher& operator=(const StoreWatcher&) = delete;
 
-  /// Becomes readable when there may be a change; -1 when the system has no watches to give.
+  /// Becomes readable when there may be a change; -1 if the system has no watch to spare.
   int fileDescriptor() const { return descriptor_; }
-  /// What happened since the last call, all events in one; never waits.
+  /// Seconds: 60, or 2 if the system has no watch to spare.
+  double pollingInterval() const;
+  /// Compares the store with the last call; never waits. What other programs read, and what they
+  /// open in vain, is no change.
   Change read();
 
  private:
-  using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
-  static std::optional<FileIdentity> identityOf(const std::filesystem::path& file);
+  /// What a commit changes. A file that is missing or empty has size 0.
+  struct FileState {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0;
+    std::int64_t seconds = 0;
+    std::int64_t nanoseconds = 0;
+    friend bool operator==(const FileState&, const FileState&) = default;
+  };
+  static FileState stateOf(const std::filesystem::path& file);
+  /// Of the store, its write-ahead log and its rollback journal.
+  using StoreState = std::array<FileState, 3>;
+  StoreState currentState() const;
   void watchNearestFolder();
-  bool drainEvents();
-  bool concernsStore(std::uint32_t events, const char* name) const;
 
   std::filesystem::path store_;
   int descriptor_;
   int watch_ = -1;
-  bool watchesStoreFolder_ = false;
-  std::optional<FileIdentity> known_;
+  StoreState state_;
+  /// Of the last store there was.
+  FileState lastStore_;
 };
 
 }  // namespace vantrel

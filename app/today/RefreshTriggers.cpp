@@ -2,28 +2,12 @@
 
 #include <QDBusConnection>
 #include <QSocketNotifier>
-#include <chrono>
 
 #include "base/Clock.h"
-#include "common/NextMidnight.h"
+#include "common/Staleness.h"
 #include "platform/text/TimeZone.h"
 
 namespace vantrel {
-
-namespace {
-
-/// A burst of commits makes one refresh, and the reader sees it as immediate.
-constexpr std::chrono::milliseconds kStoreSettles{150};
-/// A new store file may still be on its way: opening half a copy could spoil it.
-constexpr std::chrono::milliseconds kReplacedStoreSettles{500};
-
-Date systemNow() {
-  const std::chrono::duration<double> sinceEpoch =
-      std::chrono::system_clock::now().time_since_epoch();
-  return Date::dateWithTimeIntervalSince1970(sinceEpoch.count());
-}
-
-}  // namespace
 
 RefreshTriggers::RefreshTriggers(const std::filesystem::path& store,
                                  const std::filesystem::path& zoneFolder, QObject* parent)
@@ -38,6 +22,8 @@ RefreshTriggers::RefreshTriggers(const std::filesystem::path& store,
   };
   follow(midnight_.fileDescriptor(), [this] { readTimer(); });
   follow(storeWatcher_.fileDescriptor(), [this] { readStoreWatcher(); });
+  connect(&storeLook_, &QTimer::timeout, this, &RefreshTriggers::readStoreWatcher);
+  startStoreLook();
   storeSettles_.setSingleShot(true);
   connect(&storeSettles_, &QTimer::timeout, this, &RefreshTriggers::tellStoreChange);
   connect(&zoneFolderWatcher_, &QFileSystemWatcher::directoryChanged, this,
@@ -77,12 +63,18 @@ void RefreshTriggers::prepareForSleep(bool begins) {
   emit clockMoved();
 }
 
+void RefreshTriggers::startStoreLook() {
+  storeLook_.start(
+      std::chrono::milliseconds(static_cast<std::int64_t>(storeWatcher_.pollingInterval() * 1000)));
+}
+
 void RefreshTriggers::readStoreWatcher() {
   const auto change = storeWatcher_.read();
+  startStoreLook();
   if (change == StoreWatcher::Change::kNone) return;
   if (change == StoreWatcher::Change::kReplaced) storeReplaced_ = true;
   if (storeReplaced_) {
-    storeSettles_.start(kReplacedStoreSettles);
+    storeSettles_.start(kNewStoreSettles);
   } else if (!storeSettles_.isActive()) {
     storeSettles_.start(kStoreSettles);
   }

@@ -40,11 +40,13 @@ class RefreshTriggers : public QObject {
  private:
   void armForMidnight();
   void readTimer();
+  void startStoreLook();
   void readStoreWatcher();
   void tellStoreChange();
 
   WallTimer midnight_;
   StoreWatcher storeWatcher_;
+  QTimer storeLook_;
   QTimer storeSettles_;
   bool storeReplaced_ = false;
   QFileSystemWatcher zoneFolderWatcher_;

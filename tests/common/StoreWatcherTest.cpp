@@ -1,6 +1,9 @@
 #include "common/StoreWatcher.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <sys/resource.h>
 
 #include <filesystem>
 #include <functional>
@@ -47,12 +50,27 @@ TEST(StoreWatcher, TellsChangesOfTheStoresFilesOnly) {
          writeFile(f / "S.sqlite", "other");
        },
        Change::kReplaced},
+      {"folder above made anew with another store",
+       [](const fs::path& f) {
+         fs::rename(f.parent_path(), f.parent_path().string() + ".old");
+         fs::create_directories(f);
+         writeFile(f / "S.sqlite", "other");
+       },
+       Change::kReplaced},
+      {"log that a failed opening creates and removes",
+       [](const fs::path& f) {
+         writeFile(f / "S.sqlite-wal", "");
+         writeFile(f / "S.sqlite-shm", "lock");
+         fs::remove(f / "S.sqlite-wal");
+         fs::remove(f / "S.sqlite-shm");
+       },
+       Change::kNone},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const test::TemporaryDirectory directory;
-    const fs::path folder = directory / "group";
-    fs::create_directory(folder);
+    const fs::path folder = directory / "data" / "group";
+    fs::create_directories(folder);
     writeFile(folder / "S.sqlite", "store");
     writeFile(folder / "S.sqlite-journal", "journal");
     StoreWatcher watcher(folder / "S.sqlite");
@@ -60,6 +78,39 @@ TEST(StoreWatcher, TellsChangesOfTheStoresFilesOnly) {
     EXPECT_EQ(watcher.read(), c.expected);
     EXPECT_EQ(watcher.read(), Change::kNone) << "told twice";
   }
+}
+
+TEST(StoreWatcher, FollowsALinkThatIsPointedElsewhere) {
+  const test::TemporaryDirectory directory;
+  writeFile(directory / "first", "first");
+  writeFile(directory / "second", "second");
+  fs::create_directory(directory / "group");
+  const fs::path link = directory / "group" / "S.sqlite";
+  fs::create_symlink(directory / "first", link);
+  StoreWatcher watcher(link);
+  fs::remove(link);
+  fs::create_symlink(directory / "second", link);
+  EXPECT_EQ(watcher.read(), Change::kReplaced);
+  writeFile(directory / "second-wal", "commit");
+  EXPECT_EQ(watcher.read(), Change::kContent);
+}
+
+TEST(StoreWatcher, LooksOftenWithoutAWatch) {
+  const test::TemporaryDirectory directory;
+  writeFile(directory / "S.sqlite", "store");
+  test::LogCapture log;
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  StoreWatcher watcher(directory / "S.sqlite");
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(watcher.fileDescriptor(), -1);
+  EXPECT_THAT(log.text(), testing::HasSubstr("no file watch to spare"));
+  EXPECT_EQ(watcher.pollingInterval(), 2);
+  EXPECT_EQ(watcher.read(), Change::kNone);
+  writeFile(directory / "S.sqlite-wal", "commit");
+  EXPECT_EQ(watcher.read(), Change::kContent);
 }
 
 TEST(StoreWatcher, FindsAStoreWhoseFoldersComeAndGo) {

@@ -34,7 +34,7 @@ int changeSettings(Console& console, const std::function<Expected<void>(UserDefa
   const auto readable = defaults.checkReadable();
   const bool damaged = !readable && exitCodeForError(readable.error()) == kExitBadData;
   if (!readable && !damaged) return console.fail(readable.error());
-  defaults.lock();
+  if (const auto locked = defaults.lock(); !locked) return console.fail(locked.error());
   if (const auto changed = change(defaults); !changed) return console.fail(changed.error());
   // Where `change` did this already, and could not, it is tried again for the reason.
   if (const auto written = defaults.synchronize(); !written) return console.fail(written.error());

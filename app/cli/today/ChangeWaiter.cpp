@@ -5,25 +5,19 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <chrono>
 
 #include "base/Clock.h"
+#include "common/Staleness.h"
 #include "platform/text/TimeZone.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-/// A burst of commits makes one look; half a copy of a store, opened, could spoil it.
-constexpr int kStoreSettlesMilliseconds = 150;
-constexpr int kNewStoreSettlesMilliseconds = 500;
-
-Date systemNow() {
-  const std::chrono::duration<double> sinceEpoch =
-      std::chrono::system_clock::now().time_since_epoch();
-  return Date::dateWithTimeIntervalSince1970(sinceEpoch.count());
-}
+/// A program that a signal ends exits with this plus the number of the signal.
+constexpr int kSignalled = 128;
 
 int watchOnFolderOfZone() {
   const int descriptor = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
@@ -31,25 +25,24 @@ int watchOnFolderOfZone() {
   return descriptor;
 }
 
-int takeOverSignals(sigset_t& before) {
-  sigset_t ending;
-  sigemptyset(&ending);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) sigaddset(&ending, signal);
-  sigprocmask(SIG_BLOCK, &ending, &before);
-  return signalfd(-1, &ending, SFD_NONBLOCK | SFD_CLOEXEC);
-}
-
-void settle(int milliseconds) {
-  ::poll(nullptr, 0, milliseconds);
-}
-
 }  // namespace
 
 ChangeWaiter::ChangeWaiter(const std::filesystem::path& store)
     : store_(store),
       zoneFolder_(watchOnFolderOfZone()),
-      zoneName_(TimeZone::defaultTimeZone().name()),
-      signals_(takeOverSignals(signalsBefore_)) {}
+      zoneName_(TimeZone::defaultTimeZone().name()) {
+  sigset_t brokenPipe;
+  sigemptyset(&brokenPipe);
+  sigaddset(&brokenPipe, SIGPIPE);
+  sigprocmask(SIG_BLOCK, &brokenPipe, &signalsBefore_);
+  sigemptyset(&awaitedSignals_);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) sigaddset(&awaitedSignals_, signal);
+  // Also where a shell started this program in the background, without SIGINT.
+  for (const int signal : {SIGINT, SIGTERM}) {
+    std::signal(signal, [](int received) { ::_exit(kSignalled + received); });
+  }
+  signals_ = signalfd(-1, &awaitedSignals_, SFD_NONBLOCK | SFD_CLOEXEC);
+}
 
 ChangeWaiter::~ChangeWaiter() {
   sigprocmask(SIG_SETMASK, &signalsBefore_, nullptr);
@@ -57,40 +50,62 @@ ChangeWaiter::~ChangeWaiter() {
   if (zoneFolder_ >= 0) close(zoneFolder_);
 }
 
-bool ChangeWaiter::isZoneAnother() {
+bool ChangeWaiter::isZoneChanged() {
   std::array<char, 4096> events{};
-  bool any = false;
-  while (::read(zoneFolder_, events.data(), events.size()) > 0) any = true;
-  return any && TimeZone::defaultTimeZone().name() != zoneName_;
+  while (::read(zoneFolder_, events.data(), events.size()) > 0) {
+  }
+  return TimeZone::defaultTimeZone().name() != zoneName_;
+}
+
+std::optional<ChangeWaiter::Event> ChangeWaiter::receivedSignal() {
+  signalfd_siginfo received{};
+  if (::read(signals_, &received, sizeof received) <= 0) return std::nullopt;
+  if (received.ssi_signo == SIGPIPE) return Event::kOutputGone;
+  signal_ = static_cast<int>(received.ssi_signo);
+  return Event::kInterrupted;
+}
+
+std::optional<ChangeWaiter::Event> ChangeWaiter::settle(std::chrono::milliseconds time) {
+  pollfd signals = {signals_, POLLIN, 0};
+  ::poll(&signals, 1, static_cast<int>(time.count()));
+  return receivedSignal();
 }
 
 ChangeWaiter::Event ChangeWaiter::wait(Date lookAgain) {
+  // Outside of this function a signal ends the program at once, even while it waits for a lock.
+  sigset_t before;
+  sigprocmask(SIG_BLOCK, &awaitedSignals_, &before);
+  const Event event = nextEvent(lookAgain);
+  sigprocmask(SIG_SETMASK, &before, nullptr);
+  return event;
+}
+
+ChangeWaiter::Event ChangeWaiter::nextEvent(Date lookAgain) {
+  // The program's present instant may be another than the system's; time passes alike for both.
+  const Date deadline = systemNow().dateByAddingTimeInterval(
+      lookAgain.timeIntervalSinceDate(Clock::sharedClock().now()));
   for (;;) {
-    // The program's present instant may be another than the system's; time passes alike for both.
-    const double remaining = lookAgain.timeIntervalSinceDate(Clock::sharedClock().now());
-    timer_.fireAt(systemNow().dateByAddingTimeInterval(remaining));
+    const Date now = systemNow();
+    if (now >= deadline) return Event::kStale;
+    timer_.fireAt(std::min(deadline, now.dateByAddingTimeInterval(store_.pollingInterval())));
     std::array<pollfd, 5> files = {{{STDOUT_FILENO, 0, 0},
                                     {signals_, POLLIN, 0},
                                     {store_.fileDescriptor(), POLLIN, 0},
                                     {timer_.fileDescriptor(), POLLIN, 0},
                                     {zoneFolder_, POLLIN, 0}}};
     ::poll(files.data(), files.size(), -1);
-    signalfd_siginfo received{};
-    while (::read(signals_, &received, sizeof received) > 0) {
-      if (received.ssi_signo == SIGPIPE) return Event::kOutputGone;
-      signal_ = static_cast<int>(received.ssi_signo);
-      return Event::kInterrupted;
-    }
+    if (const auto ended = receivedSignal()) return *ended;
     if (files[0].revents & (POLLERR | POLLNVAL)) return Event::kOutputGone;
-    if (isZoneAnother()) return Event::kRestart;
+    if (isZoneChanged()) return Event::kRestart;
     if (files[2].revents != 0) {
-      settle(kStoreSettlesMilliseconds);
-      const auto change = store_.read();
-      if (change == StoreWatcher::Change::kReplaced) settle(kNewStoreSettlesMilliseconds);
-      if (change == StoreWatcher::Change::kReplaced) return Event::kRestart;
-      if (change == StoreWatcher::Change::kContent) return Event::kStale;
+      if (const auto ended = settle(kStoreSettles)) return *ended;
     }
-    if (timer_.read() != WallTimer::Event::kNone) return Event::kStale;
+    const auto change = store_.read();
+    if (change == StoreWatcher::Change::kReplaced) {
+      return settle(kNewStoreSettles).value_or(Event::kRestart);
+    }
+    if (change == StoreWatcher::Change::kContent) return Event::kStale;
+    if (timer_.read() == WallTimer::Event::kClockSet) return Event::kStale;
   }
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "base/Date.h"
@@ -10,8 +12,8 @@
 
 namespace vantrel::cli {
 
-/// Sleeps, without polling, until what was shown may be old. While it lives, the signals that end a
-/// program are told here instead. One thread.
+/// Sleeps until what was shown may be old. While wait() runs, it returns on the signals that would
+/// end the program. Not thread-safe.
 class ChangeWaiter {
  public:
   enum class Event {
@@ -26,22 +28,29 @@ class ChangeWaiter {
   ChangeWaiter(const ChangeWaiter&) = delete;
   ChangeWaiter& operator=(const ChangeWaiter&) = delete;
 
+  /// Whether the system has no file watch to spare, so that the store is looked at every 2 seconds.
+  bool isPolling() const { return store_.fileDescriptor() < 0; }
   /// Forgets what happened to the store until now: opening a store writes to it.
   void ignoreStoreChangesSoFar() { store_.read(); }
-  /// Not later than `lookAgain`, an instant of the program's clock.
+  /// Returns at `lookAgain`, an instant of the program's clock, or earlier.
   Event wait(Date lookAgain);
+  /// Waits for `time` or a signal; the event of the signal if there was one.
+  std::optional<Event> settle(std::chrono::milliseconds time);
   /// The signal that interrupted.
   int signal() const { return signal_; }
 
  private:
-  bool isZoneAnother();
+  bool isZoneChanged();
+  std::optional<Event> receivedSignal();
+  Event nextEvent(Date lookAgain);
 
   StoreWatcher store_;
   WallTimer timer_;
   int zoneFolder_;  ///< Watches where the link "localtime" tells the device's zone.
   std::string zoneName_;
   sigset_t signalsBefore_{};
-  int signals_;
+  sigset_t awaitedSignals_{};
+  int signals_ = -1;
   int signal_ = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "cli/today/TodayList.h"
 
+#include "common/ExitCode.h"
 #include "common/StoreAccess.h"
 #include "time/DeviceSystemMajorVersion.h"
 #include "widget/TodayEventsViewController.h"
@@ -28,8 +29,9 @@ class TerminalHost : public ExtensionContext {
   WidgetDisplayMode largest_ = WidgetDisplayMode::kCompact;
 };
 
-/// One life of the widget, and what it shows in it.
-TodayList shownInOneLife(bool expanded) {
+/// One life of the widget, and what it shows in it; nullopt if it could not fetch the plans, which
+/// it shows like an empty store.
+std::optional<TodayList> shownInOneLife(bool expanded) {
   const auto host = std::make_shared<TerminalHost>();
   TodayEventsViewController controller(kMaximumSize, host);
   controller.loadViewIfNeeded();
@@ -37,6 +39,7 @@ TodayList shownInOneLife(bool expanded) {
   if (expanded && host->offersExpanded()) {
     controller.widgetActiveDisplayModeDidChange(WidgetDisplayMode::kExpanded, kMaximumSize);
   }
+  if (!controller.plans()) return std::nullopt;
   const TodayEventsView& view = *controller.todayView();
   TodayList today;
   today.isExpanded = view.showExpanded();
@@ -54,13 +57,15 @@ TodayList shownInOneLife(bool expanded) {
 
 Expected<TodayList> todayList(bool isExpanded) {
   if (const auto store = existingStore(); !store) return tl::make_unexpected(store.error());
-  TodayList today = shownInOneLife(isExpanded);
-  if (today.rows.empty()) {
-    // The widget takes a store that cannot be read for an empty one; a fetch of our own tells.
-    const auto context = contextForReading();
-    if (!context) return tl::make_unexpected(context.error());
+  constexpr int kTries = 2;
+  for (int i = 0; i < kTries; ++i) {
+    if (auto today = shownInOneLife(isExpanded)) return *std::move(today);
+    // A fetch of our own reports why the plans could not be fetched, unless they can by now.
+    if (const auto context = contextForReading(); !context) {
+      return tl::make_unexpected(context.error());
+    }
   }
-  return today;
+  return tl::make_unexpected(failure(kExitInputOutput, "store", "the plans cannot be read"));
 }
 
 }  // namespace vantrel::cli

@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
@@ -15,7 +16,7 @@
 #include "cli/today/ChangeWaiter.h"
 #include "cli/today/TodayText.h"
 #include "common/ExitCode.h"
-#include "common/NextMidnight.h"
+#include "common/Staleness.h"
 #include "common/StoreAccess.h"
 #include "store/Database.h"
 
@@ -25,6 +26,9 @@ namespace {
 
 /// What was printed last, as a number, for the process that takes this one's place.
 constexpr const char* kShown = "VANTREL_WATCH_SHOWN";
+
+/// No more than one restart in this time, whatever happens to the store.
+constexpr std::chrono::seconds kRestartPause{1};
 
 enum class Form { kText, kJson, kBar };
 
@@ -40,6 +44,11 @@ Date nextBoundary(const Expected<TodayList>& today) {
   return boundary;
 }
 
+/// When to look at a busy store again.
+Date soon() {
+  return Clock::sharedClock().now().dateByAddingTimeInterval(kBusyStoreSeconds);
+}
+
 std::string lineFor(const TodayList& today, Form form) {
   if (form == Form::kBar) return barLine(today);
   return form == Form::kJson ? jsonLine(today) : nextPlanLine(today);
@@ -52,8 +61,12 @@ std::string lineFor(const Error& error, Form form) {
 
 /// This program with the same arguments in this one's place; comes back only when that fails.
 void startAgain(std::size_t shown) {
-  std::ifstream file("/proc/self/cmdline", std::ios::binary);
-  std::string words{std::istreambuf_iterator<char>(file), {}};
+  std::string words;
+  {
+    // Closed before the new program starts, which would inherit it.
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    words.assign(std::istreambuf_iterator<char>(file), {});
+  }
   std::vector<char*> arguments;
   for (std::size_t at = 0; at < words.size(); at = words.find('\0', at) + 1) {
     arguments.push_back(&words[at]);
@@ -70,6 +83,10 @@ std::size_t shownBefore() {
   return shown;
 }
 
+bool isBusy(const Expected<TodayList>& today) {
+  return !today && exitCodeForError(today.error()) == kExitTryAgain;
+}
+
 int watchPlans(const bool& isForBar, Console& console) {
   if (isForBar && console.isJson()) {
     return console.fail(failure(kExitUsage, "watch", "either --waybar or --json"));
@@ -78,29 +95,47 @@ int watchPlans(const bool& isForBar, Console& console) {
   const auto store = Database::sharedInstance().groupStoreURL();
   // Without a home there is nothing to wait for.
   if (!store) return console.fail(existingStore().error());
+  const auto started = std::chrono::steady_clock::now();
   ChangeWaiter waiter(*store);
+  if (waiter.isPolling()) {
+    console.tell(
+        "vantrel: watch: the system has no file watch to spare; looking every 2 seconds\n");
+  }
   std::size_t shown = shownBefore();
   bool isOpen = false;
+  bool wasBusy = false;
   for (;;) {
     if (!isOpen) {
       isOpen = contextForReading().has_value();
       waiter.ignoreStoreChangesSoFar();
     }
     const auto today = todayList(true);
+    const bool keepsAnswer = shown != 0 && isBusy(today);
+    if (keepsAnswer && !wasBusy) console.fail(today.error());
+    wasBusy = keepsAnswer;
     const std::string line = today ? lineFor(*today, form) : lineFor(today.error(), form);
     const std::size_t now =
         std::hash<std::string>()(today ? line : today.error().localizedDescription);
-    if (now != shown) {
+    if (now != shown && !keepsAnswer) {
       if (!today) console.fail(today.error());
       console.print(line);
       if (!console.flush()) return kExitDone;
       shown = now;
     }
-    switch (waiter.wait(nextBoundary(today))) {
+    auto event = waiter.wait(isBusy(today) ? soon() : nextBoundary(today));
+    // A store that could not be opened stays so for the life of a process.
+    if (event == ChangeWaiter::Event::kStale && !today && !isOpen && existingStore()) {
+      event = ChangeWaiter::Event::kRestart;
+    }
+    if (event == ChangeWaiter::Event::kRestart) {
+      const auto left = kRestartPause - (std::chrono::steady_clock::now() - started);
+      event =
+          waiter.settle(std::chrono::ceil<std::chrono::milliseconds>(std::max(left, left.zero())))
+              .value_or(event);
+    }
+    switch (event) {
       case ChangeWaiter::Event::kStale:
-        // A store that failed stays failed for the life of a process.
-        if (today || !existingStore()) break;
-        [[fallthrough]];
+        break;
       case ChangeWaiter::Event::kRestart:
         startAgain(shown);
         return console.fail(failure(kExitInternal, "watch", "cannot start again"));

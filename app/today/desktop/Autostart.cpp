@@ -63,6 +63,8 @@ int turnOn(const fs::path& entry) {
         file.error() == QFileDevice::PermissionsError ? kExitPermission : kExitCannotCreate;
     return fail(code, entry.string(), file.errorString().toStdString());
   }
+  // Nobody else may write what runs at login, whatever the umask.
+  file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
   file.write(QByteArray::fromStdString(text));
   if (file.commit()) return kExitDone;
   return fail(kExitInputOutput, entry.string(), file.errorString().toStdString());

@@ -9,11 +9,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <mutex>
 #include <system_error>
+#include <thread>
 #include <type_traits>
 #include <utility>
 
@@ -135,14 +137,26 @@ bool isDamaged(const Content& content) {
   return content.error && content.error->domain == "PropertyList";
 }
 
-/// Holds the lock that all writers of a file take: on a file of its own, since the settings
+/// As long as a store waits for other programs.
+constexpr std::chrono::seconds kLockTimeout{5};
+constexpr std::chrono::milliseconds kLockPause{10};
+
+/// Takes the lock that all writers of a file take: on a file of its own, since the settings
 /// themselves are replaced.
 Expected<FileDescriptor> lock(const fs::path& path) {
   const fs::path name = path.string() + ".lock";
-  FileDescriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-  if (!file) return tl::unexpected(posixError(errno, name));
-  while (::flock(file.number(), LOCK_EX) != 0) {
-    if (errno != EINTR) return tl::unexpected(posixError(errno, name));
+  FileDescriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
+  struct stat status {};
+  if (!file || ::fstat(file.number(), &status) != 0) return tl::unexpected(posixError(errno, name));
+  if (!S_ISREG(status.st_mode)) return tl::unexpected(posixError(EINVAL, name));
+  const auto deadline = std::chrono::steady_clock::now() + kLockTimeout;
+  while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EINTR && errno != EWOULDBLOCK) return tl::unexpected(posixError(errno, name));
+    if (std::chrono::steady_clock::now() >= deadline) {
+      return tl::unexpected(Error{
+          "POSIX", EAGAIN, path.string() + ": another program holds the settings; try again", {}});
+    }
+    std::this_thread::sleep_for(kLockPause);
   }
   return file;
 }
@@ -351,11 +365,12 @@ Expected<void> UserDefaults::checkReadable() const {
   return {};
 }
 
-void UserDefaults::lock() {
+Expected<void> UserDefaults::lock() {
   const std::lock_guard guard(state_->mutex);
   std::error_code error;
-  // Whoever then sets nothing must not leave a new folder behind.
-  if (state_->path && fs::exists(*state_->path, error)) static_cast<void>(state_->lockFile());
+  // A caller that then sets nothing must not leave a new folder behind.
+  if (!state_->path || !fs::exists(*state_->path, error)) return {};
+  return state_->lockFile();
 }
 
 Expected<void> UserDefaults::synchronize() {

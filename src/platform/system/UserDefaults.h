@@ -50,12 +50,12 @@ class UserDefaults {
   void removeObjectForKey(std::string_view key);
 
   /// Keeps other programs from writing the file until the next `synchronize`, so that a value that
-  /// is read here, changed and set does not undo their change. Waits for them. Does nothing while
-  /// there is no file, or if it cannot be locked: `synchronize` then fails.
-  void lock();
+  /// is read here, changed and set does not undo their change. Does nothing while there is no file.
+  /// Errors: domain "POSIX"; EAGAIN if another program holds the lock for more than 5 s.
+  Expected<void> lock();
   /// Writes what was set here since the last call into the file as it then is, leaving its other
   /// keys alone: it is replaced whole, or stays as it was. A damaged file is moved aside. Errors
-  /// are of domain "POSIX" with an errno value; what was set then waits for the next call.
+  /// are as those of `lock`; what was set then waits for the next call.
   Expected<void> synchronize();
   /// Whether the file can be read (a missing one can). While it cannot, reads answer as if it were
   /// empty. Errors are of domain "POSIX", or "PropertyList" for a damaged file.

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDBusMessage>
 #include <QProcess>
@@ -115,12 +116,16 @@ TEST(Autostart, IsAnEntryThatDesktopsAcceptOnlyWhileAskedFor) {
   const auto folder = home / "config/autostart";
   EXPECT_EQ(set("off").exitCode, 0);
   EXPECT_FALSE(std::filesystem::exists(home / "config"));
+  const mode_t mask = umask(0);
   for (int i = 0; i < 2; ++i) {
     const auto result = set("on");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output + result.errors, "");
   }
+  umask(mask);
   const auto entry = folder / "org.vantrel.today.desktop";
+  EXPECT_EQ(std::filesystem::status(entry).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   const auto checked = test::runProgram({"desktop-file-validate", entry.string()});
   EXPECT_EQ(checked.exitCode, 0);
   EXPECT_EQ(checked.output + checked.errors, "");
