@@ -45,8 +45,9 @@ class Database {
   std::shared_ptr<PersistentStoreCoordinator> staticPersistentStoreCoordinator();
   ManagedObjectContext* staticManagedObjectContext();
 
-  /// Copies a store with its pictures to a place where there is none yet, and brings the copy to
-  /// the current model. False, and nothing is there, when that fails; the old store is only read.
+  /// Copies a store with its pictures to a new file and migrates the copy to the current model.
+  /// False, and no file is created, if that fails; the old store is only read. Two stores in one
+  /// folder whose names differ only in the extension would share their pictures: refused.
   bool migrateDatabase(const std::filesystem::path& url,
                        const std::filesystem::path& toNewDatabase);
   /// The same, telling why it failed.

@@ -99,6 +99,22 @@ TEST(DatabaseUpkeep, CopiesAStoreInAnyStateAndOnlyReadsIt) {
       {"of another program, without our hashes", "4",
        [](const fs::path& file) { sqlite(file, "UPDATE Z_METADATA SET Z_PLIST = NULL"); },
        "Sunrise"},
+      {"with a link in place of the folder of pictures", "4",
+       [](const fs::path& file) {
+         fs::rename(file.parent_path() / ".Old_SUPPORT", file.parent_path() / "pictures");
+         fs::create_directory_symlink("pictures", file.parent_path() / ".Old_SUPPORT");
+       },
+       "Sunrise"},
+      {"by a link, with a log", "4",
+       [](const fs::path& file) {
+         const auto folder = file.parent_path() / "elsewhere";
+         fs::create_directory(folder);
+         fs::rename(file, folder / "Real.sqlite");
+         fs::rename(file.parent_path() / ".Old_SUPPORT", folder / ".Real_SUPPORT");
+         fs::create_symlink("elsewhere/Real.sqlite", file);
+         writeAndDie(folder / "Real.sqlite", "UPDATE ZPLANNING SET ZNAME = 'Logged'");
+       },
+       "Logged"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -113,7 +129,8 @@ TEST(DatabaseUpkeep, CopiesAStoreInAnyStateAndOnlyReadsIt) {
     ASSERT_TRUE(database.migrateDatabase(file, copy));
     auto after = contentOf(old.path());
     // The index is memory that readers share.
-    before[file.string() + "-shm"] = after[file.string() + "-shm"] = "";
+    const std::string index = fs::canonical(file).string() + "-shm";
+    before[index] = after[index] = "";
     EXPECT_EQ(before, after);
 
     EXPECT_EQ(contentOf(target.path()).size(), 4u) << "no log, and nothing half-made";
@@ -131,6 +148,20 @@ TEST(DatabaseUpkeep, CopiesAStoreInAnyStateAndOnlyReadsIt) {
     EXPECT_TRUE(image->setValueForKey("X", "uniqueIdentifier") && store.context.save())
         << "what version 3 has no place for";
   }
+}
+
+TEST(DatabaseUpkeep, CopiesOnlyToAFolderOfItsOwnForPictures) {
+  const test::TemporaryDirectory directory;
+  makeStore(directory / "Old.sqlite", "4");
+  fs::create_directory_symlink(".", directory / "link");
+  Database database;
+  const auto copy = [&](const char* name) {
+    return database.migrateDatabase(directory / "Old.sqlite", directory / name);
+  };
+  EXPECT_FALSE(copy("Old.bak") || copy("link/Old.bak") || copy("Old"));
+  test::writeFile(directory / "New.txt", "notes");
+  fs::remove(directory / ".Old_SUPPORT/_EXTERNAL_DATA" / kPicture);
+  EXPECT_TRUE(copy("New.sqlite")) << "a picture that the old store lacks too";
 }
 
 TEST(DatabaseUpkeep, CopiesAStoreInUse) {
@@ -183,6 +214,28 @@ TEST(DatabaseUpkeep, RefusesToCopyAndLeavesTheTargetAsItIs) {
                        fs::copy_options::overwrite_existing);
        },
        StoreErrorCode::kIncompatible},
+      {"an earlier copy that has the folder for pictures",
+       [](const fs::path& old, const fs::path& copy) {
+         fs::copy_file(old, copy.parent_path() / "Vantrel.monday");
+       },
+       StoreErrorCode::kCannotCreate},
+      {"a link to the folder of pictures",
+       [](const fs::path& old, const fs::path& copy) {
+         fs::create_directory_symlink(old.parent_path() / ".Old_SUPPORT",
+                                      copy.parent_path() / ".Vantrel_SUPPORT");
+       },
+       StoreErrorCode::kCannotCreate},
+      {"a FIFO for a journal",
+       [](const fs::path& old, const fs::path&) {
+         ASSERT_EQ(::mkfifo((old.string() + "-journal").c_str(), 0600), 0);
+       },
+       StoreErrorCode::kNotAStore},
+      {"a FIFO for a picture",
+       [](const fs::path& old, const fs::path&) {
+         const auto folder = old.parent_path() / ".Old_SUPPORT/_EXTERNAL_DATA";
+         ASSERT_EQ(::mkfifo((folder / "F").c_str(), 0600), 0);
+       },
+       StoreErrorCode::kNotAStore},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

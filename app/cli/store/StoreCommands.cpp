@@ -84,7 +84,7 @@ Expected<StoreInfo> storeInfo(const fs::path& path) {
   info.bundleModelVersions = model->versionIdentifiers();
   info.journal = isWriteAheadLogged(path) ? "wal" : "rollback";
   info.size = sizeOf(path);
-  info.walSize = sizeOf(path.string() + "-wal");
+  info.walSize = sizeOf(fs::weakly_canonical(path) += "-wal");
 
   const auto coordinator = std::make_shared<PersistentStoreCoordinator>(model);
   StoreOptions options = Database::mainStoreOptions();

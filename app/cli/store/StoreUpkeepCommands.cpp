@@ -201,7 +201,11 @@ void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
                  "Copy a store with its pictures to a new place, at this version; OLD is only read",
                  &copyStore);
   addValueOption(copy, "OLD", files.from, &pathFromArgument, "", "The store's .sqlite file");
-  addValueOption(copy, "NEW", files.to, &pathFromArgument, "", "A file that is not there yet");
+  addValueOption(copy, "NEW", files.to, &pathFromArgument, "", "A file that does not exist yet");
+  copy.footer(
+      "Pictures are stored in a folder named after the store without its extension: two stores in\n"
+      "one folder must differ in more than the extension. Exits with 75 if another program keeps\n"
+      "changing OLD; try again.");
   addCommand(parser, session, "identifiers",
              "Give every record without a unique identifier one; 74 if any is left",
              &giveIdentifiers);

@@ -1,7 +1,10 @@
 #include "objectstore/sqlite/ExternalData.h"
 
-#include <fstream>
-#include <iterator>
+#include <unistd.h>
+
+#include <array>
+
+#include "base/FileDescriptor.h"
 
 namespace vantrel {
 
@@ -37,9 +40,15 @@ std::optional<std::string> unwrappedBytes(std::string_view stored, const fs::pat
   if (stored.front() != kFile) return std::string(stored);
   const auto name = externalFileName(stored);
   if (!name) return std::nullopt;
-  std::ifstream file(externalFile(storeUrl, *name), std::ios::binary);
+  const auto file = openRegularFile(externalFile(storeUrl, *name).c_str());
   if (!file) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  std::string bytes;
+  std::array<char, 1 << 16> buffer;
+  ssize_t count = 0;
+  while ((count = ::read(file.number(), buffer.data(), buffer.size())) > 0) {
+    bytes.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+  return count == 0 ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 }  // namespace vantrel

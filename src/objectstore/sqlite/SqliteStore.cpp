@@ -66,6 +66,14 @@ Error errorFromSystem(const std::error_code& code) {
   return storeError(StoreErrorCode::kInputOutput, "reading or writing the store's files failed");
 }
 
+/// The file that a symbolic link leads to; `url` itself if it is none, or leads nowhere.
+fs::path withoutLink(const fs::path& url) {
+  std::error_code error;
+  if (!fs::is_symlink(url, error)) return url;
+  const fs::path file = fs::canonical(url, error);
+  return error ? url : file;
+}
+
 /// As a failed `new` does.
 [[noreturn]] void failOutOfMemory() {
   if (const auto handler = std::get_new_handler()) handler();
@@ -104,7 +112,7 @@ auto SqliteStore::guarded(Function function) -> Expected<decltype(function())> {
 }
 
 SqliteStore::SqliteStore(fs::path url, std::shared_ptr<const ManagedObjectModel> model)
-    : url_(std::move(url)), model_(std::move(model)) {}
+    : url_(std::move(url)), file_(withoutLink(url_)), model_(std::move(model)) {}
 
 SqliteStore::~SqliteStore() = default;
 
@@ -123,7 +131,7 @@ Expected<std::unique_ptr<SqliteStore>> SqliteStore::open(
 Expected<StoreMetadata> SqliteStore::metadataAt(const fs::path& url) {
   SqliteStore store(url, nullptr);
   return store.guarded([&] {
-    store.connection_ = StoreConnection::open(url, true);
+    store.connection_ = StoreConnection::open(store.file_, true);
     return readStoreMetadata(*store.connection_);
   });
 }
@@ -136,14 +144,17 @@ Expected<void> SqliteStore::copy(const fs::path& from, const fs::path& to,
     return tl::unexpected(storeError(StoreErrorCode::kCannotCreate, "there is a file already",
                                      {{"path", to.string()}}));
   }
+  SqliteStore old(from, model);
   // Errors of making it are about the new store, all others about the old one.
   std::unique_ptr<StoreDraft> made;
-  auto begun = SqliteStore(to, model).guarded(
-      [&] { made = std::make_unique<StoreDraft>(fs::absolute(to)); });
+  auto begun = SqliteStore(to, model).guarded([&] {
+    checkOwnSupportFolder(old.file_, to);
+    made = std::make_unique<StoreDraft>(to);
+  });
   if (!begun) return begun;
-  return SqliteStore(from, model).guarded([&] {
+  return old.guarded([&] {
     StoreDraft& draft = *made;
-    copyStore(from, draft);
+    copyStore(old.file_, draft);
     SqliteStore store(draft.file(), model);
     store.connection_ = StoreConnection::open(draft.file(), false);
     if (isEmptyStore(*store.connection_)) {
@@ -163,7 +174,7 @@ void SqliteStore::openFile(const StoreOptions& options) {
   if (!options.readOnly && fs::symlink_status(url_, error).type() == fs::file_type::not_found) {
     createFile(url_, *model_);
   }
-  connection_ = StoreConnection::open(url_, options.readOnly);
+  connection_ = StoreConnection::open(file_, options.readOnly);
   // A file without content, as a program that was stopped while it made one may leave.
   if (!connection_->isReadOnly() && isEmptyStore(*connection_)) {
     createStoreSchema(*connection_, *model_);
@@ -257,7 +268,7 @@ Expected<std::size_t> SqliteStore::count(const FetchRequest& request) {
 Expected<Value> SqliteStore::readBytes(const EntityDescription& entity, std::size_t slot,
                                        std::int64_t key) {
   return guarded(
-      [&] { return StoreReader(*connection_, *entities_).bytes(entity, slot, key, url_); });
+      [&] { return StoreReader(*connection_, *entities_).bytes(entity, slot, key, file_); });
 }
 
 Expected<const EntityDescription*> SqliteStore::entityForStoredName(std::string_view name) {
@@ -347,7 +358,7 @@ Expected<std::vector<std::int64_t>> SqliteStore::save(const ChangeSet& changes) 
     connection_->noteWritten();
     for (const auto& name : writer.releasedFiles()) {
       std::error_code ignored;
-      fs::remove(externalFile(url_, name), ignored);
+      fs::remove(externalFile(file_, name), ignored);
     }
     return written;
   });

@@ -44,8 +44,8 @@ class SqliteStore {
   static Expected<StoreMetadata> metadataAt(const std::filesystem::path& url);
   /// Makes a store at `to` with all that the one at `from` holds, its identity, pictures and
   /// unknown content included, migrated as opening it would. Either a whole store comes to be or
-  /// none, also when the program is killed; the old one is only read. Fails when there is a file at
-  /// `to`.
+  /// none, also when the program is killed; the old one is only read. Fails if `to` exists, or if
+  /// it would store its pictures in the folder of another store.
   static Expected<void> copy(const std::filesystem::path& from, const std::filesystem::path& to,
                              const StoreOptions& options,
                              const std::shared_ptr<const ManagedObjectModel>& model);
@@ -102,6 +102,8 @@ class SqliteStore {
   auto guarded(Function function) -> Expected<decltype(function())>;
 
   std::filesystem::path url_;
+  /// Where a symbolic link at `url_` leads: logs and pictures are beside the file itself.
+  std::filesystem::path file_;
   std::shared_ptr<const ManagedObjectModel> model_;
   StoreMetadata metadata_;
   bool isForeign_ = false;

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <utility>
 
+#include "base/FileDescriptor.h"
 #include "base/PercentEncoding.h"
 #include "objectstore/sqlite/StoreError.h"
 
@@ -39,6 +40,15 @@ bool isUsedByOthers(const fs::path& path) {
   std::error_code ignored;
   return isNonEmptyFile(beside(path, "-wal")) || fs::exists(beside(path, "-shm"), ignored) ||
          fs::exists(beside(path, "-journal"), ignored);
+}
+
+/// Whether the file's header is that of a database.
+bool hasDatabaseHeader(const fs::path& path) {
+  constexpr std::string_view kMagic{"SQLite format 3\0", 16};
+  std::array<char, kMagic.size()> header{};
+  const auto file = openRegularFile(path.c_str());
+  return file && ::read(file.number(), header.data(), header.size()) == ssize_t{kMagic.size()} &&
+         std::string_view(header.data(), header.size()) == kMagic;
 }
 
 /// Names the file as one that nobody changes, for which SQLite needs no files beside it.
@@ -74,6 +84,21 @@ void checkFile(const fs::path& path) {
   if (::access(path.c_str(), R_OK) != 0) {
     failStore(StoreErrorCode::kPermission, "the store may not be read");
   }
+  for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+    const fs::path companion = beside(path, suffix);
+    // SQLite would wait for a FIFO.
+    if (fs::exists(companion, error) && !fs::is_regular_file(companion, error)) {
+      failStore(StoreErrorCode::kNotAStore,
+                companion.filename().string() + " is not a regular file");
+    }
+  }
+}
+
+/// Whether a program was stopped while it wrote, and its journal cannot be removed once its changes
+/// are taken back. SQLite would take them back, and fail, each time.
+bool isJournalStuck(const fs::path& path) {
+  return isNonEmptyFile(beside(path, "-journal")) &&
+         ::access(fs::absolute(path).parent_path().c_str(), W_OK) != 0;
 }
 
 /// Stores with derived values have triggers that call these; what they would notify does not exist
@@ -122,10 +147,15 @@ void StoreConnection::probe() {
   database_->exec("SELECT 1 FROM sqlite_schema LIMIT 1");
 }
 
+bool StoreConnection::isDatabase(const fs::path& path) {
+  std::error_code error;
+  return fs::is_regular_file(path, error) && (isUsedByOthers(path) || hasDatabaseHeader(path));
+}
+
 std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, bool readOnly) {
   checkFile(path);
   std::unique_ptr<StoreConnection> connection(new StoreConnection);
-  connection->readOnly_ = readOnly || ::access(path.c_str(), W_OK) != 0;
+  connection->readOnly_ = readOnly || ::access(path.c_str(), W_OK) != 0 || isJournalStuck(path);
   // A file in use is not looked into first: closing it would let go of the locks that this process
   // holds by another connection, and the log could be taken away from under that.
   if (connection->readOnly_ && !isUsedByOthers(path) && isWriteAheadLogged(path)) {

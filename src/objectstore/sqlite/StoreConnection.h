@@ -44,6 +44,9 @@ class StoreConnection {
   /// Opens an existing file. A file that may not be written is opened read only. Throws
   /// StoreFailure with one clear reason.
   static std::unique_ptr<StoreConnection> open(const std::filesystem::path& path, bool readOnly);
+  /// Whether the file is a database. Does not open a file in use: that would release the locks that
+  /// this process holds on it.
+  static bool isDatabase(const std::filesystem::path& path);
   ~StoreConnection();
   StoreConnection(const StoreConnection&) = delete;
   StoreConnection& operator=(const StoreConnection&) = delete;

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -56,32 +55,37 @@ void checkNoLog(const fs::path& place) {
   }
 }
 
-fs::path draftFile(const fs::path& place, std::string_view identifier) {
-  return fs::path(place).concat(".").concat(identifier);
+/// A draft's directory is this and an identifier; its file and folder have names of their own.
+constexpr std::string_view kDirectoryPrefix = ".vantrel-draft.";
+constexpr const char* kFileName = "Draft.sqlite";
+/// Present in every draft's directory from the first file to the last, and locked by its process.
+constexpr const char* kMarkerName = "vantrel-store-draft.lock";
+
+fs::path fileOf(const fs::path& directory) {
+  return directory / kFileName;
 }
 
-fs::path draftFolder(const fs::path& place, std::string_view identifier) {
-  return supportFolder(place).concat(".").concat(identifier);
-}
-
-/// The file itself goes last: as long as it is there, the rest is found.
-void removeDraft(const fs::path& place, std::string_view identifier) {
-  std::error_code ignored;
-  fs::remove_all(draftFolder(place, identifier), ignored);
-  for (const char* suffix : {"-wal", "-shm", "-journal", ""}) {
-    fs::remove(draftFile(place, identifier) += suffix, ignored);
+/// Removes the files of a draft, by their names: another file in its directory stays. The marker
+/// goes last, so that a removal that was interrupted can be completed.
+void removeFiles(const fs::path& directory) {
+  std::error_code error;
+  fs::remove_all(supportFolder(fileOf(directory)), error);
+  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
+    if (!error) fs::remove(fileOf(directory) += suffix, error);
   }
+  if (!error) fs::remove(directory / kMarkerName, error);
 }
 
-std::string identifierOf(const fs::path& file) {
-  return file.extension().string().substr(1);
+bool isDirectoryName(std::string_view name) {
+  constexpr std::size_t kIdentifierLength = 36;
+  return name.size() == kDirectoryPrefix.size() + kIdentifierLength &&
+         name.starts_with(kDirectoryPrefix);
 }
 
-bool isIdentifier(std::string_view text) {
-  constexpr std::size_t kLength = 36;
-  return text.size() == kLength && std::all_of(text.begin(), text.end(), [](unsigned char c) {
-           return std::isxdigit(c) || c == '-';
-         });
+bool isOwnDirectory(const fs::path& path) {
+  struct stat status = {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+         status.st_uid == ::geteuid();
 }
 
 bool haveSameContent(const fs::path& a, const fs::path& b) {
@@ -95,55 +99,76 @@ bool haveSameContent(const fs::path& a, const fs::path& b) {
 
 }  // namespace
 
-StoreDraft::StoreDraft(fs::path place) : place_(std::move(place)) {
+StoreDraft::StoreDraft(const fs::path& place) : place_(fs::absolute(place)) {
   checkNoLog(place_);
   removeStaleDrafts();
-  while (lock_ < 0) create();
+  while (!lock_) create();
+  try {
+    clear();
+  } catch (const StoreFailure&) {
+    remove();
+    throw;
+  }
 }
 
 StoreDraft::~StoreDraft() {
   std::error_code ignored;
   for (auto path = placed_.rbegin(); path != placed_.rend(); ++path) fs::remove(*path, ignored);
-  removeDraft(place_, identifierOf(file_));
-  ::close(lock_);
+  remove();
+}
+
+fs::path StoreDraft::file() const {
+  return fileOf(directory_);
 }
 
 fs::path StoreDraft::folder() const {
-  return draftFolder(place_, identifierOf(file_));
+  return supportFolder(file());
 }
 
 void StoreDraft::create() {
-  file_ = draftFile(place_, uuidString());
-  const int file = ::open(file_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kPrivate);
-  if (file < 0) failCreation(errno);
-  // A file system that knows no locks has no lock to respect either.
-  ::flock(file, LOCK_EX);
-  struct stat status = {};
-  // Before it was locked another program may have taken it for one that was left behind.
-  if (::fstat(file, &status) == 0 && status.st_nlink > 0) {
-    lock_ = file;
-  } else {
-    ::close(file);
+  directory_ = place_.parent_path() / std::string(kDirectoryPrefix).append(uuidString());
+  if (::mkdir(directory_.c_str(), S_IRWXU) != 0) failCreation(errno);
+  FileDescriptor marker(
+      ::open((directory_ / kMarkerName).c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kPrivate));
+  if (!marker) {
+    // Another process may have removed the directory: it had no marker yet.
+    if (errno == ENOENT) return;
+    const int error = errno;
+    ::rmdir(directory_.c_str());
+    failCreation(error);
   }
+  // A file system that knows no locks has no lock to respect either.
+  ::flock(marker.number(), LOCK_EX);
+  struct stat status = {};
+  // Before it was locked, another process may have taken the draft for an abandoned one.
+  if (::fstat(marker.number(), &status) == 0 && status.st_nlink > 0) lock_ = std::move(marker);
+}
+
+void StoreDraft::clear() {
+  std::error_code ignored;
+  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) fs::remove(file() += suffix, ignored);
+  const FileDescriptor created(
+      ::open(file().c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kPrivate));
+  if (!created) failCreation(errno);
+}
+
+void StoreDraft::remove() {
+  removeFiles(directory_);
+  // Network file systems keep a removed file's name until it is closed.
+  lock_ = FileDescriptor();
+  ::rmdir(directory_.c_str());
 }
 
 void StoreDraft::removeStaleDrafts() const {
-  const std::string start = place_.filename().string() + ".";
   std::error_code error;
   for (const auto& entry : fs::directory_iterator(place_.parent_path(), error)) {
-    const std::string name = entry.path().filename().string();
-    if (!name.starts_with(start) || !isIdentifier(name.substr(start.size()))) continue;
-    // Whoever works on a draft holds its lock; a second name is that of a store in its place, whose
-    // locks (this process's too) closing it would let go of.
-    if (entry.hard_link_count(error) == 1 && !error) {
-      const int file = ::open(entry.path().c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC);
-      if (file < 0) continue;
-      const bool isStale = ::flock(file, LOCK_EX | LOCK_NB) == 0;
-      if (isStale) removeDraft(place_, name.substr(start.size()));
-      ::close(file);
-    } else if (!error) {
-      removeDraft(place_, name.substr(start.size()));
-    }
+    const fs::path& directory = entry.path();
+    if (!isDirectoryName(directory.filename().string()) || !isOwnDirectory(directory)) continue;
+    const FileDescriptor marker(
+        ::open((directory / kMarkerName).c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (marker && ::flock(marker.number(), LOCK_EX | LOCK_NB) == 0) removeFiles(directory);
+    // Only if it is empty: a draft in use has a marker.
+    ::rmdir(directory.c_str());
   }
 }
 
@@ -180,12 +205,12 @@ void StoreDraft::publishFolder() {
 }
 
 bool StoreDraft::publishFile() {
-  if (::link(file_.c_str(), place_.c_str()) == 0) return true;
+  if (::link(file().c_str(), place_.c_str()) == 0) return true;
   if (errno == EEXIST) return false;
   // Some file systems know no second name for a file.
   std::error_code error;
   if (fs::exists(fs::symlink_status(place_, error))) return false;
-  fs::rename(file_, place_, error);
+  fs::rename(file(), place_, error);
   if (error) failStore(StoreErrorCode::kCannotCreate, "the store cannot be made");
   return true;
 }
@@ -193,15 +218,18 @@ bool StoreDraft::publishFile() {
 bool StoreDraft::publish() {
   publishFolder();
   // The pictures, and all that the file lacks yet, before the file's name.
-  if (!placed_.empty() ? ::syncfs(lock_) != 0 : ::fsync(lock_) != 0) {
+  const FileDescriptor written(::open(file().c_str(), O_RDONLY | O_CLOEXEC));
+  const bool isSynchronised =
+      written && (placed_.empty() ? ::fsync(written.number()) : ::syncfs(written.number())) == 0;
+  if (!isSynchronised) {
     failStore(StoreErrorCode::kInputOutput, "the store cannot be written");
   }
   if (!publishFile()) return false;
   placed_.clear();
-  const int folder = ::open(place_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const FileDescriptor folder(
+      ::open(place_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // Some file systems synchronise no folders.
-  const bool isKept = folder >= 0 && (::fsync(folder) == 0 || errno == EINVAL);
-  ::close(folder);
+  const bool isKept = folder && (::fsync(folder.number()) == 0 || errno == EINVAL);
   if (!isKept) {
     failStore(StoreErrorCode::kInputOutput, "the store is made, but its folder cannot be written");
   }

@@ -3,23 +3,28 @@
 #include <filesystem>
 #include <vector>
 
+#include "base/FileDescriptor.h"
+
 namespace vantrel {
 
-/// A store that is being made: files beside their place, which are moved there when they are whole,
-/// so that nobody ever sees a part of one. What is not published is removed, and what a program
-/// that was stopped left of its drafts is removed when the next one for the same place is begun.
+/// A store that is being created: files in a directory of their own beside their place, which are
+/// moved there once they are complete, so that nobody ever sees a part of one. The destructor
+/// removes what is not published. What a killed process left is removed by the next draft in the
+/// same folder, which knows it by a marker that its process no longer locks.
 class StoreDraft {
  public:
-  /// Makes an empty file, readable for the user alone. Throws StoreFailure when that cannot be, or
-  /// when the log of a store that is missing stands in the way.
-  explicit StoreDraft(std::filesystem::path place);
+  /// Creates an empty file, readable for the user alone. Throws StoreFailure if it cannot, or if
+  /// the log of a missing store is in the way.
+  explicit StoreDraft(const std::filesystem::path& place);
   ~StoreDraft();
   StoreDraft(const StoreDraft&) = delete;
   StoreDraft& operator=(const StoreDraft&) = delete;
 
-  const std::filesystem::path& file() const { return file_; }
-  /// Where a folder may be made that becomes the store's support folder.
+  std::filesystem::path file() const;
+  /// The support folder of `file`, which becomes that of the store. Does not exist at first.
   std::filesystem::path folder() const;
+  /// Replaces `file` by an empty one. No connection may be open to it. Throws StoreFailure.
+  void clear();
   /// Moves all to its place, the file last. No connection may be open to it, and its content must
   /// stand in the file alone. False, with nothing changed, when a file has come there meanwhile;
   /// throws StoreFailure when it cannot be moved.
@@ -27,13 +32,14 @@ class StoreDraft {
 
  private:
   void create();
+  void remove();
   void removeStaleDrafts() const;
   void publishFolder();
   bool publishFile();
 
   std::filesystem::path place_;
-  std::filesystem::path file_;
-  int lock_ = -1;  ///< Open, and locked, as long as the draft is in use.
+  std::filesystem::path directory_;
+  FileDescriptor lock_;  ///< The marker, locked while the draft is in use.
   /// What stands in its place already, to be taken away again unless all does.
   std::vector<std::filesystem::path> placed_;
 };

@@ -19,7 +19,18 @@ using test::OpenStore;
 using test::readOnlyOptions;
 using test::sqlite;
 
-class StoreConnectionTest : public test::StoreTest {};
+class StoreConnectionTest : public test::StoreTest {
+ protected:
+  /// Forty plans as a program leaves them that is stopped while it writes, with a rollback journal.
+  void copyHalfWritten(const fs::path& copy) {
+    sqlite(file_, "PRAGMA journal_mode = DELETE");
+    // A cache of one page has the rest written before the end.
+    const test::OtherWriter other(
+        file_, "PRAGMA cache_size = 1; BEGIN; UPDATE ZPLANNING SET ZNAME = 'half'");
+    fs::copy_file(file_, copy);
+    fs::copy_file(file_.string() + "-journal", copy.string() + "-journal");
+  }
+};
 
 TEST_F(StoreConnectionTest, LeavesTheJournalModeAndTheLogOfOthers) {
   saveFortyPlans();
@@ -69,15 +80,8 @@ TEST_F(StoreConnectionTest, LosesNothingWhenTheProcessReadsTheFileBesides) {
 
 TEST_F(StoreConnectionTest, ReadsNothingHalfWritten) {
   saveFortyPlans();
-  sqlite(file_, "PRAGMA journal_mode = DELETE");
   const auto copy = directory_ / "Copy.sqlite";
-  {
-    // A cache of one page has the rest written before the end.
-    const test::OtherWriter other(
-        file_, "PRAGMA cache_size = 1; BEGIN; UPDATE ZPLANNING SET ZNAME = 'half'");
-    fs::copy_file(file_, copy);
-    fs::copy_file(file_.string() + "-journal", copy.string() + "-journal");
-  }
+  copyHalfWritten(copy);
   EXPECT_EQ(openingError(copy, readOnlyOptions()), StoreErrorCode::kPermission);
   EXPECT_FALSE(OpenStore(copy).planNamed("half")) << "who may write takes it back";
   EXPECT_EQ(sqlite(copy, "PRAGMA integrity_check; SELECT count(*) FROM ZPLANNING"), "ok\n40");
@@ -119,18 +123,22 @@ TEST_F(StoreConnectionTest, ReadsAndWritesOnlyWhatItMay) {
   const auto model = test::mainModel();
   const auto folder = directory_ / "folder";
   const auto file = folder / "Vantrel.sqlite";
+  const std::string kLog = "-wal";
+  const std::string kJournal = "-journal";
   struct Case {
     const char* name;
     unsigned folder;
     std::optional<unsigned> file;
     const char* expected;
-    bool hasLog = false;
+    std::string left = {};
   };
   const std::vector<Case> cases = {
       {"everything", 0777, 0777, "40 plans, saved"},
       {"a file only to be read", 0777, 0444, "40 plans, permission"},
       {"a folder only to be read", 0555, 0444, "40 plans, permission"},
-      {"a folder only to be read, with a log", 0555, 0444, "permission", true},
+      {"a folder only to be read, with a log", 0555, 0444, "permission", kLog},
+      {"a folder only to be read, with a journal", 0555, 0444, "permission", kJournal},
+      {"the same, and the file to be written", 0555, 0666, "permission", kJournal},
       {"a file not to be read", 0777, 0, "permission"},
       {"a folder not to be entered", 0, 0444, "permission"},
       {"no file, a folder only to be read", 0555, {}, "permission"},
@@ -142,17 +150,59 @@ TEST_F(StoreConnectionTest, ReadsAndWritesOnlyWhatItMay) {
     fs::create_directory(folder);
     if (row.file) {
       saveFortyPlans();
-      fs::rename(file_, file);
+      if (row.left == kJournal) {
+        copyHalfWritten(file);
+        fs::remove(file_);
+      } else {
+        fs::rename(file_, file);
+      }
       fs::permissions(file, fs::perms(*row.file));
     }
-    if (row.hasLog) test::writeFile(file.string() + "-wal", std::string(4096, 'x'));
+    if (row.left == kLog) test::writeFile(file.string() + kLog, std::string(4096, 'x'));
     fs::permissions(folder, fs::perms(row.folder));
     EXPECT_EQ(withoutPrivileges(directory_ / "result", [&] { return useStore(file, model); }),
               row.expected);
     fs::permissions(folder, fs::perms(0777));
-    EXPECT_EQ(fs::exists(file.string() + "-wal"), row.hasLog);
+    for (const auto& suffix : {kLog, kJournal}) {
+      EXPECT_EQ(fs::exists(file.string() + suffix), row.left == suffix);
+    }
     EXPECT_FALSE(fs::exists(file.string() + "-shm"));
     fs::remove_all(folder);
+  }
+}
+
+TEST_F(StoreConnectionTest, CopiesWhatItMayOnlyRead) {
+  const auto model = test::mainModel();
+  const auto old = directory_ / "old";
+  const auto target = directory_ / "target";
+  const auto pictures = old / ".Vantrel_SUPPORT/_EXTERNAL_DATA";
+  fs::create_directories(pictures);
+  fs::create_directory(target);
+  test::writeFile(pictures / "A", "picture");
+  saveFortyPlans();
+  fs::rename(file_, old / "Vantrel.sqlite");
+  for (const auto& path : {directory_.path(), target}) fs::permissions(path, fs::perms(0777));
+  for (const auto& path : {pictures / "A", old / "Vantrel.sqlite"}) {
+    fs::permissions(path, fs::perms(0444));
+  }
+  for (const auto& path : {pictures, pictures.parent_path(), old}) {
+    fs::permissions(path, fs::perms(0555));
+  }
+  const auto copy = [&] {
+    const auto done =
+        SqliteStore::copy(old / "Vantrel.sqlite", target / "New.sqlite", mainOptions(), model);
+    return done ? std::string("copied") : done.error().localizedDescription;
+  };
+  EXPECT_EQ(withoutPrivileges(directory_ / "result", copy), "copied");
+  EXPECT_EQ(test::readFile(target / ".New_SUPPORT/_EXTERNAL_DATA/A"), "picture");
+  // Without the right to read a picture, it leaves nothing.
+  fs::permissions(pictures / "A", fs::perms::none);
+  fs::remove_all(target / ".New_SUPPORT");
+  fs::remove(target / "New.sqlite");
+  EXPECT_EQ(withoutPrivileges(directory_ / "result", copy), "the store's files may not be used");
+  EXPECT_TRUE(fs::is_empty(target));
+  for (const auto& path : {old, pictures.parent_path(), pictures}) {
+    fs::permissions(path, fs::perms(0777));
   }
 }
 

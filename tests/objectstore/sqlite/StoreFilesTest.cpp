@@ -15,26 +15,55 @@ namespace fs = std::filesystem;
 using test::OpenStore;
 using test::sqlite;
 
-TEST(StoreFiles, MakingAStoreClearsAwayWhatAStoppedProgramLeft) {
+TEST(StoreFiles, MakingAStoreRemovesAbandonedDraftsOnly) {
   const test::TemporaryDirectory directory;
-  const auto file = directory / "Vantrel.sqlite";
-  const std::string stale = "Vantrel.sqlite.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31";
-  const std::string working = "Vantrel.sqlite.0B1F6C1E-5D0E-4C57-9C38-6A2D9B1E7F10";
-  for (const char* suffix : {"", "-wal", "-shm"})
-    test::writeFile(directory / (stale + suffix), "x");
-  fs::create_directories(directory / ".Vantrel_SUPPORT.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31/a");
-  test::writeFile(directory / "Vantrel.sqlite.backup", "mine");
-  test::writeFile(directory / working, "");
-  // Another program's draft: it holds the lock.
-  const int other = ::open((directory / working).c_str(), O_RDWR | O_CLOEXEC);
+  const std::string draft = ".vantrel-draft.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B3";
+  const char* const marker = "vantrel-store-draft.lock";
+  const auto add = [&](const std::string& path) {
+    fs::create_directories((directory / path).parent_path());
+    test::writeFile(directory / path, "x");
+  };
+  const auto addDraft = [&](const std::string& path) {
+    for (const char* name : {"Draft.sqlite", "Draft.sqlite-wal", ".Draft_SUPPORT/a/b"}) {
+      add(path + "/" + name);
+    }
+  };
+  // Killed while it worked, and before it had a marker.
+  add(draft + "0/" + marker);
+  addDraft(draft + "0");
+  fs::create_directories(directory / (draft + "1"));
+  // Locked by another process; without a marker; with another file; a link to a draft.
+  add(draft + "2/" + marker);
+  addDraft(draft + "2");
+  addDraft(draft + "3");
+  add(draft + "4/" + marker);
+  add(draft + "4/mine");
+  add("elsewhere/" + std::string(marker));
+  fs::create_directory_symlink("elsewhere", directory / (draft + "5"));
+  // Old stores of whatever name.
+  add("Vantrel.sqlite.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31");
+  add("Vantrel.sqlite.------------------------------------");
+  add(".Vantrel_SUPPORT.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31/a");
+  const auto working = directory / (draft + "2") / marker;
+  const int other = ::open(working.c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_EQ(::flock(other, LOCK_EX), 0);
-  ASSERT_TRUE(OpenStore(file).store);
-  std::set<std::string> names;
-  for (const auto& entry : fs::directory_iterator(directory.path())) {
-    names.insert(entry.path().filename().string());
-  }
-  EXPECT_THAT(names, testing::ElementsAre("Vantrel.sqlite", working, "Vantrel.sqlite.backup"));
+  ASSERT_TRUE(OpenStore(directory / "Vantrel.sqlite").store);
   ::close(other);
+  std::set<std::string> files;
+  for (const auto& entry : fs::recursive_directory_iterator(directory.path())) {
+    if (!entry.is_directory() || fs::is_empty(entry) || entry.is_symlink()) {
+      files.insert(entry.path().lexically_relative(directory.path()).string());
+    }
+  }
+  EXPECT_THAT(files, testing::UnorderedElementsAre(
+                         "Vantrel.sqlite", draft + "2/" + marker, draft + "2/Draft.sqlite",
+                         draft + "2/Draft.sqlite-wal", draft + "2/.Draft_SUPPORT/a/b",
+                         draft + "3/Draft.sqlite", draft + "3/Draft.sqlite-wal",
+                         draft + "3/.Draft_SUPPORT/a/b", draft + "4/mine", draft + "5",
+                         "elsewhere/" + std::string(marker),
+                         "Vantrel.sqlite.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31",
+                         "Vantrel.sqlite.------------------------------------",
+                         ".Vantrel_SUPPORT.7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31/a"));
 }
 
 TEST(StoreFiles, APicturesFileGoesWithTheLastRowThatNamesIt) {
