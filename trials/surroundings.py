@@ -11,13 +11,14 @@ import os
 import pathlib
 import re
 import shutil
+import sqlite3
 import subprocess
 import sys
 import tempfile
 import time
 
 import faults
-from operations import OPERATIONS, nothing, older, plans
+from operations import OPERATIONS, PICTURE, PLAN, nothing, older, plans
 from world import World
 
 NOBODY = ("setpriv", "--reuid", "65534", "--regid", "65534", "--clear-groups")
@@ -134,6 +135,33 @@ def a_store_replaced_under_a_reader(world):
             require(set(re.findall('"name": "(.*)"', place.say(*words))) == names[1], "not replaced")
 
 
+def a_plan_removed_while_its_store_is_copied(world):
+    """The copy has the plan and its picture, or neither."""
+    plans(world)
+    words = ["store", "copy", "{root}/group/Vantrel.sqlite", "{root}/Copy.sqlite"]
+    for done, place in while_it_runs(world, words, lambda place: place.say("plan", "remove", PLAN)):
+        require(done.returncode == 0, "exit", done.returncode, done.stderr)
+        connection = sqlite3.connect(place.root / "Copy.sqlite")
+        named = {held[1:37].decode() for (held,) in connection.execute("SELECT ZDATA FROM ZIMAGE")}
+        connection.close()
+        found = {path.name for path in place.root.glob(".Copy_SUPPORT/_EXTERNAL_DATA/*")}
+        require(named == found, "named", named, "but found", found)
+
+
+def copies_to_one_place_at_once(world):
+    plans(world)
+    words = ["store", "copy", "{root}/group/Vantrel.sqlite", "{root}/copies/Copy.sqlite"]
+    for _ in range(20):
+        with concurrent.futures.ThreadPoolExecutor(4) as pool:
+            ends = sorted(done.returncode for done in pool.map(lambda _: world.run(*words), range(4)))
+        require(ends == [0, 73, 73, 73], "exit", ends)
+        copies = world.root / "copies"
+        found = {str(path.relative_to(copies)) for path in copies.rglob("*") if path.is_file()}
+        require(found == {"Copy.sqlite", f".Copy_SUPPORT/_EXTERNAL_DATA/{PICTURE}"}, "found", found)
+        shutil.rmtree(copies)
+        copies.mkdir()
+
+
 def clocks_far_away(world):
     for now in ("0001-01-01T00:00:00Z", "1582-10-10T00:00:00Z", "1901-12-13T20:45:51Z",
                 "2038-01-19T03:14:08Z", "9999-12-31T23:59:59Z"):
@@ -203,8 +231,16 @@ def other_owners(world):
     for words in closed:
         require_failure(world.run(*words, before=NOBODY), (73, 74, 77), ["closed", *words])
     for path in [world.group, *world.group.rglob("*")]:
-        os.chmod(path, 0o755 if path.is_dir() else 0o644)
+        os.chmod(path, 0o555 if path.is_dir() else 0o444)
     require(world.run("plan", "list", before=NOBODY).returncode == 0, "may be read, and is not")
+    shared = world.root / "shared"
+    shared.mkdir()
+    os.chmod(shared, 0o777)
+    require(world.run("store", "copy", str(world.store), str(shared / "Copy.sqlite"), before=NOBODY).returncode == 0,
+            "may be read, and is not copied")
+    pictures = {path.name for path in shared.glob(".Copy_SUPPORT/_EXTERNAL_DATA/*")}
+    require(pictures == {PICTURE}, "copied without the picture")
+    shutil.rmtree(shared)
     for words in closed[1:]:
         require_failure(world.run(*words, before=NOBODY), (73, 74, 77), ["readable", *words])
     require(world.state() == before, "another user changed something")
@@ -252,7 +288,8 @@ def main():
         os.execvp("unshare", ["unshare", "--mount", *who, sys.executable, __file__, program, "inside"])
     failed = 0
     for scenario in (a_full_disk, a_read_only_disk, a_folder_that_vanishes,
-                     a_store_replaced_under_a_reader, clocks_far_away, other_versions,
+                     a_store_replaced_under_a_reader, a_plan_removed_while_its_store_is_copied,
+                     copies_to_one_place_at_once, clocks_far_away, other_versions,
                      links_in_place_of_files, other_owners, hostile_names):
         with tempfile.TemporaryDirectory() as folder:
             os.chmod(folder, 0o755)

@@ -104,10 +104,11 @@ std::set<std::string> picturesNamed(StoreConnection& store) {
       " AND upper(c.type) = 'BLOB'");
   while (columns.executeStep()) {
     const std::string column = sqlName(columns.getColumn(1).getString());
-    SQLite::Statement values(store.database(), "SELECT " + column + " FROM " +
-                                                   sqlName(columns.getColumn(0).getString()) +
-                                                   " WHERE typeof(" + column + ") = 'blob'" +
-                                                   " AND length(" + column + ") = ?");
+    std::string sql = "SELECT " + column;
+    sql.append(" FROM ").append(sqlName(columns.getColumn(0).getString()));
+    sql.append(" WHERE typeof(").append(column).append(") = 'blob'");
+    sql.append(" AND length(").append(column).append(") = ?");
+    SQLite::Statement values(store.database(), sql);
     values.bind(1, static_cast<std::int64_t>(kExternalReferenceSize));
     while (values.executeStep()) {
       const auto name = externalFileName(values.getColumn(0).getString());

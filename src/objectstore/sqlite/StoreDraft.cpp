@@ -68,12 +68,13 @@ fs::path fileOf(const fs::path& directory) {
 /// Removes the files of a draft, by their names: another file in its directory stays. The marker
 /// goes last, so that a removal that was interrupted can be completed.
 void removeFiles(const fs::path& directory) {
-  std::error_code error;
-  fs::remove_all(supportFolder(fileOf(directory)), error);
+  std::error_code ignored;
+  const fs::path folder = supportFolder(fileOf(directory));
+  fs::remove_all(folder, ignored);
   for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-    if (!error) fs::remove(fileOf(directory) += suffix, error);
+    fs::remove(fileOf(directory) += suffix, ignored);
   }
-  if (!error) fs::remove(directory / kMarkerName, error);
+  if (!fs::exists(folder, ignored)) fs::remove(directory / kMarkerName, ignored);
 }
 
 bool isDirectoryName(std::string_view name) {
@@ -113,6 +114,7 @@ StoreDraft::StoreDraft(const fs::path& place) : place_(fs::absolute(place)) {
 
 StoreDraft::~StoreDraft() {
   std::error_code ignored;
+  if (isFolderPlaced_) fs::rename(supportFolder(place_), folder(), ignored);
   for (auto path = placed_.rbegin(); path != placed_.rend(); ++path) fs::remove(*path, ignored);
   remove();
 }
@@ -176,6 +178,9 @@ void StoreDraft::publishFolder() {
   std::error_code error;
   if (!fs::exists(folder(), error)) return;
   const fs::path target = supportFolder(place_);
+  fs::rename(folder(), target, error);
+  isFolderPlaced_ = !error;
+  if (isFolderPlaced_) return;
   const auto makeFolder = [&](const fs::path& path) {
     if (fs::create_directory(path, error)) placed_.push_back(path);
     if (error) failStore(StoreErrorCode::kCannotCreate, "the store's pictures cannot be placed");
@@ -219,13 +224,17 @@ bool StoreDraft::publish() {
   publishFolder();
   // The pictures, and all that the file lacks yet, before the file's name.
   const FileDescriptor written(::open(file().c_str(), O_RDONLY | O_CLOEXEC));
+  const bool hasPictures = isFolderPlaced_ || !placed_.empty();
   const bool isSynchronised =
-      written && (placed_.empty() ? ::fsync(written.number()) : ::syncfs(written.number())) == 0;
+      written && (hasPictures ? ::syncfs(written.number()) : ::fsync(written.number())) == 0;
   if (!isSynchronised) {
     failStore(StoreErrorCode::kInputOutput, "the store cannot be written");
   }
-  if (!publishFile()) return false;
+  const bool isPublished = publishFile();
+  // Another process that created the store may have found the same pictures there, and use them.
+  isFolderPlaced_ = false;
   placed_.clear();
+  if (!isPublished) return false;
   const FileDescriptor folder(
       ::open(place_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // Some file systems synchronise no folders.

@@ -25,9 +25,9 @@ class StoreDraft {
   std::filesystem::path folder() const;
   /// Replaces `file` by an empty one. No connection may be open to it. Throws StoreFailure.
   void clear();
-  /// Moves all to its place, the file last. No connection may be open to it, and its content must
-  /// stand in the file alone. False, with nothing changed, when a file has come there meanwhile;
-  /// throws StoreFailure when it cannot be moved.
+  /// Moves the pictures to their place, then the file. No connection may be open to it, and its
+  /// content must be in the file alone. False if another process has created the store by then; the
+  /// pictures stay, since the other one may use them. Throws StoreFailure if moving fails.
   bool publish();
 
  private:
@@ -42,6 +42,7 @@ class StoreDraft {
   FileDescriptor lock_;  ///< The marker, locked while the draft is in use.
   /// What stands in its place already, to be taken away again unless all does.
   std::vector<std::filesystem::path> placed_;
+  bool isFolderPlaced_ = false;  ///< The same for the complete support folder.
 };
 
 }  // namespace vantrel
