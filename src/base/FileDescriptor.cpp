@@ -21,7 +21,7 @@ FileDescriptor::~FileDescriptor() {
 }
 
 FileDescriptor openRegularFile(const char* path) {
-  FileDescriptor file(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  FileDescriptor file(::open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat status = {};
   if (file && ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode)) return file;
   // A socket cannot even be opened.

@@ -143,6 +143,11 @@ void StoreConnection::connect(const std::string& name, int flags) {
   if (!readOnly_) registerTriggerFunctions(handle);
 }
 
+void StoreConnection::connectImmutable(const fs::path& path) {
+  connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
+  immutable_ = true;
+}
+
 void StoreConnection::probe() {
   database_->exec("SELECT 1 FROM sqlite_schema LIMIT 1");
 }
@@ -160,7 +165,7 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
   // holds by another connection, and the log could be taken away from under that.
   if (connection->readOnly_ && !isUsedByOthers(path) && isWriteAheadLogged(path)) {
     // Otherwise reading would leave files beside it, which whoever may write could not use.
-    connection->connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
+    connection->connectImmutable(path);
     connection->probe();
     return connection;
   }
@@ -179,7 +184,7 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
                 "the store has unsaved parts beside it, which may not be written into it");
     }
     connection->readOnly_ = true;
-    connection->connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
+    connection->connectImmutable(path);
     connection->probe();
   }
   if (hasLog) {

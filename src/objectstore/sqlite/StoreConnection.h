@@ -53,6 +53,8 @@ class StoreConnection {
 
   SQLite::Database& database() { return *database_; }
   bool isReadOnly() const { return readOnly_; }
+  /// Whether it neither locks the file nor notices that another process changes it.
+  bool isImmutable() const { return immutable_; }
   void setPragmas(const std::map<std::string, std::string>& pragmas);
 
   /// A statement that is prepared once and kept, without values and not running. One use at a time.
@@ -70,6 +72,7 @@ class StoreConnection {
  private:
   StoreConnection();
   void connect(const std::string& name, int flags);
+  void connectImmutable(const std::filesystem::path& path);
   void probe();
 
   struct Finalizer {
@@ -80,6 +83,7 @@ class StoreConnection {
   std::unordered_map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>> readers_;
   std::map<std::string, std::vector<std::string>> columns_;
   bool readOnly_ = false;
+  bool immutable_ = false;
 };
 
 }  // namespace vantrel

@@ -52,8 +52,9 @@ auto stateOf(const fs::path& store) {
 
 /// A connection that leaves nothing beside the file; null where there can be none: a log without an
 /// index would get one, and what a stopped program left half-way would be taken back in the file.
-std::unique_ptr<StoreConnection> openWithoutTrace(const fs::path& file, bool isInUse) {
+std::unique_ptr<StoreConnection> openWithoutTrace(const fs::path& file) {
   std::error_code error;
+  const bool isInUse = fs::exists(fs::path(file) += "-shm", error);
   const bool hasLog = sizeOf(fs::path(file) += "-wal") > 0;
   if (hasLog && !isInUse && fs::is_regular_file(file, error)) return nullptr;
   try {
@@ -125,9 +126,8 @@ bool copyOnce(const fs::path& file, StoreDraft& draft, PictureCopy& pictures) {
   // since some may be added.
   pictures.update();
   draft.clear();
-  const bool isInUse = fs::exists(fs::path(file) += "-shm", error);
   const auto before = stateOf(file);
-  const auto source = openWithoutTrace(file, isInUse);
+  const auto source = openWithoutTrace(file);
   if (source) {
     backUp(*source, draft.file());
   } else {
@@ -135,7 +135,7 @@ bool copyOnce(const fs::path& file, StoreDraft& draft, PictureCopy& pictures) {
   }
   pictures.update();
   const auto named = picturesNamed(*StoreConnection::open(draft.file(), false));
-  const bool isLive = source && isInUse;
+  const bool isLive = source && !source->isImmutable();
   // Without locks nothing keeps another program from writing, but it shows.
   if (!isLive && stateOf(file) != before) return false;
   std::set<std::string> missing;
