@@ -21,7 +21,6 @@ constexpr mode_t kPermissions = 07777;
 OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)) {}
 
 OutputFile::~OutputFile() {
-  if (file_ >= 0) ::close(file_);
   if (!beside_.empty()) ::unlink(beside_.c_str());
 }
 
@@ -38,21 +37,22 @@ Expected<void> OutputFile::open() {
   const bool exists = ::stat(target_.c_str(), &status) == 0;
   if (exists && S_ISDIR(status.st_mode)) return failed(EISDIR);
   if (exists && !S_ISREG(status.st_mode)) {
-    file_ = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC);
-    if (file_ < 0) return failed(errno);
+    file_ = FileDescriptor(::open(target_.c_str(), O_WRONLY | O_CLOEXEC));
+    if (!file_) return failed(errno);
     return {};
   }
   const std::string beside = target_.string() + ".part" + std::to_string(::getpid());
   // One without a name is gone when the program is stopped. Not every file system has such.
-  file_ = ::open(target_.parent_path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kNewFileMode);
-  isNameless_ = file_ >= 0;
+  file_ = FileDescriptor(
+      ::open(target_.parent_path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kNewFileMode));
+  isNameless_ = static_cast<bool>(file_);
   if (!isNameless_) {
-    file_ =
-        ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
+    file_ = FileDescriptor(
+        ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
   }
-  if (file_ < 0) return failed(errno);
+  if (!file_) return failed(errno);
   beside_ = beside;
-  if (exists && ::fchmod(file_, status.st_mode & kPermissions) != 0) return failed(errno);
+  if (exists && ::fchmod(file_.number(), status.st_mode & kPermissions) != 0) return failed(errno);
   return {};
 }
 
@@ -64,7 +64,7 @@ void OutputFile::write(std::string_view text) {
 void OutputFile::flush() {
   std::string_view rest = pending_;
   while (!rest.empty() && error_ == 0) {
-    const ssize_t written = ::write(file_, rest.data(), rest.size());
+    const ssize_t written = ::write(file_.number(), rest.data(), rest.size());
     if (written > 0) rest.remove_prefix(static_cast<std::size_t>(written));
     if (written < 0 && errno != EINTR) error_ = errno;
   }
@@ -75,8 +75,8 @@ Expected<void> OutputFile::finish(bool lasting) {
   flush();
   if (error_ != 0) return failed(error_);
   if (beside_.empty()) return {};
-  if (lasting && ::fsync(file_) != 0) return failed(errno);
-  const std::string nameless = "/proc/self/fd/" + std::to_string(file_);
+  if (lasting && ::fsync(file_.number()) != 0) return failed(errno);
+  const std::string nameless = "/proc/self/fd/" + std::to_string(file_.number());
   if (isNameless_ &&
       ::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, beside_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
     return failed(errno);

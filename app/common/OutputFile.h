@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/Error.h"
+#include "base/FileDescriptor.h"
 
 namespace vantrel {
 
@@ -35,7 +36,7 @@ class OutputFile {
   std::filesystem::path beside_;  ///< Empty when `path_` itself is written to.
   bool isNameless_ = false;       ///< Then `beside_` is there only at the end.
   std::string pending_;
-  int file_ = -1;
+  FileDescriptor file_;
   int error_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/FileDescriptor.h"
 #include "cli/exchange/ExchangeOptions.h"
 #include "cli/exchange/PlanDraft.h"
 #include "common/ExitCode.h"
@@ -36,10 +37,10 @@ int readAll(int file, std::string& text) {
 Expected<std::string> inputText(const std::string& name) {
   const bool isStandardInput = name == ExchangeOptions::kStandardStream;
   const std::string what = isStandardInput ? "standard input" : name;
-  const int file = isStandardInput ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+  const FileDescriptor opened(isStandardInput ? -1 : ::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  const int file = isStandardInput ? STDIN_FILENO : opened.number();
   std::string text;
   const int error = file < 0 ? errno : readAll(file, text);
-  if (file >= 0 && !isStandardInput) ::close(file);
   const auto refused = [&](ExitCode code, const std::string& why) {
     return tl::make_unexpected(failure(code, what, why));
   };

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/FileDescriptor.h"
 #include "cli/JsonText.h"
 #include "cli/geo/CurveText.h"
 #include "cli/geo/PinPair.h"
@@ -130,8 +131,8 @@ class Batch {
 
 int answerCurves(const std::string& file, bool isLonLat, Console& console) {
   const bool isStandardInput = file == "-";
-  const int descriptor =
-      isStandardInput ? STDIN_FILENO : ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  const FileDescriptor opened(isStandardInput ? -1 : ::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  const int descriptor = isStandardInput ? STDIN_FILENO : opened.number();
   const auto fail = [&](int error) {
     return console.fail(failure(exitCodeForReading(error),
                                 isStandardInput ? "standard input" : file, std::strerror(error)));
@@ -144,7 +145,6 @@ int answerCurves(const std::string& file, bool isLonLat, Console& console) {
   const int error = forEachLine(
       descriptor, [&](std::string_view line) { batch.answer(line); },
       [&] { return batch.flush(); });
-  if (!isStandardInput) ::close(descriptor);
   const int exitCode = batch.finish();
   return error == 0 ? exitCode : fail(error);
 }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/FileDescriptor.h"
 #include "common/ExitCode.h"
 
 namespace vantrel::cli {
@@ -43,7 +44,8 @@ Expected<ChildResult> outputOfProgram(const std::filesystem::path& program,
   };
   std::array<int, 2> pipe{};
   if (::pipe2(pipe.data(), O_CLOEXEC) != 0) return cannotStart(errno);
-  const auto [readEnd, writeEnd] = pipe;
+  const FileDescriptor readEnd(pipe[0]);
+  FileDescriptor writeEnd(pipe[1]);
 
   std::vector<std::string> words = {program.filename().string()};
   words.insert(words.end(), arguments.begin(), arguments.end());
@@ -54,18 +56,18 @@ Expected<ChildResult> outputOfProgram(const std::filesystem::path& program,
 
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_adddup2(&actions, writeEnd, STDOUT_FILENO);
+  ::posix_spawn_file_actions_adddup2(&actions, writeEnd.number(), STDOUT_FILENO);
   pid_t child = 0;
   const int failed =
       ::posix_spawn(&child, program.c_str(), &actions, nullptr, argv.data(), environ);
   ::posix_spawn_file_actions_destroy(&actions);
-  ::close(writeEnd);
+  // The child's end alone is left: reading ends with the child.
+  writeEnd = FileDescriptor();
   ChildResult result;
   if (failed == 0) {
-    result.output = readToEnd(readEnd);
+    result.output = readToEnd(readEnd.number());
     result.exitCode = exitCodeOf(child);
   }
-  ::close(readEnd);
   if (failed != 0) return cannotStart(failed);
   return result;
 }

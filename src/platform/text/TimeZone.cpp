@@ -1,6 +1,5 @@
 #include "platform/text/TimeZone.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "base/Clock.h"
+#include "base/FileDescriptor.h"
 #include "platform/text/ZoneRules.h"
 
 namespace vantrel {
@@ -72,17 +72,12 @@ fs::path databaseFolder() {
 /// would.
 std::string contentOf(const fs::path& path) {
   constexpr off_t kMostBytes = off_t{1} << 20;
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-  if (file < 0) return {};
-  std::string content;
+  const FileDescriptor file = openRegularFile(path.c_str());
   struct stat status {};
-  if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= kMostBytes) {
-    content.resize(static_cast<std::size_t>(status.st_size));
-    const auto count = ::read(file, content.data(), content.size());
-    if (count != status.st_size) content.clear();
-  }
-  ::close(file);
-  return content;
+  if (!file || ::fstat(file.number(), &status) != 0 || status.st_size > kMostBytes) return {};
+  std::string content(static_cast<std::size_t>(status.st_size), '\0');
+  const auto count = ::read(file.number(), content.data(), content.size());
+  return count == status.st_size ? content : std::string();
 }
 
 /// "GMT+0545"
