@@ -42,17 +42,19 @@ std::optional<std::uint64_t> uidOf(const PropertyList& reference) {
 }  // namespace
 
 struct KeyedUnarchiver::Archive {
-  std::vector<PropertyList> objects;
+  explicit Archive(PropertyList content) : list(std::move(content)) {}
+
+  PropertyList list;
+  const PropertyList::Array& objects = list["$objects"].items();
   std::uint64_t root = 0;
   std::optional<Error> error;
 };
 
 Expected<KeyedUnarchiver> KeyedUnarchiver::unarchiverWithData(std::span<const std::byte> data) {
-  const auto list = PropertyList::propertyListWithData(data);
+  auto list = PropertyList::propertyListWithData(data);
   if (!list) return tl::unexpected(list.error());
-  auto archive = std::make_shared<Archive>();
-  archive->objects = (*list)["$objects"].items();
-  const auto root = uidOf((*list)["$top"]["root"]);
+  auto archive = std::make_shared<Archive>(std::move(*list));
+  const auto root = uidOf(archive->list["$top"]["root"]);
   if (!root) return tl::unexpected(unreadable("it has no root object."));
   if (*root >= archive->objects.size()) {
     return tl::unexpected(unreadable("its root object is missing."));
@@ -89,7 +91,7 @@ KeyedUnarchiver::Node KeyedUnarchiver::Node::nodeForReference(const PropertyList
 }
 
 std::vector<KeyedUnarchiver::Node> KeyedUnarchiver::Node::nodesForKey(std::string_view key) const {
-  const auto references = value()[key];
+  const auto& references = value()[key];
   std::vector<Node> nodes;
   nodes.reserve(references.count());
   for (const auto& reference : references.items()) {
@@ -109,7 +111,7 @@ bool KeyedUnarchiver::Node::containsValueForKey(std::string_view key) const {
 }
 
 std::optional<double> KeyedUnarchiver::Node::numberForKey(std::string_view key) const {
-  const auto found = value()[key];
+  const auto& found = value()[key];
   if (const auto real = found.asReal()) return real;
   if (const auto flag = found.asBoolean()) return *flag ? 1 : 0;
   if (const auto integer = found.asInteger()) return static_cast<double>(*integer);
@@ -131,7 +133,7 @@ float KeyedUnarchiver::Node::decodeFloatForKey(std::string_view key) const {
 
 std::int32_t KeyedUnarchiver::Node::decodeInt32ForKey(std::string_view key) const {
   using Limits = std::numeric_limits<std::int32_t>;
-  const auto found = value()[key];
+  const auto& found = value()[key];
   const auto number = wholeNumber(found, Limits::min(), Limits::max());
   if (found && !number) fail(key, "is no 32-bit integer");
   return static_cast<std::int32_t>(number.value_or(0));
@@ -139,7 +141,7 @@ std::int32_t KeyedUnarchiver::Node::decodeInt32ForKey(std::string_view key) cons
 
 std::int64_t KeyedUnarchiver::Node::decodeInt64ForKey(std::string_view key) const {
   using Limits = std::numeric_limits<std::int64_t>;
-  const auto found = value()[key];
+  const auto& found = value()[key];
   const auto number = wholeNumber(found, Limits::min(), Limits::max());
   if (found && !number) fail(key, "is no 64-bit integer");
   return number.value_or(0);
@@ -150,7 +152,7 @@ bool KeyedUnarchiver::Node::decodeBoolForKey(std::string_view key) const {
 }
 
 KeyedUnarchiver::Node KeyedUnarchiver::Node::decodeObjectForKey(std::string_view key) const {
-  const auto reference = value()[key];
+  const auto& reference = value()[key];
   return reference ? nodeForReference(reference, key) : Node();
 }
 

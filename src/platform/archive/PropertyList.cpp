@@ -1,87 +1,23 @@
 #include "platform/archive/PropertyList.h"
 
-#include <plist/plist.h>
-
+#include <algorithm>
 #include <array>
-#include <bit>
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <system_error>
 
-#include "platform/archive/BinaryTrailer.h"
-#include "platform/archive/PropertyListCheck.h"
-#include "platform/archive/WideReal.h"
+#include "platform/archive/BinaryPropertyList.h"
+#include "platform/archive/XmlPropertyList.h"
 
 namespace vantrel {
 
 namespace {
-
-constexpr std::string_view kBinaryMark = "bplist00";
-
-Error damaged() {
-  return {"PropertyList", 1, "The property list is damaged or too large.", {}};
-}
 
 Error fileError(int code, const std::filesystem::path& url) {
   return {"POSIX",
           code,
           url.string() + ": " + std::error_code(code, std::generic_category()).message(),
           {}};
-}
-
-std::span<const std::byte> bytes(const char* text, std::size_t size) {
-  return {reinterpret_cast<const std::byte*>(text), size};
-}
-
-Data binaryData(plist_t node) {
-  char* text = nullptr;
-  std::uint32_t size = 0;
-  plist_to_bin(node, &text, &size);
-  const auto content = bytes(text, text ? size : 0);
-  Data result(content.begin(), content.end());
-  plist_to_bin_free(text);
-  return result;
-}
-
-plist_t nodeWithBinary(std::span<const std::byte> data) {
-  plist_t node = nullptr;
-  plist_from_bin(reinterpret_cast<const char*>(data.data()),
-                 static_cast<std::uint32_t>(data.size()), &node);
-  return node;
-}
-
-// The library's own calls cut dates to microseconds and to 32 bits of seconds, its binary form has
-// all 64 bits. A list of one date is that form: mark, marker, big-endian real, offset, trailer.
-constexpr std::size_t kDateAt = kBinaryMark.size() + 1;
-constexpr std::uint8_t kDateMarker = 0x33;
-
-plist_t nodeWithDate(double seconds) {
-  std::array<std::uint8_t, kDateAt + 8 + 1 + 32> list{};
-  std::memcpy(list.data(), kBinaryMark.data(), kBinaryMark.size());
-  list[kDateAt - 1] = kDateMarker;
-  const auto bits = std::bit_cast<std::uint64_t>(seconds);
-  for (std::size_t i = 0; i < 8; ++i) {
-    list[kDateAt + i] = static_cast<std::uint8_t>(bits >> (56 - 8 * i));
-  }
-  constexpr std::size_t kTable = kDateAt + 8;
-  list[kTable] = kDateAt - 1;
-  list[kTable + 7] = 1;   // offset size
-  list[kTable + 8] = 1;   // reference size
-  list[kTable + 16] = 1;  // object count
-  list[kTable + 32] = kTable;
-  return nodeWithBinary(std::as_bytes(std::span(list)));
-}
-
-double secondsOfDate(plist_t node) {
-  return std::bit_cast<double>(bigEndianNumber(binaryData(node), kDateAt, sizeof(double)));
-}
-
-/// The real that a date in the library's hands stands for.
-std::optional<double> wideReal(plist_t node) {
-  if (plist_get_node_type(node) != PLIST_DATE) return std::nullopt;
-  return wideRealForDate(secondsOfDate(node));
 }
 
 }  // namespace
@@ -100,75 +36,13 @@ Expected<Data> dataWithContentsOfURL(const std::filesystem::path& url) {
   return data;
 }
 
-PropertyList PropertyList::owning(void* node) {
-  return PropertyList(std::shared_ptr<void>(node, plist_free));
-}
-
-PropertyList PropertyList::child(void* node) const {
-  return node ? PropertyList(std::shared_ptr<void>(node_, node)) : PropertyList();
-}
-
-void PropertyList::detach() {
-  if (node_.use_count() > 1) node_ = std::shared_ptr<void>(plist_copy(node_.get()), plist_free);
-}
-
-PropertyList PropertyList::boolean(bool value) {
-  return owning(plist_new_bool(value));
-}
-
-PropertyList PropertyList::integer(std::int64_t value) {
-  return owning(plist_new_uint(static_cast<std::uint64_t>(value)));
-}
-
-PropertyList PropertyList::real(double value) {
-  const auto date = dateForWideReal(value);
-  return owning(date ? nodeWithDate(*date) : plist_new_real(value));
-}
-
-PropertyList PropertyList::realOfSinglePrecision(float value) {
-  return owning(plist_new_real(static_cast<double>(value)));
-}
-
-PropertyList PropertyList::string(const std::string& value) {
-  return owning(plist_new_string(value.c_str()));
-}
-
-PropertyList PropertyList::date(Date value) {
-  return owning(nodeWithDate(value.timeIntervalSinceReferenceDate()));
-}
-
-PropertyList PropertyList::data(std::span<const std::byte> value) {
-  return owning(plist_new_data(reinterpret_cast<const char*>(value.data()), value.size()));
-}
-
-PropertyList PropertyList::uid(std::uint64_t value) {
-  return owning(plist_new_uid(value));
-}
-
-PropertyList PropertyList::array(std::span<const PropertyList> items) {
-  auto result = owning(plist_new_array());
-  for (const auto& item : items) result.append(item);
-  return result;
-}
-
-PropertyList PropertyList::dictionary() {
-  return owning(plist_new_dict());
-}
-
 Expected<PropertyList> PropertyList::propertyListWithData(std::span<const std::byte> data) {
-  if (data.size() > kMaxBytes || data.empty()) return tl::unexpected(damaged());
-  plist_t node = nullptr;
-  if (std::memcmp(data.data(), kBinaryMark.data(), std::min(data.size(), kBinaryMark.size())) ==
-      0) {
-    Data list(data.begin(), data.end());
-    hideWideReals(list);
-    if (binaryPropertyListIsBounded(list)) node = nodeWithBinary(list);
-  } else if (xmlPropertyListIsBounded(data)) {
-    plist_from_xml(reinterpret_cast<const char*>(data.data()),
-                   static_cast<std::uint32_t>(data.size()), &node);
+  std::optional<PropertyList> list;
+  if (data.size() <= kMaxBytes) {
+    list = isBinaryPropertyList(data) ? propertyListWithBinary(data) : propertyListWithXml(data);
   }
-  if (!node) return tl::unexpected(damaged());
-  return owning(node);
+  if (list) return std::move(*list);
+  return tl::unexpected(Error{"PropertyList", 1, "The property list is damaged or too large.", {}});
 }
 
 Expected<PropertyList> PropertyList::propertyListWithContentsOfURL(
@@ -181,150 +55,71 @@ Expected<PropertyList> PropertyList::propertyListWithContentsOfURL(
 }
 
 Data PropertyList::binaryData() const {
-  if (!node_) return {};
-  Data list = vantrel::binaryData(node_.get());
-  showWideReals(list);
-  return list;
+  return binaryWithPropertyList(*this);
 }
 
 PropertyList::Kind PropertyList::kind() const {
-  if (!node_) return Kind::kNothing;
-  switch (plist_get_node_type(node_.get())) {
-    case PLIST_BOOLEAN:
-      return Kind::kBoolean;
-    case PLIST_UINT:
-      return Kind::kInteger;
-    case PLIST_REAL:
-      return Kind::kReal;
-    case PLIST_STRING:
-    case PLIST_KEY:
-      return Kind::kString;
-    case PLIST_DATE:
-      return wideReal(node_.get()) ? Kind::kReal : Kind::kDate;
-    case PLIST_DATA:
-      return Kind::kData;
-    case PLIST_UID:
-      return Kind::kUid;
-    case PLIST_ARRAY:
-      return Kind::kArray;
-    case PLIST_DICT:
-      return Kind::kDictionary;
-    case PLIST_NONE:
-      break;
-  }
-  return Kind::kNothing;
-}
-
-std::optional<bool> PropertyList::asBoolean() const {
-  if (kind() != Kind::kBoolean) return std::nullopt;
-  std::uint8_t value = 0;
-  plist_get_bool_val(node_.get(), &value);
-  return value != 0;
+  constexpr std::array kKinds = {Kind::kNothing, Kind::kBoolean, Kind::kInteger, Kind::kInteger,
+                                 Kind::kReal,    Kind::kReal,    Kind::kString,  Kind::kDate,
+                                 Kind::kData,    Kind::kUid,     Kind::kArray,   Kind::kDictionary};
+  static_assert(kKinds.size() == std::variant_size_v<Value>);
+  return kKinds[value_.index()];
 }
 
 std::optional<std::int64_t> PropertyList::asInteger() const {
-  if (kind() != Kind::kInteger) return std::nullopt;
-  std::uint64_t value = 0;
-  plist_get_uint_val(node_.get(), &value);
-  return static_cast<std::int64_t>(value);
+  if (const auto* large = std::get_if<std::uint64_t>(&value_)) {
+    return static_cast<std::int64_t>(*large);
+  }
+  return as<std::int64_t>();
 }
 
 std::optional<double> PropertyList::asReal() const {
-  if (kind() != Kind::kReal) return std::nullopt;
-  if (const auto wide = wideReal(node_.get())) return wide;
-  double value = 0;
-  plist_get_real_val(node_.get(), &value);
-  return value;
-}
-
-std::optional<std::string> PropertyList::asString() const {
-  if (kind() != Kind::kString) return std::nullopt;
-  const char* text = plist_get_string_ptr(node_.get(), nullptr);
-  return text ? std::string(text) : std::string();
-}
-
-std::optional<Date> PropertyList::asDate() const {
-  if (kind() != Kind::kDate) return std::nullopt;
-  return Date(secondsOfDate(node_.get()));
-}
-
-std::optional<Data> PropertyList::asData() const {
-  if (kind() != Kind::kData) return std::nullopt;
-  std::uint64_t size = 0;
-  const char* text = plist_get_data_ptr(node_.get(), &size);
-  const auto content = bytes(text, size);
-  return Data(content.begin(), content.end());
+  if (const auto* single = std::get_if<float>(&value_)) return double{*single};
+  return as<double>();
 }
 
 std::optional<std::uint64_t> PropertyList::asUid() const {
-  if (kind() != Kind::kUid) return std::nullopt;
-  std::uint64_t value = 0;
-  plist_get_uid_val(node_.get(), &value);
-  return value;
+  const auto* uid = std::get_if<Uid>(&value_);
+  return uid ? std::optional(uid->number) : std::nullopt;
 }
 
-std::size_t PropertyList::count() const {
-  if (kind() == Kind::kArray) return plist_array_get_size(node_.get());
-  if (kind() == Kind::kDictionary) return plist_dict_get_size(node_.get());
-  return 0;
+const PropertyList::Array& PropertyList::items() const& {
+  static const Array empty;
+  const auto* array = std::get_if<Array>(&value_);
+  return array ? *array : empty;
 }
 
-std::vector<PropertyList> PropertyList::items() const {
-  std::vector<PropertyList> result;
-  if (kind() != Kind::kArray) return result;
-  result.reserve(count());
-  plist_array_iter iterator = nullptr;
-  plist_array_new_iter(node_.get(), &iterator);
-  for (;;) {
-    plist_t item = nullptr;
-    plist_array_next_item(node_.get(), iterator, &item);
-    if (!item) break;
-    result.push_back(child(item));
-  }
-  std::free(iterator);
-  return result;
+const PropertyList::Dictionary& PropertyList::entries() const& {
+  static const Dictionary empty;
+  const auto* dictionary = std::get_if<Dictionary>(&value_);
+  return dictionary ? *dictionary : empty;
 }
 
-std::vector<std::pair<std::string, PropertyList>> PropertyList::entries() const {
-  std::vector<std::pair<std::string, PropertyList>> result;
-  if (kind() != Kind::kDictionary) return result;
-  result.reserve(count());
-  plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(node_.get(), &iterator);
-  for (;;) {
-    char* key = nullptr;
-    plist_t value = nullptr;
-    plist_dict_next_item(node_.get(), iterator, &key, &value);
-    if (!value) break;
-    result.emplace_back(key ? key : "", child(value));
-    std::free(key);
-  }
-  std::free(iterator);
-  return result;
+const PropertyList& PropertyList::operator[](std::string_view key) const& {
+  static const PropertyList nothing;
+  const auto& all = entries();
+  const auto found =
+      std::find_if(all.rbegin(), all.rend(), [&](const auto& entry) { return entry.first == key; });
+  return found == all.rend() ? nothing : found->second;
 }
 
-PropertyList PropertyList::operator[](std::string_view key) const {
-  if (kind() != Kind::kDictionary) return {};
-  return child(plist_dict_get_item(node_.get(), std::string(key).c_str()));
-}
-
-void PropertyList::set(std::string_view key, const PropertyList& value) {
-  if (kind() != Kind::kDictionary) return;
-  plist_t copy = value ? plist_copy(value.node_.get()) : nullptr;
-  detach();
-  const std::string name(key);
-  if (copy) {
-    plist_dict_set_item(node_.get(), name.c_str(), copy);
+void PropertyList::set(std::string_view key, PropertyList value) {
+  auto* all = std::get_if<Dictionary>(&value_);
+  if (!all) return;
+  const auto isIt = [&](const auto& entry) { return entry.first == key; };
+  if (!value) {
+    std::erase_if(*all, isIt);
+  } else if (const auto found = std::find_if(all->rbegin(), all->rend(), isIt);
+             found != all->rend()) {
+    found->second = std::move(value);
   } else {
-    plist_dict_remove_item(node_.get(), name.c_str());
+    all->emplace_back(key, std::move(value));
   }
 }
 
-void PropertyList::append(const PropertyList& value) {
-  if (kind() != Kind::kArray || !value) return;
-  plist_t copy = plist_copy(value.node_.get());
-  detach();
-  plist_array_append_item(node_.get(), copy);
+void PropertyList::append(PropertyList value) {
+  auto* array = std::get_if<Array>(&value_);
+  if (array && value) array->push_back(std::move(value));
 }
 
 }  // namespace vantrel
