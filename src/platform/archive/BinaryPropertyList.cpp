@@ -27,6 +27,7 @@ enum Type : std::uint8_t {
   kUtf16 = 0x6,
   kUid = 0x8,
   kArray = 0xa,
+  kSet = 0xc,
   kDictionary = 0xd
 };
 constexpr std::size_t kFalse = 0x8;
@@ -107,6 +108,7 @@ std::optional<Reader::Object> Reader::objectAt(std::size_t at) const {
   if (at < kMark.size() || at >= table_) return std::nullopt;
   const auto marker = number(at++, 1);
   Object object{.type = marker >> 4, .count = marker & 0xf};
+  if (object.type == kSet) object.type = kArray;
   auto& count = object.count;
   if (isCounted(object.type) && count == kLongCount) {
     if (at >= table_ || number(at, 1) >> 4 != kInteger) return std::nullopt;

@@ -24,10 +24,15 @@ Expected<PropertyList> parse(std::string_view text) {
   return PropertyList::propertyListWithData(bytesOf(text));
 }
 
-/// What Python's plistlib makes of a list.
+/// What Python's plistlib makes of a list. It has one kind of real, of 64 bits: a list without
+/// others it must write byte for byte as we do.
 std::string seenByPython(const PropertyList& list) {
   const test::TemporaryDirectory directory;
   test::writeFile(directory / "list", textOf(list.binaryData()));
+  EXPECT_EQ(test::python(directory / "list",
+                         "plistlib.dumps(p, fmt=plistlib.FMT_BINARY, sort_keys=False) == "
+                         "open(sys.argv[1], 'rb').read()"),
+            "True");
   return test::python(directory / "list", "p");
 }
 
@@ -62,6 +67,9 @@ TEST(PropertyList, WritesEveryKindAsPythonReadsIt) {
   list.set("large", PropertyList::integer(2978888609));
   list.set("lowest", PropertyList::integer(std::numeric_limits<std::int64_t>::min()));
   list.set("real", PropertyList::real(0.1));
+  list.set("half", PropertyList::real(0.5));
+  list.set("shared", PropertyList::string("half"));
+  list.set("long", PropertyList::string(std::string(300, 'a')));
   list.set("text", PropertyList::string("Peñón 🌅"));
   list.set("date", PropertyList::date(Date(742069876.5)));
   list.set("data", PropertyList::data(bytesOf({"\0\xff", 2})));
@@ -70,7 +78,9 @@ TEST(PropertyList, WritesEveryKindAsPythonReadsIt) {
            PropertyList::array(std::vector{PropertyList::string("a"), PropertyList::dictionary()}));
   const std::string seen =
       "{'true': True, 'minus one': -1, 'large': 2978888609, 'lowest': -9223372036854775808, "
-      "'real': 0.1, 'text': 'Peñón 🌅', 'date': datetime.datetime(2024, 7, 7, 18, 31, 16, "
+      "'real': 0.1, 'half': 0.5, 'shared': 'half', 'long': '" +
+      std::string(300, 'a') +
+      "', 'text': 'Peñón 🌅', 'date': datetime.datetime(2024, 7, 7, 18, 31, 16, "
       "500000), 'data': b'\\x00\\xff', 'uid': UID(3), 'array': ['a', {}]}";
   EXPECT_EQ(seenByPython(list), seen);
   auto again = PropertyList::propertyListWithData(list.binaryData()).value();
@@ -84,6 +94,8 @@ TEST(PropertyList, WritesEveryKindAsPythonReadsIt) {
   const auto before = again["true"];
   again.set("true", PropertyList::boolean(false));
   EXPECT_EQ(before.asBoolean(), true) << "a value taken out before stays as it was";
+  // All other keys keep their place and type, the number of their bits included.
+  EXPECT_EQ(seenByPython(again), "{'true': False" + seen.substr(seen.find(',')));
 }
 
 TEST(PropertyList, KeepsNumbersBitByBit) {
@@ -102,14 +114,24 @@ TEST(PropertyList, KeepsNumbersBitByBit) {
   }
 }
 
-TEST(PropertyList, KeepsRealsInTheBitsTheyStoodIn) {
+TEST(PropertyList, KeepsValuesAsTheyStood) {
   using namespace std::string_literals;
   // 1.5 and 0, which single precision holds as well, in both forms, and a date of the same bits.
+  // Then numbers that are none, and what has no call of its own: null, 2^64 - 1, a text with NUL.
   const std::vector<std::string> objects = {
-      "\x22\x3f\xc0\0\0"s,     "\x23\x3f\xf8\0\0\0\0\0\0"s, "\x22\0\0\0\0"s,
-      "\x23\0\0\0\0\0\0\0\0"s, "\x33\x3f\xf8\0\0\0\0\0\0"s,
+      "\x22\x3f\xc0\0\0"s,
+      "\x23\x3f\xf8\0\0\0\0\0\0"s,
+      "\x22\0\0\0\0"s,
+      "\x23\0\0\0\0\0\0\0\0"s,
+      "\x33\x3f\xf8\0\0\0\0\0\0"s,
+      "\x22\x7f\xa0\0\1"s,
+      "\x33\x7f\xf0\0\0\0\0\0\1"s,
+      "\0"s,
+      "\x14\0\0\0\0\0\0\0\0\xff\xff\xff\xff\xff\xff\xff\xff"s,
+      "\x53q\0r"s,
+      "\x63\0q\xd8\x3d\xde\0"s,
   };
-  std::string array = "\xa5";
+  std::string array(1, static_cast<char>(0xa0 + objects.size()));
   for (std::size_t i = 1; i <= objects.size(); ++i) array += reference(i);
   std::vector<std::string> all = {array};
   all.insert(all.end(), objects.begin(), objects.end());
@@ -118,16 +140,19 @@ TEST(PropertyList, KeepsRealsInTheBitsTheyStoodIn) {
   EXPECT_EQ(read->items().at(1).asReal(), 1.5);
   EXPECT_FALSE(read->items().at(1).asDate());
   EXPECT_EQ(read->items().at(4).asDate(), Date(1.5));
-  const std::vector made = {PropertyList::realOfSinglePrecision(1.5F), PropertyList::real(1.5),
-                            PropertyList::realOfSinglePrecision(0), PropertyList::real(0),
-                            PropertyList::date(Date(1.5))};
-  for (const auto& list : {*read, PropertyList::array(made)}) {
-    const auto written = textOf(list.binaryData());
-    for (const auto& object : objects) {
-      EXPECT_NE(written.find(object), std::string::npos) << testing::PrintToString(object);
-    }
-    EXPECT_EQ(parse(written)->items().at(1).asReal(), 1.5);
+  const PropertyList made[] = {PropertyList::realOfSinglePrecision(1.5F), PropertyList::real(1.5),
+                               PropertyList::realOfSinglePrecision(0), PropertyList::real(0),
+                               PropertyList::date(Date(1.5))};
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    const auto expected = "bplist00" + objects[i];
+    SCOPED_TRACE(testing::PrintToString(objects[i]));
+    EXPECT_TRUE(textOf(read->items().at(i).binaryData()).starts_with(expected));
+    if (i >= std::size(made)) continue;
+    EXPECT_TRUE(textOf(made[i].binaryData()).starts_with(expected));
   }
+  // Integers take the fewest bytes.
+  const auto wide = parse(binaryList({"\x13\0\0\0\0\0\0\1\xff"s})).value();
+  EXPECT_TRUE(textOf(wide.binaryData()).starts_with("bplist00\x11\1\xff"s));
 }
 
 TEST(PropertyList, ReadsXml) {
@@ -136,7 +161,8 @@ TEST(PropertyList, ReadsXml) {
       "1.0//EN\" \"http://example.org/p.dtd\">\n<plist version=\"1.0\"><!-- it's --><dict>"
       "<key>n</key><integer>-7</integer><key>r</key><real>1.25</real><key>t</key><true/>"
       "<key>s</key><string>a &amp; &#x1F600;<![CDATA[<b>]]></string><key>e</key><array/>"
-      "<key>d</key><date>2024-06-21T03:30:00Z</date><key>u</key><dict><key>CF$UID</key>"
+      "<key>d</key><date>2024-06-21T03:30:00Z</date><key>D</key><date>2131-01-01T00:00:00Z</"
+      "date><key>u</key><dict><key>CF$UID</key>"
       "<integer>5</integer></dict></dict></plist>");
   ASSERT_TRUE(list);
   EXPECT_EQ((*list)["n"].asInteger(), -7);
@@ -145,6 +171,8 @@ TEST(PropertyList, ReadsXml) {
   EXPECT_EQ((*list)["s"].asString(), "a & 😀<b>");
   EXPECT_EQ((*list)["e"].kind(), PropertyList::Kind::kArray);
   EXPECT_EQ((*list)["d"].asDate(), Date(740633400));
+  EXPECT_EQ((*list)["D"].asDate(), Date(4102358400));
+  EXPECT_EQ(textOf((*list)["r"].binaryData()).substr(8, 3), "\x23\x3f\xf4") << "of 64 bits";
 }
 
 TEST(PropertyList, RefusesWhatWouldExhaustIt) {
@@ -176,6 +204,12 @@ TEST(PropertyList, RefusesWhatWouldExhaustIt) {
       {"huge dictionary", binaryList({"\xdf" + huge})},
       {"huge data", binaryList({"\x4f" + huge})},
       {"huge text", binaryList({"\x6f" + huge})},
+      {"half a pair", binaryList({"\x61\xd8\x3d"})},
+      {"the second half first", binaryList({std::string("\x62\xde\0\xd8\x3d", 5)})},
+      {"a byte beyond ASCII", binaryList({"\x51\xe9"})},
+      {"an integer of 128 bits", binaryList({"\x14" + std::string(16, '\1')})},
+      {"a real of 16 bits", binaryList({"\x21\1\1"})},
+      {"a number cut off", binaryList({"\x13\1\1"})},
       {"a reference to nowhere", binaryList({"\xa1" + reference(9)})},
       {"deep XML", "<plist>" + repeated("<array>", 257) + repeated("</array>", 257) + "</plist>"},
       {"open XML", "<plist>" + repeated("<array>", 200000)},
