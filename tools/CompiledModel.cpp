@@ -17,14 +17,6 @@ using Object = KeyedArchiver::Object;
 using Entries = std::vector<std::pair<Object, Object>>;
 
 constexpr std::int32_t kExternalStorageFlag = 4;
-/// Bits that every property has, and those that say more.
-constexpr std::int32_t kPropertyBits = 0xf1;
-constexpr std::int32_t kOptionalBit = 2;
-constexpr std::int32_t kTransientBit = 8;
-
-const KeyedArchiver::ClassNames kMutableArray = {"NSMutableArray", "NSArray", "NSObject"};
-const KeyedArchiver::ClassNames kMutableDictionary = {"NSMutableDictionary", "NSDictionary",
-                                                      "NSObject"};
 
 std::string valueClassName(AttributeType type) {
   switch (type) {
@@ -47,31 +39,27 @@ std::string valueClassName(AttributeType type) {
   }
 }
 
-/// Writes one version. Entities and relationships are added before they are filled, as they refer
-/// to each other.
+/// Writes one version with the keys that readers need. Relationships are added
+/// before they are filled, as they refer to each other.
 class ModelArchive {
  public:
   explicit ModelArchive(const ModelVersion& version) : version_(version) {}
   Data data();
 
  private:
-  void fillEntity(const EntityDescription& entity);
-  void fillProperty(Object property, const std::string& name, const EntityDescription& entity,
-                    bool isOptional, bool isTransient);
-  Object addAttribute(const AttributeDescription& attribute, const EntityDescription& entity);
+  Object addEntity(const EntityDescription& entity);
+  void fillProperty(Object property, const std::string& name, bool isOptional, bool isTransient);
+  Object addAttribute(const AttributeDescription& attribute);
   Object fillRelationship(const RelationshipDescription& relationship,
                           const EntityDescription& entity);
   Object addDefault(const AttributeDescription& attribute);
-  void fillIndexes(const EntityDescription& entity);
+  void addIndexes(const EntityDescription& entity, Object object);
   Object addText(const std::string& text) {
     return text.empty() ? Object() : archiver_.addString(text);
   }
 
   const ModelVersion& version_;
   KeyedArchiver archiver_;
-  Object model_;
-  Object noUserInfo_;
-  std::map<std::string, Object> entities_;
   std::map<std::pair<std::string, std::string>, Object> relationships_;
 };
 
@@ -88,29 +76,21 @@ Object ModelArchive::addDefault(const AttributeDescription& attribute) {
                                    : PropertyList::integer(*whole));
 }
 
-void ModelArchive::fillProperty(Object property, const std::string& name,
-                                const EntityDescription& entity, bool isOptional,
+void ModelArchive::fillProperty(Object property, const std::string& name, bool isOptional,
                                 bool isTransient) {
-  const auto bits =
-      kPropertyBits | (isOptional ? kOptionalBit : 0) | (isTransient ? kTransientBit : 0);
-  property.encodeInt32(bits, "_P");
   if (isOptional) property.encodeBool(true, "NSIsOptional");
   if (isTransient) property.encodeBool(true, "NSIsTransient");
-  property.encodeObject(entities_[entity.name], "NSEntity");
   property.encodeObject(archiver_.addString(name), "NSPropertyName");
-  property.encodeObject(archiver_.addString(name), "NSRenamingIdentifier");
 }
 
-Object ModelArchive::addAttribute(const AttributeDescription& attribute,
-                                  const EntityDescription& entity) {
+Object ModelArchive::addAttribute(const AttributeDescription& attribute) {
   const auto object =
       archiver_.addObject({"NSAttributeDescription", "NSPropertyDescription", "NSObject"});
-  fillProperty(object, attribute.name, entity, attribute.isOptional, attribute.isTransient);
+  fillProperty(object, attribute.name, attribute.isOptional, attribute.isTransient);
   object.encodeInt32(static_cast<std::int32_t>(attribute.type), "NSAttributeType");
   object.encodeObject(addText(valueClassName(attribute.type)), "NSAttributeValueClassName");
   object.encodeObject(addDefault(attribute), "NSDefaultValue");
   object.encodeInt32(attribute.storesExternally ? kExternalStorageFlag : 0, "NSFlagsKey");
-  object.encodeObject({}, "NSValueTransformerName");
   return object;
 }
 
@@ -118,8 +98,7 @@ Object ModelArchive::fillRelationship(const RelationshipDescription& relationshi
                                       const EntityDescription& entity) {
   const auto& destination = relationship.destinationEntityName;
   const auto object = relationships_[{entity.name, relationship.name}];
-  fillProperty(object, relationship.name, entity, true, relationship.isTransient);
-  object.encodeObject(entities_[destination], "NSDestinationEntity");
+  fillProperty(object, relationship.name, true, relationship.isTransient);
   object.encodeObject(archiver_.addString(destination), "_NSDestinationEntityName");
   object.encodeObject(relationships_[{destination, relationship.inverseName}],
                       "NSInverseRelationship");
@@ -131,73 +110,56 @@ Object ModelArchive::fillRelationship(const RelationshipDescription& relationshi
   return object;
 }
 
-void ModelArchive::fillIndexes(const EntityDescription& entity) {
+void ModelArchive::addIndexes(const EntityDescription& entity, Object object) {
   if (entity.indexedAttributes.empty()) return;
   std::vector<Object> indexes;
-  std::vector<Object> compounds;
   for (const auto& attribute : entity.indexedAttributes) {
     const auto name = archiver_.addString(attribute);
-    const auto index = archiver_.addObject({"NSFetchIndexDescription", "NSObject"});
     const auto element = archiver_.addObject({"NSFetchIndexElementDescription", "NSObject"});
     element.encodeObject(name, "NSPropertyName");
-    element.encodeInt32(0, "NSFetchIndexElementType");
-    element.encodeObject(index, "NSFetchIndexDescription");
-    element.encodeBool(true, "NSAscending");
+    const auto index = archiver_.addObject({"NSFetchIndexDescription", "NSObject"});
     index.encodeObject(name, "NSIndexName");
-    index.encodeObject({}, "NSPartialIndexPredicate");
     index.encodeObject(archiver_.addArray(std::array{element}), "NSIndexElements");
-    index.encodeObject(entities_[entity.name], "NSEntity");
     indexes.push_back(index);
-    compounds.push_back(archiver_.addArray(std::array{name}, kMutableArray));
   }
-  const auto object = entities_[entity.name];
-  object.encodeObject(archiver_.addArray(indexes, kMutableArray), "NSFetchIndexDescriptions");
-  object.encodeObject(archiver_.addArray(compounds, kMutableArray), "NSCompoundIndexes");
+  object.encodeObject(archiver_.addArray(indexes), "NSFetchIndexDescriptions");
 }
 
-void ModelArchive::fillEntity(const EntityDescription& entity) {
+Object ModelArchive::addEntity(const EntityDescription& entity) {
   Entries properties;
   for (const auto& attribute : entity.attributes) {
-    properties.emplace_back(archiver_.addString(attribute.name), addAttribute(attribute, entity));
+    properties.emplace_back(archiver_.addString(attribute.name), addAttribute(attribute));
   }
   for (const auto& relationship : entity.relationships) {
     properties.emplace_back(archiver_.addString(relationship.name),
                             fillRelationship(relationship, entity));
   }
   const auto name = archiver_.addString(entity.name);
-  const auto object = entities_[entity.name];
+  const auto object = archiver_.addObject({"NSEntityDescription", "NSObject"});
   object.encodeObject(name, "NSEntityName");
   object.encodeObject(name, "NSClassNameForEntity");
-  object.encodeObject(name, "NSRenamingIdentifier");
-  object.encodeObject(archiver_.addDictionary(properties, kMutableDictionary), "NSProperties");
-  object.encodeObject(archiver_.addDictionary({}, kMutableDictionary), "NSSubentities");
-  object.encodeObject({}, "NSSuperentity");
-  object.encodeObject({}, "NSVersionHashModifier");
-  object.encodeObject(noUserInfo_, "NSUserInfo");
-  object.encodeObject(model_, "NSManagedObjectModel");
-  fillIndexes(entity);
+  object.encodeObject(archiver_.addDictionary(properties), "NSProperties");
+  addIndexes(entity, object);
+  return object;
 }
 
 Data ModelArchive::data() {
-  model_ = archiver_.addObject({"NSManagedObjectModel", "NSObject"});
-  noUserInfo_ = archiver_.addDictionary({});
-  Entries entries;
+  const auto model = archiver_.addObject({"NSManagedObjectModel", "NSObject"});
   for (const auto& entity : version_.entities) {
-    const auto object = archiver_.addObject({"NSEntityDescription", "NSObject"});
-    entities_[entity.name] = object;
-    entries.emplace_back(archiver_.addString(entity.name), object);
     for (const auto& relationship : entity.relationships) {
       relationships_[{entity.name, relationship.name}] =
           archiver_.addObject({"NSRelationshipDescription", "NSPropertyDescription", "NSObject"});
     }
   }
-  for (const auto& entity : version_.entities) fillEntity(entity);
-  model_.encodeObject(archiver_.addDictionary(entries, kMutableDictionary), "NSEntities");
-  model_.encodeObject({}, "NSFetchRequestTemplates");
-  model_.encodeObject(archiver_.addArray(std::array{archiver_.addString(version_.identifier)},
-                                         {"NSSet", "NSObject"}),
-                      "NSVersionIdentifiers");
-  return archiver_.archivedDataWithRootObject(model_);
+  Entries entries;
+  for (const auto& entity : version_.entities) {
+    entries.emplace_back(archiver_.addString(entity.name), addEntity(entity));
+  }
+  model.encodeObject(archiver_.addDictionary(entries), "NSEntities");
+  model.encodeObject(archiver_.addArray(std::array{archiver_.addString(version_.identifier)},
+                                        {"NSSet", "NSObject"}),
+                     "NSVersionIdentifiers");
+  return archiver_.archivedDataWithRootObject(model);
 }
 
 VersionHash sha256(std::span<const std::byte> content) {

@@ -35,10 +35,6 @@ constexpr std::size_t kTrue = 0x9;
 /// As the lower half: the count follows as an integer.
 constexpr std::size_t kLongCount = 0xf;
 
-bool isCounted(std::size_t type) {
-  return type == kData || type == kAscii || type == kUtf16 || type == kArray || type == kDictionary;
-}
-
 bool isAscii(std::string_view text) {
   unsigned char seen = 0;
   for (const char one : text) seen |= static_cast<unsigned char>(one);
@@ -110,7 +106,7 @@ std::optional<Reader::Object> Reader::objectAt(std::size_t at) const {
   Object object{.type = marker >> 4, .count = marker & 0xf};
   if (object.type == kSet) object.type = kArray;
   auto& count = object.count;
-  if (isCounted(object.type) && count == kLongCount) {
+  if (object.type >= kData && object.type != kUid && count == kLongCount) {
     if (at >= table_ || number(at, 1) >> 4 != kInteger) return std::nullopt;
     const std::size_t size = std::size_t{1} << (number(at++, 1) & 0xf);
     if (size > 8 || size > table_ - at) return std::nullopt;
@@ -119,22 +115,23 @@ std::optional<Reader::Object> Reader::objectAt(std::size_t at) const {
   }
   object.at = at;
   std::size_t unit = 1;
+  bool isKnown = true;
   switch (object.type) {
     case kConstant:
-      if (count != 0 && count != kFalse && count != kTrue) return std::nullopt;
-      return object;
+      isKnown = count == 0 || count == kFalse || count == kTrue;
+      unit = 0;
+      break;
     case kInteger:
+      isKnown = count <= 4;
+      count = std::size_t{1} << count;
+      break;
     case kReal:
     case kDate:
-      if (object.type == kInteger ? count > 4 : count != 3 && (count != 2 || object.type == kDate))
-        return std::nullopt;
+      isKnown = count == 3 || (count == 2 && object.type == kReal);
       count = std::size_t{1} << count;
       break;
     case kUid:
-      if (++count > 8) return std::nullopt;
-      break;
-    case kData:
-    case kAscii:
+      isKnown = ++count <= 8;
       break;
     case kUtf16:
       unit = 2;
@@ -146,9 +143,10 @@ std::optional<Reader::Object> Reader::objectAt(std::size_t at) const {
       unit = 2 * referenceSize_;
       break;
     default:
-      return std::nullopt;
+      isKnown = object.type == kData || object.type == kAscii;
   }
-  return count <= (table_ - at) / unit ? std::optional(object) : std::nullopt;
+  const bool fits = unit == 0 || count <= (table_ - at) / unit;
+  return isKnown && fits ? std::optional(object) : std::nullopt;
 }
 
 /// Finds an object and all below it, each once, before any is built: a small list can refer to
@@ -295,8 +293,8 @@ std::string textObject(const std::string& text) {
   return counted(kUtf16, units.size() / 2, units);
 }
 
-/// Writes the bytes of a scalar.
-struct ScalarObject {
+/// An object's bytes, up to the references of a container.
+struct Head {
   std::string operator()(std::monostate /*null*/) const { return marker(kConstant, 0); }
   std::string operator()(bool value) const { return marker(kConstant, value ? kTrue : kFalse); }
   std::string operator()(std::int64_t value) const {
@@ -312,11 +310,11 @@ struct ScalarObject {
   std::string operator()(double value) const {
     return numberObject(kReal, std::bit_cast<std::uint64_t>(value), 8);
   }
-  std::string operator()(const std::string& value) const { return textObject(value); }
   std::string operator()(Date value) const {
     const double seconds = value.timeIntervalSinceReferenceDate();
     return numberObject(kDate, std::bit_cast<std::uint64_t>(seconds), 8);
   }
+  std::string operator()(const std::string& value) const { return textObject(value); }
   std::string operator()(const Data& value) const {
     const std::string_view bytes(reinterpret_cast<const char*>(value.data()), value.size());
     return counted(kData, value.size(), bytes);
@@ -325,8 +323,12 @@ struct ScalarObject {
     const auto size = sizeOf(value.number);
     return marker(kUid, size - 1) + bigEndian(value.number, size);
   }
-  std::string operator()(const PropertyList::Array& /*no scalar*/) const { return {}; }
-  std::string operator()(const PropertyList::Dictionary& /*no scalar*/) const { return {}; }
+  std::string operator()(const PropertyList::Array& value) const {
+    return counted(kArray, value.size());
+  }
+  std::string operator()(const PropertyList::Dictionary& value) const {
+    return counted(kDictionary, value.size());
+  }
 };
 
 /// Numbers the objects as the phone does: each before those in it, a dictionary's keys before its
@@ -356,12 +358,12 @@ std::size_t Writer::addScalar(std::string bytes) {
 
 std::size_t Writer::add(const PropertyList& value) {
   const auto kind = value.kind();
-  const bool isArray = kind == PropertyList::Kind::kArray;
-  if (!isArray && kind != PropertyList::Kind::kDictionary) {
-    return addScalar(std::visit(ScalarObject(), value.value()));
+  auto bytes = std::visit(Head(), value.value());
+  if (kind != PropertyList::Kind::kArray && kind != PropertyList::Kind::kDictionary) {
+    return addScalar(std::move(bytes));
   }
   const std::size_t index = objects_.size();
-  objects_.push_back({counted(isArray ? kArray : kDictionary, value.count()), {}});
+  objects_.push_back({std::move(bytes), {}});
   std::vector<std::size_t> references;
   for (const auto& item : value.items()) references.push_back(add(item));
   for (const auto& [key, item] : value.entries()) references.push_back(addScalar(textObject(key)));

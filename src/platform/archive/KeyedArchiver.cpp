@@ -36,7 +36,7 @@ KeyedArchiver::KeyedArchiver() {
   objects_.push_back(PropertyList::string("$null"));
 }
 
-KeyedArchiver::Object KeyedArchiver::add(PropertyList value) {
+KeyedArchiver::Object KeyedArchiver::addValue(PropertyList value) {
   objects_.push_back(std::move(value));
   return Object(this, objects_.size() - 1);
 }
@@ -49,24 +49,20 @@ std::uint64_t KeyedArchiver::classUid(const ClassNames& classNames) {
   for (const auto& name : classNames) names.append(PropertyList::string(name));
   record.set("$classname", PropertyList::string(classNames.empty() ? "" : classNames.front()));
   record.set("$classes", names);
-  uid = add(std::move(record)).uid_;
+  uid = addValue(std::move(record)).uid_;
   return uid;
 }
 
 KeyedArchiver::Object KeyedArchiver::addObject(const ClassNames& classNames) {
-  const auto object = add(PropertyList::dictionary());
+  const auto object = addValue(PropertyList::dictionary());
   object.encode(PropertyList::uid(classUid(classNames)), "$class");
   return object;
 }
 
 KeyedArchiver::Object KeyedArchiver::addString(const std::string& text) {
   auto& uid = strings_[text];
-  if (uid == 0) uid = add(PropertyList::string(text)).uid_;
+  if (uid == 0) uid = addValue(PropertyList::string(text)).uid_;
   return Object(this, uid);
-}
-
-KeyedArchiver::Object KeyedArchiver::addValue(const PropertyList& value) {
-  return add(value);
 }
 
 KeyedArchiver::Object KeyedArchiver::addArray(std::span<const Object> elements,
@@ -79,16 +75,15 @@ KeyedArchiver::Object KeyedArchiver::addArray(std::span<const Object> elements,
 }
 
 KeyedArchiver::Object KeyedArchiver::addDictionary(
-    std::span<const std::pair<Object, Object>> entries, const ClassNames& classNames) {
-  const auto object = addObject(classNames);
+    std::span<const std::pair<Object, Object>> entries) {
+  std::vector<Object> values;
   auto keys = PropertyList::array();
-  auto values = PropertyList::array();
   for (const auto& [key, value] : entries) {
     keys.append(PropertyList::uid(key.uid_));
-    values.append(PropertyList::uid(value.uid_));
+    values.push_back(value);
   }
+  const auto object = addArray(values, {"NSDictionary", "NSObject"});
   object.encode(keys, "NS.keys");
-  object.encode(values, "NS.objects");
   return object;
 }
 

@@ -47,19 +47,17 @@ class KeyedArchiver {
   /// A text; equal texts are one object.
   Object addString(const std::string& text);
   /// A boxed number, a date or data.
-  Object addValue(const PropertyList& value);
+  Object addValue(PropertyList value);
   /// An array, or with other class names a set.
   Object addArray(std::span<const Object> elements,
                   const ClassNames& classNames = {"NSArray", "NSObject"});
-  Object addDictionary(std::span<const std::pair<Object, Object>> entries,
-                       const ClassNames& classNames = {"NSDictionary", "NSObject"});
+  Object addDictionary(std::span<const std::pair<Object, Object>> entries);
 
   /// The archive of an object and all that was added.
   Data archivedDataWithRootObject(Object root) const;
 
  private:
   std::uint64_t classUid(const ClassNames& classNames);
-  Object add(PropertyList value);
 
   std::vector<PropertyList> objects_;
   std::map<std::string, std::uint64_t> strings_;
