@@ -12,7 +12,7 @@
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
 #include "cli/Program.h"
-#include "common/PlanLink.h"
+#include "common/LinkedPlan.h"
 
 namespace vantrel::fuzz {
 

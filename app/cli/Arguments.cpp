@@ -83,7 +83,7 @@ Expected<double> degrees(const std::string& option, const std::string& text, int
 
 tl::unexpected<Error> refused(const std::string& option, const std::string& text,
                               const std::string& why) {
-  return tl::make_unexpected(failure(kExitUsage, option + " \"" + text + "\"", why));
+  return tl::unexpected(failure(kExitUsage, option + " \"" + text + "\"", why));
 }
 
 double secondsOfWallTime(const WallTime& wall) {
@@ -173,7 +173,7 @@ Expected<std::string> filledTextFromArgument(const std::string& option, const st
 
 Expected<std::string> pathFromArgument(const std::string& option, const std::string& text) {
   if (!text.empty()) return text;
-  return tl::make_unexpected(failure(kExitUsage, option, "must not be empty"));
+  return tl::unexpected(failure(kExitUsage, option, "must not be empty"));
 }
 
 }  // namespace vantrel::cli

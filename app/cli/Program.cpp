@@ -95,7 +95,7 @@ Expected<CLI::App*> commandAskedFor(CLI::App& root, const std::vector<std::strin
     const auto below = std::find_if(all.begin(), all.end(),
                                     [&](const auto* one) { return one->get_name() == word; });
     if (below == all.end()) {
-      return tl::make_unexpected(unknownWord(word, "command", commandNames(*parser), *parser));
+      return tl::unexpected(unknownWord(word, "command", commandNames(*parser), *parser));
     }
     parser = *below;
   }

@@ -25,8 +25,7 @@ OutputFile::~OutputFile() {
 }
 
 tl::unexpected<Error> OutputFile::failed(int error) const {
-  return tl::make_unexpected(
-      Error{"POSIX", error, path_.string() + ": " + std::strerror(error), {}});
+  return tl::unexpected(Error{"POSIX", error, path_.string() + ": " + std::strerror(error), {}});
 }
 
 Expected<void> OutputFile::open() {

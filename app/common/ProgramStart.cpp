@@ -33,7 +33,7 @@ Expected<void> checkEnvironment() {
   constexpr const char* kVariable = "VANTREL_GROUP_CONTAINER";
   const char* container = std::getenv(kVariable);
   if (!container || !*container || *container == '/') return {};
-  return tl::make_unexpected(failure(
+  return tl::unexpected(failure(
       kExitUsage, kVariable, "expected an absolute path, got \"" + std::string(container) + "\""));
 }
 

@@ -12,14 +12,14 @@ constexpr const char* kPlanEntity = "Planning";
 
 Expected<std::filesystem::path> storePath() {
   if (auto path = Database::sharedInstance().groupStoreURL()) return *path;
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitMissing, "store", "no place for it; set HOME or VANTREL_GROUP_CONTAINER"));
 }
 
 /// A store that could not be opened still has a context; a first fetch tells.
 Expected<ManagedObjectContext*> context() {
   if (!Database::sharedInstance().modelURL()) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         failure(kExitInternal, "the program's resources", "not there; is it installed whole?"));
   }
   ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
@@ -27,7 +27,7 @@ Expected<ManagedObjectContext*> context() {
   request.entityName = kPlanEntity;
   request.fetchLimit = 1;
   const auto fetched = context->executeFetchRequest(request);
-  if (!fetched) return tl::make_unexpected(fetched.error());
+  if (!fetched) return tl::unexpected(fetched.error());
   return context;
 }
 
@@ -40,9 +40,9 @@ Expected<std::filesystem::path> existingStore() {
   if (path && (std::filesystem::symlink_status(*path, error).type() ==
                    std::filesystem::file_type::not_found ||
                std::filesystem::file_size(*path, error) == 0))
-    return tl::make_unexpected(failure(kExitMissing, path->string(),
-                                       "no store yet; \"vantrel plan add\" makes one, \"vantrel "
-                                       "store sample\" one with sample plans"));
+    return tl::unexpected(failure(kExitMissing, path->string(),
+                                  "no store yet; \"vantrel plan add\" makes one, \"vantrel "
+                                  "store sample\" one with sample plans"));
   return path;
 }
 

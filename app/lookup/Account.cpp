@@ -23,18 +23,17 @@ Expected<std::string> keyInFile(const std::string& file) {
   constexpr std::size_t kMostBytes = 4096;
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
       std::fopen(file == "-" ? "/dev/stdin" : file.c_str(), "r"), &std::fclose);
-  if (!stream) return tl::make_unexpected(fileError(file, errno));
+  if (!stream) return tl::unexpected(fileError(file, errno));
   std::array<char, kMostBytes> bytes{};
   const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), stream.get());
-  if (std::ferror(stream.get())) return tl::make_unexpected(fileError(file, errno));
+  if (std::ferror(stream.get())) return tl::unexpected(fileError(file, errno));
   std::string key(bytes.data(), count);
   key.resize(std::min(key.size(), key.find('\n')));
   while (key.ends_with(' ') || key.ends_with('\r')) key.pop_back();
   const bool isPlain =
       std::all_of(key.begin(), key.end(), [](char c) { return c > ' ' && c < 0x7f; });
   if (!key.empty() && isPlain && count < kMostBytes) return key;
-  return tl::make_unexpected(
-      failure(kExitBadData, file, "no key; one is expected on the first line"));
+  return tl::unexpected(failure(kExitBadData, file, "no key; one is expected on the first line"));
 }
 
 Expected<std::optional<Account>> accountWithKey(const std::string& username,
@@ -49,10 +48,10 @@ Expected<std::optional<Account>> googleAccount(const LookupOptions& options,
                                                const UserDefaults& settings) {
   const auto file = options.keyFile ? options.keyFile : settings.stringForKey(kLookupGoogleKeyFile);
   if (file) return accountWithKey("", file);
-  return tl::make_unexpected(failure(kExitUsage, "--google",
-                                     std::string("needs a key of your own; give --key-file, or "
-                                                 "name its file in the setting ") +
-                                         kLookupGoogleKeyFile));
+  return tl::unexpected(failure(kExitUsage, "--google",
+                                std::string("needs a key of your own; give --key-file, or "
+                                            "name its file in the setting ") +
+                                    kLookupGoogleKeyFile));
 }
 
 }  // namespace
@@ -60,7 +59,7 @@ Expected<std::optional<Account>> googleAccount(const LookupOptions& options,
 Expected<std::optional<Account>> accountOfUser(const LookupOptions& options) {
   const UserDefaults& settings = UserDefaults::standardUserDefaults();
   if (const auto readable = settings.checkReadable(); !readable) {
-    return tl::make_unexpected(readable.error());
+    return tl::unexpected(readable.error());
   }
   if (options.google) return googleAccount(options, settings);
   // A key belongs to the name that stands beside it.
@@ -69,10 +68,10 @@ Expected<std::optional<Account>> accountOfUser(const LookupOptions& options) {
   const auto keyFile = options.keyFile ? options.keyFile : settings.stringForKey(kLookupKeyFile);
   if (username && !username->empty()) return accountWithKey(*username, keyFile);
   if (!keyFile) return std::optional<Account>();
-  return tl::make_unexpected(failure(kExitUsage, "--key-file",
-                                     std::string("belongs to a user; give --username, or the "
-                                                 "setting ") +
-                                         kLookupUsername));
+  return tl::unexpected(failure(kExitUsage, "--key-file",
+                                std::string("belongs to a user; give --username, or the "
+                                            "setting ") +
+                                    kLookupUsername));
 }
 
 }  // namespace vantrel

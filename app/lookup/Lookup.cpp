@@ -50,8 +50,7 @@ class FailureListener : public WebServiceRequestOperationDelegate {
     std::string why = error ? error->localizedDescription : operation.serviceMessage().value_or("");
     if (why.empty()) why = "refused without a reason";
     const auto code = error ? exitCodeFor(*error) : kExitUnavailable;
-    done_(
-        tl::make_unexpected(failure(code, serviceName(operation), operation.withoutAccount(why))));
+    done_(tl::unexpected(failure(code, serviceName(operation), operation.withoutAccount(why))));
   }
 
  private:
@@ -97,7 +96,7 @@ Expected<Json> lookUp(const LookupOptions& options, const std::optional<Account>
   loop.exec();
   operation->cancel();
   if (result) return std::move(*result);
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitUnavailable, serviceName(*operation), "no answer came in time"));
 }
 

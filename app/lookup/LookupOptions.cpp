@@ -86,8 +86,8 @@ std::optional<int> LookupOptions::parse(int argc, char** argv, LookupOptions& op
 Expected<void> LookupOptions::readEnvironment() {
   if (const char* text = std::getenv("VANTREL_LOOKUP_ADDRESS"); text && *text) {
     if (!isAllowedAddress(text)) {
-      return tl::make_unexpected(failure(kExitUsage, "VANTREL_LOOKUP_ADDRESS",
-                                         "allowed are https, and http to this machine"));
+      return tl::unexpected(failure(kExitUsage, "VANTREL_LOOKUP_ADDRESS",
+                                    "allowed are https, and http to this machine"));
     }
     address = text;
   }
@@ -95,7 +95,7 @@ Expected<void> LookupOptions::readEnvironment() {
     constexpr double kMostWait = 60;
     const auto seconds = number(text, 0, kMostWait);
     if (!seconds) {
-      return tl::make_unexpected(
+      return tl::unexpected(
           failure(kExitUsage, "VANTREL_LOOKUP_WAIT", "allowed are seconds up to 60"));
     }
     wait = *seconds;

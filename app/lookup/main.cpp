@@ -21,7 +21,7 @@ namespace {
 
 Expected<nlohmann::json> answer(LookupOptions options) {
   const auto read = checkEnvironment().and_then([&] { return options.readEnvironment(); });
-  if (!read) return tl::make_unexpected(read.error());
+  if (!read) return tl::unexpected(read.error());
   QNetworkProxyFactory::setUseSystemConfiguration(true);
   MainQueue::install(std::make_shared<QtMainQueue>());
   auto cache = paths::cacheDirectory();

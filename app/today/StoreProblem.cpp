@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "base/Log.h"
+#include "base/StringFormat.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "store/Database.h"
 #include "today/InterfaceText.h"

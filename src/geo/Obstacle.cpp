@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "base/Log.h"
+#include "base/StringFormat.h"
 #include "defaults/PlannerKeys.h"
 #include "defaults/VantrelUserDefaults.h"
 #include "geo/VTObserver.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/Log.h"
+#include "base/StringFormat.h"
 #include "defaults/PlannerKeys.h"
 #include "defaults/VantrelUserDefaults.h"
 #include "platform/system/Bundle.h"

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "base/Log.h"
+#include "base/StringFormat.h"
 #include "objectstore/sqlite/SqliteStore.h"
 #include "objectstore/sqlite/StoreError.h"
 #include "platform/system/Bundle.h"

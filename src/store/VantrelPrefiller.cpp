@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/Log.h"
+#include "base/StringFormat.h"
 #include "platform/system/Bundle.h"
 
 namespace vantrel {

@@ -18,7 +18,7 @@ const Json& jsonOf(const std::shared_ptr<const void>& node) {
 }
 
 tl::unexpected<Error> undecodable(const std::string& why) {
-  return tl::make_unexpected(Error{"JSON", 0, "The answer is not JSON: " + why, {}});
+  return tl::unexpected(Error{"JSON", 0, "The answer is not JSON: " + why, {}});
 }
 
 /// What the library says, without its own numbering and the bytes it stumbled over.

@@ -7,6 +7,7 @@
 
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
+#include "base/StringFormat.h"
 #include "platform/system/MainQueue.h"
 #include "platform/system/UrlSession.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "appearance/Color+Constants.h"
-#include "base/Log.h"
+#include "base/StringFormat.h"
 #include "platform/system/Bundle.h"
 #include "platform/text/DateFormatter.h"
 #include "platform/view/TextMeasurer.h"

@@ -3,9 +3,8 @@
 #include <cstdint>
 
 #include "base/Clock.h"
-#include "base/Log.h"
-#include "base/PercentEncoding.h"
 #include "store/Database.h"
+#include "store/PlanLink.h"
 #include "time/Date+Ephemeris.h"
 
 namespace vantrel {
@@ -105,11 +104,7 @@ void TodayEventsViewController::todayViewDidTapOnView(TodayEventsView& /*view*/,
                                                       int index) {
   if (index < 0 || !plans_ || static_cast<std::size_t>(index) >= plans_->size()) return;
   const Planning& plan = *(*plans_)[static_cast<std::size_t>(index)];
-  const std::string identifier =
-      percentEncoded(plan.objectID().URIRepresentation(), kUrlHostAllowedCharacterSet);
-  if (ExtensionContext* context = extensionContext()) {
-    context->openURL(stringWithFormat("vantrel://plan?id=%@", {identifier}), {});
-  }
+  if (ExtensionContext* context = extensionContext()) context->openURL(deepLink(plan), {});
 }
 
 }  // namespace vantrel

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <functional>
 
-#include "common/PlanLink.h"
+#include "store/PlanLink.h"
 #include "today/WindowTest.h"
 
 namespace vantrel {

@@ -47,7 +47,7 @@ Expected<float> circleFromArgument(const std::string& option, const std::string&
 Expected<SensorFormat> sensorOf(const Given& given) {
   if (given.sensor) return sensorNamed("--sensor", *given.sensor);
   if (given.width && given.height) return SensorFormat{"", *given.width, *given.height};
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitUsage, "camera add", "give --sensor, or --width and --height"));
 }
 
@@ -59,7 +59,7 @@ Expected<void> apply(const Given& given, const SensorFormat& sensor, CustomCamer
   };
   const auto set = [&](const Value& value, const char* key) -> Expected<void> {
     if (camera.setValueForKey(value, key)) return {};
-    return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
+    return tl::unexpected(failure(kExitBadData, key, "this store has no place for it"));
   };
   auto done = set(*given.model, "model");
   for (const auto& [key, number] : numbers) {

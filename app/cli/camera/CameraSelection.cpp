@@ -40,13 +40,13 @@ Expected<CustomCamera::Cameras> allCameras(ManagedObjectContext& context) {
   if (auto cameras = CustomCamera::loadCustomCamerasInManagedObjectContext(context)) {
     return *std::move(cameras);
   }
-  return tl::make_unexpected(failure(kExitInputOutput, "cameras", "they cannot be read"));
+  return tl::unexpected(failure(kExitInputOutput, "cameras", "they cannot be read"));
 }
 
 Expected<std::shared_ptr<CustomCamera>> cameraNamed(ManagedObjectContext& context,
                                                     const std::string& text) {
   const auto cameras = allCameras(context);
-  if (!cameras) return tl::make_unexpected(cameras.error());
+  if (!cameras) return tl::unexpected(cameras.error());
   for (const auto matches : kWays) {
     CustomCamera::Cameras found;
     for (const auto& camera : *cameras) {
@@ -54,16 +54,15 @@ Expected<std::shared_ptr<CustomCamera>> cameraNamed(ManagedObjectContext& contex
     }
     if (found.size() == 1) return found.front();
     if (found.empty()) continue;
-    return tl::make_unexpected(ambiguous(
+    return tl::unexpected(ambiguous(
         text, "more than one camera; name one of these by its identifier", candidateLines(found)));
   }
   std::vector<std::string> models;
   for (const auto& camera : *cameras) models.push_back(camera->model().value_or(""));
   const auto nearest = nearestWord(text, models);
-  return tl::make_unexpected(
-      failure(kExitMissing, text,
-              "no such camera; " +
-                  (nearest ? "did you mean \"" + *nearest + "\"?" : "see vantrel camera list")));
+  return tl::unexpected(failure(kExitMissing, text,
+                                "no such camera; " + (nearest ? "did you mean \"" + *nearest + "\"?"
+                                                              : "see vantrel camera list")));
 }
 
 }  // namespace vantrel::cli

@@ -59,7 +59,7 @@ Expected<std::vector<SensorFormat>> sensorFormats() {
 
 Expected<SensorFormat> sensorNamed(const std::string& option, const std::string& text) {
   const auto formats = sensorFormats();
-  if (!formats) return tl::make_unexpected(formats.error());
+  if (!formats) return tl::unexpected(formats.error());
   const std::string wanted = folded(text);
   std::vector<SensorFormat> matches;
   for (const auto& format : *formats) {

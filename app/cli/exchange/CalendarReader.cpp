@@ -176,9 +176,9 @@ class EntryReader {
     if (!place) return {};
     if (written && isSamePlace(*place, *written)) place = written;
     const auto latitude = checkedDegrees(draft_.where + ": latitude", place->latitude, 90);
-    if (!latitude) return tl::make_unexpected(latitude.error());
+    if (!latitude) return tl::unexpected(latitude.error());
     const auto longitude = checkedDegrees(draft_.where + ": longitude", place->longitude, 180);
-    if (!longitude) return tl::make_unexpected(longitude.error());
+    if (!longitude) return tl::unexpected(longitude.error());
     draft_.values["latitude"] = *latitude;
     draft_.values["longitude"] = *longitude;
     return {};
@@ -243,7 +243,7 @@ Expected<void> readCalendar(icalcomponent* calendar, PlanDrafts& drafts, Counts&
       ++counts.cancelled;
     } else {
       auto draft = EntryReader(entry, number, zones, counts).read();
-      if (!draft) return tl::make_unexpected(draft.error());
+      if (!draft) return tl::unexpected(draft.error());
       drafts.plans.push_back(std::move(*draft));
     }
   }
@@ -254,13 +254,13 @@ Expected<void> readCalendar(icalcomponent* calendar, PlanDrafts& drafts, Counts&
 
 Expected<PlanDrafts> draftsFromCalendar(std::string_view text, const ProgressReport& progress) {
   const auto calendars = calendarsOfText(text, progress);
-  if (!calendars) return tl::make_unexpected(calendars.error());
+  if (!calendars) return tl::unexpected(calendars.error());
   PlanDrafts drafts;
   Counts counts;
   std::size_t number = 0;
   for (const auto& calendar : *calendars) {
     const auto done = readCalendar(calendar.get(), drafts, counts, number);
-    if (!done) return tl::make_unexpected(done.error());
+    if (!done) return tl::unexpected(done.error());
   }
   drafts.notes = notesOf(counts);
   return drafts;

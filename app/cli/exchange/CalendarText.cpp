@@ -195,14 +195,14 @@ Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
     if (isFolded) {
       piece.remove_prefix(1);
     } else if (const auto added = lines.add(std::exchange(line, {})); !added) {
-      return tl::make_unexpected(added.error());
+      return tl::unexpected(added.error());
     }
     // As much as tells that it is too long.
     line += piece.substr(0, kLongestLine + 1 - std::min(line.size(), kLongestLine));
     progress(at, text.size());
   }
   if (const auto added = lines.add(std::move(line)); !added) {
-    return tl::make_unexpected(added.error());
+    return tl::unexpected(added.error());
   }
   return lines.finish();
 }

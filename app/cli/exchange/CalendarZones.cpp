@@ -155,7 +155,7 @@ Expected<ZonedDate> CalendarZones::dateInZone(const std::string& name, const ica
   auto known = zones_.find(name);
   if (known == zones_.end()) {
     auto zone = zoneNamed(name);
-    if (!zone) return tl::make_unexpected(zone.error());
+    if (!zone) return tl::unexpected(zone.error());
     known = zones_.emplace(name, std::move(*zone)).first;
   }
   const auto& [system, embedded] = known->second;

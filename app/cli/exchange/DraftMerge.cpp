@@ -15,7 +15,7 @@
 #include "cli/plan/PlanSelection.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
-#include "common/PlanLink.h"
+#include "common/LinkedPlan.h"
 #include "platform/text/TimeZone.h"
 
 namespace vantrel::cli {
@@ -62,7 +62,7 @@ class Merge {
 
   Expected<void> readStore(bool withContents) {
     const auto plans = context_ ? allPlans(*context_) : Expected<Plans>(Plans());
-    if (!plans) return tl::make_unexpected(plans.error());
+    if (!plans) return tl::unexpected(plans.error());
     for (const auto& plan : *plans) {
       if (const auto identifier = plan->uniqueIdentifier()) known_[*identifier].push_back(plan);
       if (!withContents) continue;
@@ -94,7 +94,7 @@ class Merge {
     }
     if (isDryRun_ || merged.outcome == MergeOutcome::kSkipped) return merged;
     if (!plan) plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(kPlanEntity));
-    if (!plan) return tl::make_unexpected(failure(kExitInternal, "plan", "the model has no plans"));
+    if (!plan) return tl::unexpected(failure(kExitInternal, "plan", "the model has no plans"));
     for (const auto& [key, value] : values) {
       if (!plan->setValueForKey(value, key)) return refused(key, "this store has no place for it");
     }
@@ -135,9 +135,7 @@ class Merge {
     auto zone = plan ? zoneOfPlan(*plan) : TimeZone::defaultTimeZone();
     const auto given = values.find("timezone");
     if (given != values.end()) {
-      const auto name = contentOf<std::string>(given->second);
-      const auto named = name ? TimeZone::timeZoneWithName(*name) : std::nullopt;
-      zone = named.value_or(TimeZone::defaultTimeZone());
+      zone = TimeZone::timeZoneOrDefault(contentOf<std::string>(given->second));
     } else if (!plan) {
       // A wall time means little without its zone.
       values["timezone"] = zone.name();
@@ -163,7 +161,7 @@ Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& draf
                                          [](const auto& draft) { return !draft.identifier; });
   Merge merge(context, isDryRun);
   if (const auto read = merge.readStore(isSomeWithout); !read) {
-    return tl::make_unexpected(read.error());
+    return tl::unexpected(read.error());
   }
   std::vector<MergedPlan> merged;
   std::unordered_set<std::string_view> done;
@@ -171,7 +169,7 @@ Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& draf
     progress(merged.size(), drafts.size());
     if (draft.isRounded && draft.identifier && !done.insert(*draft.identifier).second) continue;
     auto one = merge.merge(draft);
-    if (!one) return tl::make_unexpected(one.error());
+    if (!one) return tl::unexpected(one.error());
     merged.push_back(std::move(*one));
   }
   return merged;

@@ -39,7 +39,7 @@ void addFile(CLI::App& parser, ExchangeOptions& options, const char* whatItIs, c
 
 Expected<ExchangeFormat> formatFromArgument(const std::string& option, const std::string& text) {
   if (const auto format = formatNamed(text)) return *format;
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitUsage, option + " \"" + text + "\"", "allowed are ics, json, csv, gpx, kml"));
 }
 

@@ -42,7 +42,7 @@ Expected<std::string> inputText(const std::string& name) {
   std::string text;
   const int error = file < 0 ? errno : readAll(file, text);
   const auto refused = [&](ExitCode code, const std::string& why) {
-    return tl::make_unexpected(failure(code, what, why));
+    return tl::unexpected(failure(code, what, why));
   };
   if (error != 0) return refused(exitCodeForReading(error), std::strerror(error));
   if (text.size() > kMostBytesRead) {

@@ -76,7 +76,7 @@ class ShapeCheck : public nlohmann::json_sax<json> {
 Expected<json> parsed(std::string_view text) {
   ShapeCheck check(text);
   if (!json::sax_parse(text, &check)) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         check.failure().value_or(failure(kExitBadData, "JSON", "cannot be read")));
   }
   return json::parse(text);
@@ -130,7 +130,7 @@ class PlanReader {
     }
     for (const auto& [key, value] : object_.items()) {
       const auto done = readAttribute(key, value);
-      if (!done) return tl::make_unexpected(done.error());
+      if (!done) return tl::unexpected(done.error());
     }
     if (const auto zone = unknownZone(draft_); zone && draft_.wallSeconds) {
       return refused(draft_.where + ".timezone", "no such time zone: \"" + *zone + "\"");
@@ -205,7 +205,7 @@ class PlanReader {
 
 Expected<PlanDrafts> draftsFromJson(std::string_view text) {
   const auto content = parsed(text);
-  if (!content) return tl::make_unexpected(content.error());
+  if (!content) return tl::unexpected(content.error());
   const json* list = &*content;
   if (list->is_object()) {
     const auto plans = list->find("plans");
@@ -216,13 +216,13 @@ Expected<PlanDrafts> draftsFromJson(std::string_view text) {
     return refused("plans", std::string("must be an array, not ") + kindOf(*list));
   }
   if (const auto checked = checkCount(list->size()); !checked) {
-    return tl::make_unexpected(checked.error());
+    return tl::unexpected(checked.error());
   }
   PlanDrafts drafts;
   drafts.plans.reserve(list->size());
   for (std::size_t i = 0; i < list->size(); ++i) {
     auto draft = PlanReader((*list)[i], "plans[" + std::to_string(i) + "]").read();
-    if (!draft) return tl::make_unexpected(draft.error());
+    if (!draft) return tl::unexpected(draft.error());
     drafts.plans.push_back(std::move(*draft));
   }
   drafts.notes = notesOf(drafts.plans);

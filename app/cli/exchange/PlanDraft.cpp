@@ -9,7 +9,7 @@
 namespace vantrel::cli {
 
 tl::unexpected<Error> refused(const std::string& where, const std::string& why) {
-  return tl::make_unexpected(failure(kExitBadData, where, why));
+  return tl::unexpected(failure(kExitBadData, where, why));
 }
 
 Expected<void> checkIdentifier(const std::string& where, const std::string& identifier) {

@@ -54,7 +54,7 @@ std::size_t writeToConsole(const Plans& plans, ExchangeFormat format, Console& c
 Expected<std::size_t> writeFile(const Plans& plans, ExchangeFormat format,
                                 const std::string& name) {
   OutputFile file(name);
-  if (const auto opened = file.open(); !opened) return tl::make_unexpected(opened.error());
+  if (const auto opened = file.open(); !opened) return tl::unexpected(opened.error());
   const std::size_t leftOut =
       write(plans, format, [&](std::string_view text) { file.write(text); });
   return file.finish().map([&] { return leftOut; });

@@ -39,17 +39,17 @@ Expected<ExchangeFormat> formatOf(const ExchangeOptions& options, std::string_vi
     format = first == '[' || first == '{' ? ExchangeFormat::kJson : ExchangeFormat::kCalendar;
   }
   if (*format == ExchangeFormat::kJson || *format == ExchangeFormat::kCalendar) return *format;
-  return tl::make_unexpected(failure(kExitUsage, std::string(nameOfFormat(*format)),
-                                     "is written only; plans are read from ics and json"));
+  return tl::unexpected(failure(kExitUsage, std::string(nameOfFormat(*format)),
+                                "is written only; plans are read from ics and json"));
 }
 
 Expected<PlanDrafts> readDrafts(const ExchangeOptions& options, Console& console) {
   const bool isTyped = options.file == ExchangeOptions::kStandardStream && ::isatty(STDIN_FILENO);
   if (isTyped) console.note("reading from the terminal; Ctrl-D ends");
   const auto text = inputText(options.file);
-  if (!text) return tl::make_unexpected(text.error());
+  if (!text) return tl::unexpected(text.error());
   const auto format = formatOf(options, *text);
-  if (!format) return tl::make_unexpected(format.error());
+  if (!format) return tl::unexpected(format.error());
   Progress progress("Reading", console);
   auto drafts = *format == ExchangeFormat::kJson
                     ? draftsFromJson(*text)
@@ -59,7 +59,7 @@ Expected<PlanDrafts> readDrafts(const ExchangeOptions& options, Console& console
   const auto checked = drafts.and_then([](const auto& all) { return checkIdentifiers(all.plans); });
   if (checked) return drafts;
   // What a file calls its zones and keys may be as long as the file.
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitBadData, nameOf(options),
               std::string(beginning(checked.error().localizedDescription, kLongestReason))));
 }
@@ -103,8 +103,7 @@ std::string jsonOf(const std::vector<MergedPlan>& plans, const PlanDrafts& draft
 std::string lineOf(const MergedPlan& plan, const Console& console) {
   std::string when = "--";
   if (plan.date) {
-    const auto zone = plan.timezone ? TimeZone::timeZoneWithName(*plan.timezone) : std::nullopt;
-    when = wallText(*plan.date, zone.value_or(TimeZone::defaultTimeZone()));
+    when = wallText(*plan.date, TimeZone::timeZoneOrDefault(plan.timezone));
   }
   std::string line = plan.outcome == MergeOutcome::kAdded ? "added    " : "changed  ";
   line += when + "  " + console.bold(plan.name ? printable(*plan.name) : "--");

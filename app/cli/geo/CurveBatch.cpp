@@ -65,7 +65,7 @@ Expected<PinPairTexts> wordsOf(std::string_view line) {
     line.remove_prefix(word.size());
   }
   if (count == words.size()) return words;
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitBadData, std::to_string(count) + " values", "wanted are the 6 of two points"));
 }
 

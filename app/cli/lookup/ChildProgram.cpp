@@ -40,7 +40,7 @@ int exitCodeOf(pid_t child) {
 Expected<ChildResult> outputOfProgram(const std::filesystem::path& program,
                                       const std::vector<std::string>& arguments) {
   const auto cannotStart = [&](int code) {
-    return tl::make_unexpected(failure(kExitUnavailable, program.string(), std::strerror(code)));
+    return tl::unexpected(failure(kExitUnavailable, program.string(), std::strerror(code)));
   };
   std::array<int, 2> pipe{};
   if (::pipe2(pipe.data(), O_CLOEXEC) != 0) return cannotStart(errno);

@@ -38,7 +38,7 @@ Expected<std::filesystem::path> lookupProgram() {
     const auto program = (folder / place / kName).lexically_normal();
     if (!folder.empty() && std::filesystem::is_regular_file(program, error)) return program;
   }
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitUnavailable, kName, "not installed beside this program; is vantrel whole?"));
 }
 
@@ -51,21 +51,20 @@ Expected<Json> lookUp(const std::string& subject, LocationCoordinate2D place,
   // A place that was stored may be anything.
   if (!(std::fabs(place.latitude) <= kMostLatitude &&
         std::fabs(place.longitude) <= kMostLongitude)) {
-    return tl::make_unexpected(failure(kExitBadData, what, "there is no such place on Earth"));
+    return tl::unexpected(failure(kExitBadData, what, "there is no such place on Earth"));
   }
   const auto program = lookupProgram();
-  if (!program) return tl::make_unexpected(program.error());
+  if (!program) return tl::unexpected(program.error());
   const auto ended = outputOfProgram(*program, argumentsFor(subject, place, service));
-  if (!ended) return tl::make_unexpected(ended.error());
+  if (!ended) return tl::unexpected(ended.error());
   Json answer = Json::parse(ended->output, nullptr, false);
   if (!answer.is_object()) {
-    return tl::make_unexpected(
-        failure(kExitInternal, what, "vantrel-lookup ended without an answer"));
+    return tl::unexpected(failure(kExitInternal, what, "vantrel-lookup ended without an answer"));
   }
   if (ended->exitCode == kExitDone) return answer;
   // A service may answer in several lines; an error has one.
-  return tl::make_unexpected(failure(static_cast<ExitCode>(ended->exitCode), what,
-                                     printable(answer.value("error", "failed"))));
+  return tl::unexpected(failure(static_cast<ExitCode>(ended->exitCode), what,
+                                printable(answer.value("error", "failed"))));
 }
 
 }  // namespace
@@ -87,7 +86,7 @@ Expected<TimeZone> timeZoneOfPlace(LocationCoordinate2D place, const PlaceServic
     if (const auto zone = TimeZone::timeZoneWithName(name)) return *zone;
     const std::string why = name.empty() ? "the service knows none there"
                                          : "this system knows no zone \"" + printable(name) + "\"";
-    return tl::make_unexpected(failure(kExitBadData, "lookup timezone", why));
+    return tl::unexpected(failure(kExitBadData, "lookup timezone", why));
   });
 }
 

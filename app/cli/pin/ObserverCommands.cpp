@@ -32,7 +32,7 @@ Expected<void> apply(const Changes& changes, VTObserver& observer) {
   LocationCoordinate2D horizon = observer.horizonPosition();
   const bool isNew = horizon.latitude == kLocationCoordinate2DInvalid.latitude;
   if (isNew && changes.horizonLatitude.has_value() != changes.horizonLongitude.has_value()) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         failure(kExitUsage, "observer set",
                 "there is no horizon yet; give --horizon-latitude and --horizon-longitude"));
   }
@@ -64,7 +64,7 @@ int setObserver(const Changes& given, Console& console) {
   }
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
     auto stored = storedObserver(defaults);
-    if (!stored) return tl::make_unexpected(stored.error());
+    if (!stored) return tl::unexpected(stored.error());
     if (auto done = apply(changes, stored->observer); !done) return done;
     defaults.setObject(PropertyList::data(stored->observer.archivedData()),
                        kUserDefaultsPlannerObserver);

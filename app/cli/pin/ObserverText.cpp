@@ -30,7 +30,7 @@ Expected<StoredObserver> storedObserver(const UserDefaults& defaults) {
   if (!stored) return StoredObserver{VTObserver(), false};
   const auto wrong = [](const std::string& why) {
     const std::string key(kUserDefaultsPlannerObserver);
-    return tl::make_unexpected(
+    return tl::unexpected(
         failure(kExitBadData, key, why + " Begin anew with vantrel defaults delete " + key));
   };
   const auto data = stored.asData();

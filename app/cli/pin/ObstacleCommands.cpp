@@ -146,7 +146,7 @@ int setObstacle(const Changes& given, Console& console) {
     Obstacle obstacle;
     if (!placedObstacle(defaults)) {
       if (!changes.pin.latitude || !changes.pin.longitude) {
-        return tl::make_unexpected(
+        return tl::unexpected(
             failure(kExitUsage, "obstacle set",
                     "no obstacle is placed yet; give --latitude and --longitude"));
       }

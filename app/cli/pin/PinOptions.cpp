@@ -64,7 +64,7 @@ void addPinOptions(CLI::App& parser, PinChanges& changes) {
 Expected<void> lookUpAltitude(PinChanges& changes,
                               const std::optional<LocationCoordinate2D>& stored) {
   const auto fail = [](ExitCode code, const char* why) {
-    return tl::make_unexpected(failure(code, "--altitude auto", why));
+    return tl::unexpected(failure(code, "--altitude auto", why));
   };
   if (!stored && !(changes.latitude && changes.longitude)) {
     return fail(kExitUsage, "of which place? give --latitude and --longitude");
@@ -72,7 +72,7 @@ Expected<void> lookUpAltitude(PinChanges& changes,
   const LocationCoordinate2D at = stored.value_or(LocationCoordinate2D());
   const auto found = altitudeOfPlace(
       {changes.latitude.value_or(at.latitude), changes.longitude.value_or(at.longitude)});
-  if (!found) return tl::make_unexpected(found.error());
+  if (!found) return tl::unexpected(found.error());
   if (!*found) return fail(kExitMissing, "no altitude is known there");
   changes.altitude = **found;
   return {};

@@ -53,9 +53,7 @@ struct Planner {
   }
 
   /// The one that is named, else the device's.
-  TimeZone zone() const {
-    return TimeZone::timeZoneWithName(timezone.value_or("")).value_or(TimeZone::defaultTimeZone());
-  }
+  TimeZone zone() const { return TimeZone::timeZoneOrDefault(timezone); }
 
   std::optional<double> mapLatitude;
   std::optional<double> mapLongitude;

@@ -2,7 +2,7 @@
 #include "cli/plan/PlanJson.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
-#include "common/PlanLink.h"
+#include "common/LinkedPlan.h"
 #include "common/StoreAccess.h"
 
 namespace vantrel::cli {

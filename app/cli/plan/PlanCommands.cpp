@@ -60,13 +60,12 @@ Expected<Value> checkedValue(const std::string& key, const std::string& text,
 /// Everything that was given, checked; wall times are those of `zone`, or of the zone given.
 Expected<Changes> checkedChanges(const Given& given, TimeZone zone) {
   if (const auto name = given.find("timezone"); name != given.end()) {
-    zone =
-        TimeZone::timeZoneWithName(name->second.value_or("")).value_or(TimeZone::defaultTimeZone());
+    zone = TimeZone::timeZoneOrDefault(name->second);
   }
   Changes changes;
   for (const auto& [key, text] : given) {
     auto value = text ? checkedValue(key, *text, zone) : Value();
-    if (!value) return tl::make_unexpected(value.error());
+    if (!value) return tl::unexpected(value.error());
     changes[key] = *value;
   }
   return changes;
@@ -98,7 +97,7 @@ Expected<Given> withZoneOfPlace(Given given, const Planning* plan) {
   const auto latitude = coordinateOf(given, "latitude", plan ? plan->latitude() : std::nullopt);
   const auto longitude = coordinateOf(given, "longitude", plan ? plan->longitude() : std::nullopt);
   if (!latitude || !longitude) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         failure(kExitUsage, "--timezone auto", "of which place? give --latitude and --longitude"));
   }
   return timeZoneOfPlace({*latitude, *longitude}).map([&](const TimeZone& zone) {
@@ -110,7 +109,7 @@ Expected<Given> withZoneOfPlace(Given given, const Planning* plan) {
 Expected<void> applyAndSave(const Changes& changes, Planning& plan) {
   for (const auto& [key, value] : changes) {
     if (!plan.setValueForKey(value, key)) {
-      return tl::make_unexpected(failure(kExitBadData, key, "this store has no place for it"));
+      return tl::unexpected(failure(kExitBadData, key, "this store has no place for it"));
     }
   }
   return plan.managedObjectContext()->save();

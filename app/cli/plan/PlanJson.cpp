@@ -6,7 +6,7 @@
 #include "base/Iso8601.h"
 #include "cli/JsonText.h"
 #include "cli/plan/PlanText.h"
-#include "common/PlanLink.h"
+#include "store/PlanLink.h"
 
 namespace vantrel::cli {
 

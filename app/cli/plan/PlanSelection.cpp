@@ -8,7 +8,7 @@
 #include "cli/Suggestion.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
-#include "common/PlanLink.h"
+#include "common/LinkedPlan.h"
 #include "common/StoreAccess.h"
 
 namespace vantrel::cli {
@@ -26,12 +26,12 @@ Expected<Range> checkedRange(const std::optional<std::string>& from,
   Range range;
   if (from) {
     const auto moment = momentFromArgument("--from", *from, here);
-    if (!moment) return tl::make_unexpected(moment.error());
+    if (!moment) return tl::unexpected(moment.error());
     range.first = moment->first;
   }
   if (to) {
     const auto moment = momentFromArgument("--to", *to, here);
-    if (!moment) return tl::make_unexpected(moment.error());
+    if (!moment) return tl::unexpected(moment.error());
     range.last = moment->last;
   }
   return range;
@@ -138,28 +138,28 @@ Expected<Plans> allPlans(ManagedObjectContext& context) {
 Expected<Plans> plansBetween(const std::optional<std::string>& from,
                              const std::optional<std::string>& to) {
   const auto range = checkedRange(from, to);
-  if (!range) return tl::make_unexpected(range.error());
+  if (!range) return tl::unexpected(range.error());
   const auto context = contextForReading();
-  if (!context) return tl::make_unexpected(context.error());
+  if (!context) return tl::unexpected(context.error());
   return range->first || range->last ? plansInRange(**context, *range) : allPlans(**context);
 }
 
 Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
                                               const std::string& text) {
   if (text.starts_with(kUriScheme)) return planWithURI(context, text);
-  if (text.empty()) return tl::make_unexpected(failure(kExitUsage, "PLAN", "must not be empty"));
+  if (text.empty()) return tl::unexpected(failure(kExitUsage, "PLAN", "must not be empty"));
   const auto plans = candidates(context, text);
-  if (!plans) return tl::make_unexpected(plans.error());
+  if (!plans) return tl::unexpected(plans.error());
   const bool exact =
       plans->size() == 1 && upperCase(*plans->front()->uniqueIdentifier()) == upperCase(text);
   if (text.size() < kShortestPrefix && !exact) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         ambiguous(text, "too short to name a plan; give at least four characters of its identifier",
                   candidateLines(*plans)));
   }
-  if (plans->empty()) return tl::make_unexpected(failure(kExitMissing, text, "no such plan"));
+  if (plans->empty()) return tl::unexpected(failure(kExitMissing, text, "no such plan"));
   if (plans->size() > 1) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         ambiguous(text, "more than one plan; give more characters of", candidateLines(*plans)));
   }
   return plans->front();

@@ -9,8 +9,8 @@
 #include "cli/Arguments.h"
 #include "cli/Suggestion.h"
 #include "cli/plan/PlanText.h"
-#include "common/PlanLink.h"
 #include "common/TerminalText.h"
+#include "store/PlanLink.h"
 #include "time/Formatters.h"
 
 namespace vantrel::cli {
@@ -86,14 +86,14 @@ tl::expected<PlanTemplate::Write, std::string> PlanTemplate::fieldNamed(const st
     names.emplace_back(field.name);
   }
   const auto nearest = nearestWord(name, names);
-  return tl::make_unexpected(
+  return tl::unexpected(
       "no field {" + name + "}; " +
       (nearest ? "did you mean {" + *nearest + "}?" : "there are " + fieldNames()));
 }
 
 Expected<PlanTemplate> PlanTemplate::parsed(const std::string& option, const std::string& text) {
   if (const auto valid = textFromArgument(option, text); !valid) {
-    return tl::make_unexpected(valid.error());
+    return tl::unexpected(valid.error());
   }
   const auto fail = [&](const std::string& why) { return refused(option, text, why); };
   PlanTemplate result;

@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "base/Iso8601.h"
-#include "common/PlanLink.h"
 #include "common/TerminalText.h"
+#include "store/PlanLink.h"
 
 namespace vantrel::cli {
 

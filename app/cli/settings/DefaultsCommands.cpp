@@ -38,7 +38,7 @@ Expected<std::string> typeFromArgument(const std::string& option, const std::str
 
 Expected<std::string> keyFromArgument(const std::string& option, const std::string& text) {
   if (!text.empty()) return textFromArgument(option, text);
-  return tl::make_unexpected(failure(kExitUsage, option, "a key has at least one character"));
+  return tl::unexpected(failure(kExitUsage, option, "a key has at least one character"));
 }
 
 /// The stored value as programs get it that ask for `type`.
@@ -56,7 +56,7 @@ Expected<PropertyList> valueAs(const std::string& type, const UserDefaults& defa
   if (scalar && type == "float") {
     return PropertyList::real(decimalOfFloat(defaults.floatForKey(key)));
   }
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitBadData, key, "the value is of type " + typeOfValue(value) + ", not " + type));
 }
 
@@ -86,11 +86,11 @@ Expected<std::string> standardInput() {
   while (const auto count = std::fread(piece.data(), 1, piece.size(), stdin)) {
     content.append(piece.data(), count);
     if (content.size() > PropertyList::kMaxBytes) {
-      return tl::make_unexpected(failure(kExitBadData, "standard input", "too much for a value"));
+      return tl::unexpected(failure(kExitBadData, "standard input", "too much for a value"));
     }
   }
   if (!std::ferror(stdin)) return content;
-  return tl::make_unexpected(failure(kExitInputOutput, "standard input", std::strerror(errno)));
+  return tl::unexpected(failure(kExitInputOutput, "standard input", std::strerror(errno)));
 }
 
 /// From the command line, or with "-" from standard input: data as it is, a text without the line
@@ -119,7 +119,7 @@ int deleteKey(const Request& request, Console& console) {
   const auto readable = settingsForReading(request.suite);
   if (!readable) return console.fail(readable.error());
   const auto remove = [&](UserDefaults& defaults) -> Expected<void> {
-    if (!defaults.objectForKey(*request.key)) return tl::make_unexpected(missingKey(*request.key));
+    if (!defaults.objectForKey(*request.key)) return tl::unexpected(missingKey(*request.key));
     defaults.removeObjectForKey(*request.key);
     return {};
   };
@@ -167,7 +167,7 @@ int migrate(Console& console) {
       return {};
     }
     if (auto readable = settingsForReading(Suite::kStandard); !readable) {
-      return tl::make_unexpected(readable.error());
+      return tl::unexpected(readable.error());
     }
     VantrelUserDefaults::migrateUserDefaultsIfNeccessary();
     return {};

@@ -41,14 +41,14 @@ std::optional<Data> dataFromBase64(const std::string& text) {
 
 Expected<PropertyList> dataFromArgument(const std::string& option, const std::string& text) {
   if (const auto data = dataFromBase64(text)) return PropertyList::data(*data);
-  return tl::make_unexpected(failure(kExitUsage, option, "allowed is base64"));
+  return tl::unexpected(failure(kExitUsage, option, "allowed is base64"));
 }
 
 Expected<PropertyList> stringFromArgument(const std::string& option, const std::string& text) {
   if (text.find('\0') == std::string::npos) {
     return textFromArgument(option, text).map(&PropertyList::string);
   }
-  return tl::make_unexpected(failure(kExitUsage, option, "allowed is text without NUL"));
+  return tl::unexpected(failure(kExitUsage, option, "allowed is text without NUL"));
 }
 
 }  // namespace

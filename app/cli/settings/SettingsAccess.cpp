@@ -16,7 +16,7 @@ UserDefaults& settings(Suite suite) {
 /// Without a place, settings would be lost at the end of the program.
 Expected<void> checkPlace(Suite suite) {
   if (suite == Suite::kShared ? paths::groupContainer() : paths::configDirectory()) return {};
-  return tl::make_unexpected(
+  return tl::unexpected(
       failure(kExitMissing, "settings", "no place for them; set HOME or VANTREL_GROUP_CONTAINER"));
 }
 

@@ -113,8 +113,7 @@ Date sunPassesAltitude(double altitude, bool inTheMorning, int civilDay, double 
 std::vector<SamplePlan> samplePlans(Date now) {
   std::vector<SamplePlan> plans;
   for (const auto& rule : kRules) {
-    const TimeZone zone =
-        TimeZone::timeZoneWithName(rule.timezone).value_or(TimeZone::defaultTimeZone());
+    const TimeZone zone = TimeZone::timeZoneOrDefault(rule.timezone);
     const Date passage =
         sunPassesAltitude(rule.sunAltitude, rule.inTheMorning, civilDayFor(rule, now, zone),
                           rule.latitude, rule.longitude);

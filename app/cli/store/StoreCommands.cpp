@@ -73,9 +73,9 @@ struct StoreInfo {
 /// Reads it all without opening the store for writing.
 Expected<StoreInfo> storeInfo(const fs::path& path) {
   const auto metadata = PersistentStoreCoordinator::metadataForPersistentStore(path);
-  if (!metadata) return tl::make_unexpected(metadata.error());
+  if (!metadata) return tl::unexpected(metadata.error());
   const auto model = Database::sharedInstance().managedObjectModel();
-  if (!model) return tl::make_unexpected(failure(kExitInternal, "store", "the model is missing"));
+  if (!model) return tl::unexpected(failure(kExitInternal, "store", "the model is missing"));
 
   StoreInfo info;
   info.path = path;
@@ -161,7 +161,7 @@ Expected<bool> isPlanned(ManagedObjectContext& context, const SamplePlan& sample
 Expected<void> addSample(ManagedObjectContext& context, const SamplePlan& sample) {
   const auto plan = std::dynamic_pointer_cast<Planning>(context.insertNewObject("Planning"));
   if (!plan) {
-    return tl::make_unexpected(failure(kExitInternal, "store sample", "the model has no plans"));
+    return tl::unexpected(failure(kExitInternal, "store sample", "the model has no plans"));
   }
   plan->setName(sample.name);
   plan->setNotes(sample.notes);

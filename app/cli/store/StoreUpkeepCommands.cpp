@@ -47,7 +47,7 @@ Expected<std::size_t> countWithoutIdentifier(ManagedObjectContext& context) {
     if (!entity.superentityName.empty()) continue;
     const auto count = context.countForFetchRequest(
         {.entityName = entity.name, .predicate = Predicate::isNil("uniqueIdentifier")});
-    if (!count) return tl::make_unexpected(count.error());
+    if (!count) return tl::unexpected(count.error());
     sum += *count;
   }
   return sum;
@@ -83,7 +83,7 @@ Expected<Counts> countKinds(ManagedObjectContext& context) {
   Counts counts{};
   for (std::size_t i = 0; i < kKinds.size(); ++i) {
     const auto count = context.countForFetchRequest({.entityName = kKinds[i].entityName});
-    if (!count) return tl::make_unexpected(count.error());
+    if (!count) return tl::unexpected(count.error());
     counts[i] = *count;
   }
   return counts;
@@ -103,7 +103,7 @@ Expected<void> addCopies(ManagedObjectContext& context, const char* entityName,
                          std::string_view key, Database::Objects& copies) {
   const auto objects = context.executeFetchRequest(
       {.entityName = entityName, .predicate = Predicate::isNil(std::string(key))});
-  if (!objects) return tl::make_unexpected(objects.error());
+  if (!objects) return tl::unexpected(objects.error());
   std::map<std::string, Database::Objects> kept;
   for (const auto& object : *objects) {
     const Value identifier = object->valueForKey("uniqueIdentifier");
@@ -124,7 +124,7 @@ Expected<Database::Objects> copiesLeft(ManagedObjectContext& context) {
   Database::Objects copies;
   for (const char* key : {"date", "name"}) {
     if (const auto added = addCopies(context, "Planning", key, copies); !added) {
-      return tl::make_unexpected(added.error());
+      return tl::unexpected(added.error());
     }
   }
   // One that lacks both was found twice.
@@ -135,11 +135,11 @@ Expected<Database::Objects> copiesLeft(ManagedObjectContext& context) {
 
 Expected<void> removeCopiesLeft(ManagedObjectContext& context) {
   auto copies = copiesLeft(context);
-  if (!copies) return tl::make_unexpected(copies.error());
+  if (!copies) return tl::unexpected(copies.error());
   if (copies->empty()) return {};
   if (auto locked = context.lockStore(); !locked) return locked;
   copies = copiesLeft(context);
-  if (!copies) return tl::make_unexpected(copies.error());
+  if (!copies) return tl::unexpected(copies.error());
   for (const auto& copy : *copies) context.deleteObject(copy);
   return context.save();
 }
@@ -149,7 +149,7 @@ Expected<void> removeDuplicates() {
   MainQueue::install(queue);
   Expected<void> result;
   Database::sharedInstance().removeDuplicatesWithCompletion([&](const auto& error) {
-    if (error) result = tl::make_unexpected(*error);
+    if (error) result = tl::unexpected(*error);
   });
   queue->runUntilEmpty();
   return result;
@@ -158,7 +158,7 @@ Expected<void> removeDuplicates() {
 /// How many of each kind would be left.
 Expected<Counts> foretell(ManagedObjectContext& context, Counts counts) {
   auto duplicates = Database::sharedInstance().duplicateObjects();
-  if (!duplicates) return tl::make_unexpected(duplicates.error());
+  if (!duplicates) return tl::unexpected(duplicates.error());
   return copiesLeft(context).map([&](const auto& copies) {
     duplicates->insert(duplicates->end(), copies.begin(), copies.end());
     for (std::size_t i = 0; i < kKinds.size(); ++i) {

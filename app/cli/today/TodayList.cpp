@@ -56,16 +56,16 @@ std::optional<TodayList> shownInOneLife(bool expanded) {
 }  // namespace
 
 Expected<TodayList> todayList(bool isExpanded) {
-  if (const auto store = existingStore(); !store) return tl::make_unexpected(store.error());
+  if (const auto store = existingStore(); !store) return tl::unexpected(store.error());
   constexpr int kTries = 2;
   for (int i = 0; i < kTries; ++i) {
     if (auto today = shownInOneLife(isExpanded)) return *std::move(today);
     // A fetch of our own reports why the plans could not be fetched, unless they can by now.
     if (const auto context = contextForReading(); !context) {
-      return tl::make_unexpected(context.error());
+      return tl::unexpected(context.error());
     }
   }
-  return tl::make_unexpected(failure(kExitInputOutput, "store", "the plans cannot be read"));
+  return tl::unexpected(failure(kExitInputOutput, "store", "the plans cannot be read"));
 }
 
 }  // namespace vantrel::cli

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/Clock.h"
-#include "base/Log.h"
+#include "base/StringFormat.h"
 #include "cli/JsonText.h"
 #include "cli/plan/PlanText.h"
 #include "common/TerminalText.h"

@@ -1,6 +1,6 @@
 #include "today/sheet/PlanDescription.h"
 
-#include "base/Log.h"
+#include "base/StringFormat.h"
 #include "platform/text/TimeZone.h"
 #include "today/InterfaceText.h"
 
@@ -26,7 +26,7 @@ std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan)
   const auto date = plan.date();
   if (!date) return std::nullopt;
   const TimeZone here = TimeZone::defaultTimeZone();
-  const TimeZone zone = TimeZone::timeZoneWithName(plan.timezone().value_or("")).value_or(here);
+  const TimeZone zone = TimeZone::timeZoneOrDefault(plan.timezone());
   formatter_.setTimeZone(zone);
   When when{formatter_.stringFromDate(*date), zone.name(), std::nullopt};
   if (zone.secondsFromGMTForDate(*date) != here.secondsFromGMTForDate(*date)) {

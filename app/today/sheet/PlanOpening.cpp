@@ -1,7 +1,7 @@
 #include "today/sheet/PlanOpening.h"
 
 #include "common/ExitCode.h"
-#include "common/PlanLink.h"
+#include "common/LinkedPlan.h"
 #include "common/StoreAccess.h"
 #include "store/Database.h"
 #include "today/InterfaceText.h"
@@ -12,15 +12,15 @@ namespace vantrel {
 Expected<std::shared_ptr<Planning>> planOfLink(const std::string& link) {
   const auto uri = uriFromLink(link);
   if (!uri) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         failure(kExitBadData, "the link",
                 "leads to no plan; those look like vantrel://plan?id=x-coredata:%2F%2F..."));
   }
-  if (auto store = existingStore(); !store) return tl::make_unexpected(store.error());
-  if (auto problem = storeProblem()) return tl::make_unexpected(std::move(*problem));
+  if (auto store = existingStore(); !store) return tl::unexpected(store.error());
+  if (auto problem = storeProblem()) return tl::unexpected(std::move(*problem));
   auto plan = planWithURI(*Database::sharedInstance().managedObjectContext(), *uri);
   if (!plan && exitCodeForError(plan.error()) == kExitMissing) {
-    return tl::make_unexpected(
+    return tl::unexpected(
         failure(kExitMissing, "the link", "its plan is gone, or belongs to another store"));
   }
   return plan;

@@ -5,10 +5,10 @@
 #include <QString>
 #include <cmath>
 
-#include "common/PlanLink.h"
 #include "platform/qt/QtParagraph.h"
 #include "platform/text/Locale.h"
 #include "platform/text/NumberFormatter.h"
+#include "store/PlanLink.h"
 #include "today/sheet/PlanDescription.h"
 
 namespace vantrel {

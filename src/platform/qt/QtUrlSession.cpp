@@ -151,8 +151,8 @@ class Load : public QObject {
       return;
     }
     const std::string why = reason_.empty() ? reply_.errorString().toStdString() : reason_;
-    ended_(*this, tl::make_unexpected(
-                      Error{UrlSession::kErrorDomain, reply_.error(), why, {{"url", url_}}}));
+    ended_(*this,
+           tl::unexpected(Error{UrlSession::kErrorDomain, reply_.error(), why, {{"url", url_}}}));
   }
 
   QNetworkReply& reply_;

@@ -10,7 +10,7 @@ class NoSession : public UrlSession {
  public:
   std::optional<std::string> cachedResponse(const UrlRequest& /*request*/) override { return {}; }
   void dataTask(const UrlRequest& request, Completion completion) override {
-    completion(tl::make_unexpected(
+    completion(tl::unexpected(
         Error{kErrorDomain, 0, "This program has no network session.", {{"url", request.url}}}));
   }
 };

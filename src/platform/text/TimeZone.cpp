@@ -196,6 +196,13 @@ TimeZone TimeZone::systemTimeZone(const fs::path& folder) {
   return timeZoneWithRules(ZoneRules::decoded(file), file, likelyName);
 }
 
+TimeZone TimeZone::timeZoneOrDefault(const std::optional<std::string>& name) {
+  if (name) {
+    if (auto zone = timeZoneWithName(*name)) return *std::move(zone);
+  }
+  return defaultTimeZone();
+}
+
 TimeZone TimeZone::defaultTimeZone() {
   const char* variable = std::getenv("TZ");
   if (!variable) return systemTimeZone();

@@ -22,6 +22,8 @@ class TimeZone {
   /// "/", of 255 bytes at most, reach the file system.
   static std::optional<TimeZone> timeZoneWithName(std::string_view name);
   static TimeZone timeZoneForSecondsFromGMT(int seconds);
+  /// The zone of that name; the device's if there is no name or the name is unknown.
+  static TimeZone timeZoneOrDefault(const std::optional<std::string>& name);
   /// The device's zone as it is now: that of `TZ`, which holds a name or a POSIX rule
   /// ("<+03>-3"), else `systemTimeZone`. Of a path in `TZ` only the name after "zoneinfo/" counts;
   /// a path without the name of a zone means `systemTimeZone`, any other value UTC.

@@ -8,7 +8,7 @@
 #include <QProcess>
 #include <filesystem>
 
-#include "common/PlanLink.h"
+#include "store/PlanLink.h"
 #include "support/Guards.h"
 #include "support/TestStore.h"
 #include "today/Application.h"

@@ -5,7 +5,7 @@
 #include <QClipboard>
 #include <QTest>
 
-#include "common/PlanLink.h"
+#include "store/PlanLink.h"
 #include "today/WindowTest.h"
 
 namespace vantrel {

@@ -9,9 +9,6 @@
 
 namespace vantrel {
 
-/// The deep link to a plan, "vantrel://plan?id=...", as the widget opens it.
-std::string deepLink(const Planning& plan);
-
 /// The object URI in a deep link "vantrel://plan?id=…". Links come from anywhere: nothing but the
 /// URI of a plan, written as the widget writes it, gets through; kExitBadData for all else.
 Expected<std::string> uriFromLink(const std::string& link);
