@@ -160,6 +160,7 @@ TEST(DatabaseUpkeep, CopiesOnlyToAFolderOfItsOwnForPictures) {
   };
   EXPECT_FALSE(copy("Old.bak") || copy("link/Old.bak") || copy("Old"));
   test::writeFile(directory / "New.txt", "notes");
+  fs::create_symlink("Old.sqlite", directory / "New.link");
   fs::remove(directory / ".Old_SUPPORT/_EXTERNAL_DATA" / kPicture);
   EXPECT_TRUE(copy("New.sqlite")) << "a picture that the old store lacks too";
 }

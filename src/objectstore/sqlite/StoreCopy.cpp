@@ -74,14 +74,9 @@ void backUp(StoreConnection& source, const fs::path& file) {
   }
 }
 
-void removeIfPresent(const fs::path& path) {
-  std::error_code ignored;
-  fs::remove(path, ignored);
-}
-
 /// The files as they are, of a store that no program has open; opening the copy puts them together.
 void copyFiles(const fs::path& from, const fs::path& file) {
-  removeIfPresent(file);
+  fs::remove(file);
   if (!copyRegularFile(from, file)) failStore(StoreErrorCode::kMissing, "there is no store");
   for (const char* log : kLogs) {
     if (sizeOf(fs::path(from) += log) > 0) {
@@ -171,8 +166,9 @@ void checkOwnSupportFolder(const fs::path& from, const fs::path& to) {
     const bool isCompanion =
         std::any_of(kCompanions.begin(), kCompanions.end(),
                     [&](std::string_view suffix) { return name.ends_with(suffix); });
-    if (!isCompanion && other.stem() == place.stem() && StoreConnection::isDatabase(other))
-      fail(other);
+    if (isCompanion || other.stem() != place.stem()) continue;
+    // A link's pictures are beside the file that it leads to.
+    if (!entry.is_symlink(error) && StoreConnection::isDatabase(other)) fail(other);
   }
 }
 
