@@ -28,15 +28,11 @@ std::filesystem::path resolved(const std::filesystem::path& path) {
 }  // namespace
 
 StoreWatcher::StoreWatcher(const std::filesystem::path& store)
-    : store_(store), descriptor_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    : store_(store), events_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
   watchNearestFolder();
   state_ = currentState();
   lastStore_ = state_.front();
   if (watch_ < 0) logLine("store: the system has no file watch to spare; looking every 2 seconds");
-}
-
-StoreWatcher::~StoreWatcher() {
-  if (descriptor_ >= 0) close(descriptor_);
 }
 
 StoreWatcher::FileState StoreWatcher::stateOf(const std::filesystem::path& file) {
@@ -58,12 +54,12 @@ void StoreWatcher::watchNearestFolder() {
   do {
     before = watch_;
     auto folder = resolved(store_).parent_path();
-    watch_ = inotify_add_watch(descriptor_, folder.c_str(), kWatched);
+    watch_ = inotify_add_watch(events_.number(), folder.c_str(), kWatched);
     while (watch_ < 0 && (errno == ENOENT || errno == ENOTDIR) && folder.has_relative_path()) {
       folder = folder.parent_path();
-      watch_ = inotify_add_watch(descriptor_, folder.c_str(), kWatched);
+      watch_ = inotify_add_watch(events_.number(), folder.c_str(), kWatched);
     }
-    if (before >= 0 && before != watch_) inotify_rm_watch(descriptor_, before);
+    if (before >= 0 && before != watch_) inotify_rm_watch(events_.number(), before);
     // Again after a move: a folder may have been created after the look at its place.
   } while (watch_ >= 0 && watch_ != before);
 }
@@ -73,8 +69,8 @@ double StoreWatcher::pollingInterval() const {
 }
 
 StoreWatcher::Change StoreWatcher::read() {
-  std::array<char, 4096> events{};
-  while (::read(descriptor_, events.data(), events.size()) > 0) {
+  std::array<char, 4096> bytes{};
+  while (::read(events_.number(), bytes.data(), bytes.size()) > 0) {
   }
   watchNearestFolder();
   const StoreState now = currentState();

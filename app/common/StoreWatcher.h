@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "base/FileDescriptor.h"
+
 namespace vantrel {
 
 /// Reports that another program wrote to a store, or put another store in its place. For a caller
@@ -21,12 +23,9 @@ class StoreWatcher {
 
   /// The store and its folder need not exist yet, and may vanish and come back.
   explicit StoreWatcher(const std::filesystem::path& store);
-  ~StoreWatcher();
-  StoreWatcher(const StoreWatcher&) = delete;
-  StoreWatcher& operator=(const StoreWatcher&) = delete;
 
   /// Becomes readable when there may be a change; -1 if the system has no watch to spare.
-  int fileDescriptor() const { return descriptor_; }
+  int fileDescriptor() const { return events_.number(); }
   /// Seconds: 60, or 2 if the system has no watch to spare.
   double pollingInterval() const;
   /// Compares the store with the last call; never waits. What other programs read, and what they
@@ -50,7 +49,7 @@ class StoreWatcher {
   void watchNearestFolder();
 
   std::filesystem::path store_;
-  int descriptor_;
+  FileDescriptor events_;
   int watch_ = -1;
   StoreState state_;
   /// Of the last store there was.

@@ -10,11 +10,7 @@
 
 namespace vantrel {
 
-WallTimer::WallTimer() : descriptor_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {}
-
-WallTimer::~WallTimer() {
-  if (descriptor_ >= 0) close(descriptor_);
-}
+WallTimer::WallTimer() : file_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {}
 
 bool WallTimer::fireAt(Date instant) {
   // An all-zero time would disarm the timer.
@@ -25,12 +21,12 @@ bool WallTimer::fireAt(Date instant) {
   when.it_value.tv_nsec = static_cast<long>((seconds - whole) * 1e9);
   const int flags = TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET;
   // A step of the clock that was not read yet is reported here, with the timer armed all the same.
-  return timerfd_settime(descriptor_, flags, &when, nullptr) == 0 || errno == ECANCELED;
+  return timerfd_settime(file_.number(), flags, &when, nullptr) == 0 || errno == ECANCELED;
 }
 
 WallTimer::Event WallTimer::read() {
   std::uint64_t expirations = 0;
-  if (::read(descriptor_, &expirations, sizeof expirations) > 0) return Event::kReached;
+  if (::read(file_.number(), &expirations, sizeof expirations) > 0) return Event::kReached;
   return errno == ECANCELED ? Event::kClockSet : Event::kNone;
 }
 

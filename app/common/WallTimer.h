@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Date.h"
+#include "base/FileDescriptor.h"
 
 namespace vantrel {
 
@@ -11,12 +12,9 @@ class WallTimer {
   enum class Event { kNone, kReached, kClockSet };
 
   WallTimer();
-  ~WallTimer();
-  WallTimer(const WallTimer&) = delete;
-  WallTimer& operator=(const WallTimer&) = delete;
 
   /// Becomes readable when there is an event; -1 when the system has none to give.
-  int fileDescriptor() const { return descriptor_; }
+  int fileDescriptor() const { return file_.number(); }
   /// Arms the timer, in place of an earlier instant; one that has passed fires at once. False when
   /// the system refuses.
   bool fireAt(Date instant);
@@ -25,7 +23,7 @@ class WallTimer {
   Event read();
 
  private:
-  int descriptor_;
+  FileDescriptor file_;
 };
 
 }  // namespace vantrel

@@ -9,11 +9,11 @@
 
 #include "base/Iso8601.h"
 #include "cli/JsonText.h"
+#include "cli/Progress.h"
 #include "cli/exchange/CalendarReader.h"
 #include "cli/exchange/DraftMerge.h"
 #include "cli/exchange/InputText.h"
 #include "cli/exchange/JsonReader.h"
-#include "cli/exchange/Progress.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
 #include "common/StoreAccess.h"

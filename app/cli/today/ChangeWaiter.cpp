@@ -41,32 +41,30 @@ ChangeWaiter::ChangeWaiter(const std::filesystem::path& store)
   for (const int signal : {SIGINT, SIGTERM}) {
     std::signal(signal, [](int received) { ::_exit(kSignalled + received); });
   }
-  signals_ = signalfd(-1, &awaitedSignals_, SFD_NONBLOCK | SFD_CLOEXEC);
+  signals_ = FileDescriptor(signalfd(-1, &awaitedSignals_, SFD_NONBLOCK | SFD_CLOEXEC));
 }
 
 ChangeWaiter::~ChangeWaiter() {
   sigprocmask(SIG_SETMASK, &signalsBefore_, nullptr);
-  if (signals_ >= 0) close(signals_);
-  if (zoneFolder_ >= 0) close(zoneFolder_);
 }
 
 bool ChangeWaiter::isZoneChanged() {
   std::array<char, 4096> events{};
-  while (::read(zoneFolder_, events.data(), events.size()) > 0) {
+  while (::read(zoneFolder_.number(), events.data(), events.size()) > 0) {
   }
   return TimeZone::defaultTimeZone().name() != zoneName_;
 }
 
 std::optional<ChangeWaiter::Event> ChangeWaiter::receivedSignal() {
   signalfd_siginfo received{};
-  if (::read(signals_, &received, sizeof received) <= 0) return std::nullopt;
+  if (::read(signals_.number(), &received, sizeof received) <= 0) return std::nullopt;
   if (received.ssi_signo == SIGPIPE) return Event::kOutputGone;
   signal_ = static_cast<int>(received.ssi_signo);
   return Event::kInterrupted;
 }
 
 std::optional<ChangeWaiter::Event> ChangeWaiter::settle(std::chrono::milliseconds time) {
-  pollfd signals = {signals_, POLLIN, 0};
+  pollfd signals = {signals_.number(), POLLIN, 0};
   ::poll(&signals, 1, static_cast<int>(time.count()));
   return receivedSignal();
 }
@@ -89,10 +87,10 @@ ChangeWaiter::Event ChangeWaiter::nextEvent(Date lookAgain) {
     if (now >= deadline) return Event::kStale;
     timer_.fireAt(std::min(deadline, now.dateByAddingTimeInterval(store_.pollingInterval())));
     std::array<pollfd, 5> files = {{{STDOUT_FILENO, 0, 0},
-                                    {signals_, POLLIN, 0},
+                                    {signals_.number(), POLLIN, 0},
                                     {store_.fileDescriptor(), POLLIN, 0},
                                     {timer_.fileDescriptor(), POLLIN, 0},
-                                    {zoneFolder_, POLLIN, 0}}};
+                                    {zoneFolder_.number(), POLLIN, 0}}};
     ::poll(files.data(), files.size(), -1);
     if (const auto ended = receivedSignal()) return *ended;
     if (files[0].revents & (POLLERR | POLLNVAL)) return Event::kOutputGone;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/Date.h"
+#include "base/FileDescriptor.h"
 #include "common/StoreWatcher.h"
 #include "common/WallTimer.h"
 
@@ -46,11 +47,11 @@ class ChangeWaiter {
 
   StoreWatcher store_;
   WallTimer timer_;
-  int zoneFolder_;  ///< Watches where the link "localtime" tells the device's zone.
+  FileDescriptor zoneFolder_;  ///< Watches where the link "localtime" tells the device's zone.
   std::string zoneName_;
   sigset_t signalsBefore_{};
   sigset_t awaitedSignals_{};
-  int signals_ = -1;
+  FileDescriptor signals_;
   int signal_ = 0;
 };
 

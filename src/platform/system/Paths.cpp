@@ -64,7 +64,10 @@ std::optional<fs::path> documentDirectory() {
   if (!home) return std::nullopt;
   std::optional<fs::path> found;
   constexpr std::string_view kKey = "XDG_DOCUMENTS_DIR=";
-  std::ifstream file(*baseDirectory("XDG_CONFIG_HOME", ".config") / "user-dirs.dirs");
+  const auto name = *baseDirectory("XDG_CONFIG_HOME", ".config") / "user-dirs.dirs";
+  std::ifstream file;
+  // A FIFO in its place would be waited for.
+  if (std::error_code error; fs::is_regular_file(name, error)) file.open(name);
   for (std::string line; std::getline(file, line);) {
     const auto start = line.find_first_not_of(" \t");
     if (start == std::string::npos || line.compare(start, kKey.size(), kKey) != 0) continue;

@@ -19,6 +19,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "base/FileDescriptor.h"
 #include "base/Log.h"
 #include "platform/system/Paths.h"
 
@@ -31,25 +32,6 @@ namespace {
 Error posixError(int code, const fs::path& path) {
   return {"POSIX", code, path.string() + ": " + std::generic_category().message(code), {}};
 }
-
-class FileDescriptor {
- public:
-  FileDescriptor() = default;
-  explicit FileDescriptor(int number) : number_(number) {}
-  FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
-  ~FileDescriptor() {
-    if (number_ >= 0) ::close(number_);
-  }
-  explicit operator bool() const { return number_ >= 0; }
-  int number() const { return number_; }
-
- private:
-  int number_ = -1;
-};
 
 /// Tells one version of a file from the next.
 struct Identity {

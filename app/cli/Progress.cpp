@@ -1,4 +1,4 @@
-#include "cli/exchange/Progress.h"
+#include "cli/Progress.h"
 
 #include <unistd.h>
 
