@@ -43,7 +43,7 @@ bool isAscii(std::string_view text) {
 
 class Reader {
  public:
-  Reader(std::span<const std::byte> data, RealSize realSize) : data_(data), realSize_(realSize) {}
+  explicit Reader(std::span<const std::byte> data) : data_(data) {}
   std::optional<PropertyList> list();
 
  private:
@@ -74,7 +74,6 @@ class Reader {
   std::string text(const Object& object);
 
   std::span<const std::byte> data_;
-  RealSize realSize_;
   std::size_t offsetSize_ = 0;
   std::size_t referenceSize_ = 0;
   std::size_t root_ = 0;
@@ -219,12 +218,10 @@ PropertyList Reader::value(const Object& object) {
       return object.count == 0 ? PropertyList() : PropertyList::boolean(object.count == kTrue);
     case kInteger:
       return integer(object);
-    case kReal: {
+    case kReal:
       if (object.count == 8) return PropertyList::real(std::bit_cast<double>(bits()));
-      const auto single = std::bit_cast<float>(static_cast<std::uint32_t>(bits()));
-      return realSize_ == RealSize::kAsStored ? PropertyList::realOfSinglePrecision(single)
-                                              : PropertyList::real(double{single});
-    }
+      return PropertyList::realOfSinglePrecision(
+          std::bit_cast<float>(static_cast<std::uint32_t>(bits())));
     case kDate:
       return PropertyList::date(Date(std::bit_cast<double>(bits())));
     case kData:
@@ -398,9 +395,8 @@ bool isBinaryPropertyList(std::span<const std::byte> data) {
   return text.starts_with(kMark);
 }
 
-std::optional<PropertyList> propertyListWithBinary(std::span<const std::byte> data,
-                                                   RealSize realSize) {
-  return Reader(data, realSize).list();
+std::optional<PropertyList> propertyListWithBinary(std::span<const std::byte> data) {
+  return Reader(data).list();
 }
 
 Data binaryWithPropertyList(const PropertyList& list) {
