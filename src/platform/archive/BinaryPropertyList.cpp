@@ -12,7 +12,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr std::string_view kMark = "bplist00";
+constexpr std::string_view kMark = kBinaryPropertyListMark;
 constexpr std::size_t kTrailerSize = 32;
 
 /// The upper half of an object's first byte; the lower half is its value, the logarithm of its
@@ -77,7 +77,7 @@ class Reader {
   std::size_t offsetSize_ = 0;
   std::size_t referenceSize_ = 0;
   std::size_t root_ = 0;
-  std::size_t table_ = 0;  ///< The offset of the table of offsets; the objects end there.
+  std::size_t table_ = 0;  ///< Where the objects end and the table of their offsets begins.
   std::vector<Object> objects_;
   bool isDamaged_ = false;
 };
@@ -284,8 +284,8 @@ std::string counted(Type type, std::size_t count, std::string_view content = {})
 
 std::string textObject(const std::string& text) {
   if (isAscii(text)) return counted(kAscii, text.size(), text);
-  const auto wide = icu::UnicodeString::fromUTF8(text);
   std::string units;
+  const auto wide = icu::UnicodeString::fromUTF8(text);
   for (std::int32_t i = 0; i < wide.length(); ++i) units += bigEndian(wide.charAt(i), 2);
   return counted(kUtf16, units.size() / 2, units);
 }
@@ -308,13 +308,12 @@ struct Head {
     return numberObject(kReal, std::bit_cast<std::uint64_t>(value), 8);
   }
   std::string operator()(Date value) const {
-    const double seconds = value.timeIntervalSinceReferenceDate();
-    return numberObject(kDate, std::bit_cast<std::uint64_t>(seconds), 8);
+    return numberObject(kDate, std::bit_cast<std::uint64_t>(value), 8);
   }
   std::string operator()(const std::string& value) const { return textObject(value); }
   std::string operator()(const Data& value) const {
-    const std::string_view bytes(reinterpret_cast<const char*>(value.data()), value.size());
-    return counted(kData, value.size(), bytes);
+    return counted(kData, value.size(),
+                   {reinterpret_cast<const char*>(value.data()), value.size()});
   }
   std::string operator()(PropertyList::Uid value) const {
     const auto size = sizeOf(value.number);
@@ -389,11 +388,6 @@ Data Writer::list(const PropertyList& root) {
 }
 
 }  // namespace
-
-bool isBinaryPropertyList(std::span<const std::byte> data) {
-  const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
-  return text.starts_with(kMark);
-}
 
 std::optional<PropertyList> propertyListWithBinary(std::span<const std::byte> data) {
   return Reader(data).list();

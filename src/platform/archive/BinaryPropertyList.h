@@ -6,11 +6,11 @@
 
 namespace vantrel {
 
-/// Whether the data starts like a binary property list.
-bool isBinaryPropertyList(std::span<const std::byte> data);
+/// The first bytes of the binary form.
+constexpr std::string_view kBinaryPropertyListMark = "bplist00";
 
-/// Reads the binary form in linear time; `nullopt` if it is damaged or beyond PropertyList's
-/// limits. A set is damage: no property list holds one.
+/// Reads the binary form, whose first bytes the caller has checked; `nullopt` if it is damaged or
+/// beyond PropertyList's limits. A set is damage: no property list holds one.
 std::optional<PropertyList> propertyListWithBinary(std::span<const std::byte> data);
 
 /// Writes the binary form: integers in the fewest bytes, and equal scalars once.

@@ -39,7 +39,9 @@ Expected<Data> dataWithContentsOfURL(const std::filesystem::path& url) {
 Expected<PropertyList> PropertyList::propertyListWithData(std::span<const std::byte> data) {
   std::optional<PropertyList> list;
   if (data.size() <= kMaxBytes) {
-    list = isBinaryPropertyList(data) ? propertyListWithBinary(data) : propertyListWithXml(data);
+    const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+    list = text.starts_with(kBinaryPropertyListMark) ? propertyListWithBinary(data)
+                                                     : propertyListWithXml(data);
   }
   if (list) return std::move(*list);
   return tl::unexpected(Error{"PropertyList", 1, "The property list is damaged or too large.", {}});

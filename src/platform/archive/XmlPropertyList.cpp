@@ -51,86 +51,43 @@ bool isBounded(std::string_view text) {
 }
 
 /// The library's calls for single values cut dates to 32 bits of seconds and do not report the sign
-/// of an integer; its binary form holds both.
-std::optional<PropertyList> exactValue(plist_t node) {
+/// of an integer; its binary form holds both, but takes quadratic time for a large list.
+std::optional<PropertyList> scalar(plist_t node) {
   char* content = nullptr;
   std::uint32_t size = 0;
   plist_to_bin(node, &content, &size);
   const std::unique_ptr<char, decltype(&plist_to_bin_free)> binary(content, plist_to_bin_free);
-  return propertyListWithBinary(std::as_bytes(std::span(content, size)));
+  auto value = propertyListWithBinary(std::as_bytes(std::span(content, size)));
+  // The library writes reals in 32 bits if these suffice.
+  const auto real = value ? value->asReal() : std::nullopt;
+  return real ? PropertyList::real(*real) : value;
 }
-
-std::optional<PropertyList> convertedArray(plist_t node);
-std::optional<PropertyList> convertedDictionary(plist_t node);
 
 std::optional<PropertyList> converted(plist_t node) {
-  switch (plist_get_node_type(node)) {
-    case PLIST_BOOLEAN: {
-      std::uint8_t value = 0;
-      plist_get_bool_val(node, &value);
-      return PropertyList::boolean(value != 0);
-    }
-    case PLIST_UINT: {
-      std::uint64_t value = 0;
-      plist_get_uint_val(node, &value);
-      const bool hasSign = value >> 63 != 0;
-      return hasSign ? exactValue(node) : PropertyList::integer(static_cast<std::int64_t>(value));
-    }
-    case PLIST_REAL: {
-      double value = 0;
-      plist_get_real_val(node, &value);
-      return PropertyList::real(value);
-    }
-    case PLIST_STRING: {
-      std::uint64_t size = 0;
-      const char* text = plist_get_string_ptr(node, &size);
-      if (!isUtf8({text, size})) return std::nullopt;
-      return PropertyList::string({text, size});
-    }
-    case PLIST_DATA: {
-      std::uint64_t size = 0;
-      const char* content = plist_get_data_ptr(node, &size);
-      return PropertyList::data(std::as_bytes(std::span(content, size)));
-    }
-    case PLIST_ARRAY:
-      return convertedArray(node);
-    case PLIST_DICT:
-      return convertedDictionary(node);
-    default:
-      return exactValue(node);
-  }
-}
-
-std::optional<PropertyList> convertedArray(plist_t node) {
+  const auto type = plist_get_node_type(node);
+  const bool isArray = type == PLIST_ARRAY;
+  if (!isArray && type != PLIST_DICT) return scalar(node);
   PropertyList::Array items;
-  plist_array_iter next = nullptr;
-  plist_array_new_iter(node, &next);
-  const std::unique_ptr<void, decltype(&std::free)> iterator(next, std::free);
-  for (;;) {
-    plist_t item = nullptr;
-    plist_array_next_item(node, next, &item);
-    if (!item) return PropertyList(std::move(items));
-    auto value = converted(item);
-    if (!value) return std::nullopt;
-    items.push_back(std::move(*value));
-  }
-}
-
-std::optional<PropertyList> convertedDictionary(plist_t node) {
   PropertyList::Dictionary entries;
-  plist_dict_iter next = nullptr;
-  plist_dict_new_iter(node, &next);
+  void* next = nullptr;
+  isArray ? plist_array_new_iter(node, &next) : plist_dict_new_iter(node, &next);
   const std::unique_ptr<void, decltype(&std::free)> iterator(next, std::free);
   for (;;) {
     char* name = nullptr;
     plist_t item = nullptr;
-    plist_dict_next_item(node, next, &name, &item);
+    isArray ? plist_array_next_item(node, next, &item)
+            : plist_dict_next_item(node, next, &name, &item);
     const std::unique_ptr<char, decltype(&std::free)> key(name, std::free);
-    if (!item) return PropertyList(std::move(entries));
-    auto value = key && isUtf8(name) ? converted(item) : std::nullopt;
-    if (!value) return std::nullopt;
-    entries.emplace_back(name, std::move(*value));
+    if (!item) break;
+    auto value = converted(item);
+    if (!value || (name && !isUtf8(name))) return std::nullopt;
+    if (isArray) {
+      items.push_back(std::move(*value));
+    } else {
+      entries.emplace_back(name ? name : "", std::move(*value));
+    }
   }
+  return isArray ? PropertyList(std::move(items)) : PropertyList(std::move(entries));
 }
 
 }  // namespace
