@@ -10,7 +10,7 @@ namespace vantrel {
 constexpr std::string_view kBinaryPropertyListMark = "bplist00";
 
 /// Reads the binary form, whose first bytes the caller has checked; `nullopt` if it is damaged or
-/// beyond PropertyList's limits. A set is damage: no property list holds one.
+/// beyond PropertyList's limits. A set reads as an array.
 std::optional<PropertyList> propertyListWithBinary(std::span<const std::byte> data);
 
 /// Writes the binary form: integers in the fewest bytes, and equal scalars once.

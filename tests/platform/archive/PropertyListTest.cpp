@@ -150,6 +150,7 @@ TEST(PropertyList, KeepsValuesAsTheyStood) {
     if (i >= std::size(made)) continue;
     EXPECT_TRUE(textOf(made[i].binaryData()).starts_with(expected));
   }
+  EXPECT_EQ(parse(binaryList({"\xc1" + reference(1), "\x08"}))->items().size(), 1U) << "a set";
   // Integers take the fewest bytes.
   const auto wide = parse(binaryList({"\x13\0\0\0\0\0\0\1\xff"s})).value();
   EXPECT_TRUE(textOf(wide.binaryData()).starts_with("bplist00\x11\1\xff"s));
@@ -193,6 +194,11 @@ TEST(PropertyList, RefusesWhatWouldExhaustIt) {
   const std::string huge("\x13\x10\0\0\0\0\0\0\0", 9);  // 2^60
   EXPECT_TRUE(parse(chain(255, 1))) << "as deep as may be";
   EXPECT_TRUE(parse(chain(12, 2))) << "shared within reason";
+  const auto deepXml = [&](int depth) {
+    return "<plist>" + repeated("<array>", depth) + "<true/>" + repeated("</array>", depth) +
+           "</plist>";
+  };
+  EXPECT_TRUE(parse(textOf(parse(deepXml(255)).value().binaryData())));
   const std::pair<const char*, std::string> cases[] = {
       {"too deep", chain(256, 1)},
       {"deep enough for the stack", chain(200000, 1)},
@@ -211,7 +217,7 @@ TEST(PropertyList, RefusesWhatWouldExhaustIt) {
       {"a real of 16 bits", binaryList({"\x21\1\1"})},
       {"a number cut off", binaryList({"\x13\1\1"})},
       {"a reference to nowhere", binaryList({"\xa1" + reference(9)})},
-      {"deep XML", "<plist>" + repeated("<array>", 257) + repeated("</array>", 257) + "</plist>"},
+      {"deep XML", deepXml(256)},
       {"open XML", "<plist>" + repeated("<array>", 200000)},
       {"ends hidden in a comment",
        "<plist>" + repeated("<array><!---></array>-->", 300) + repeated("</array>", 300)},
