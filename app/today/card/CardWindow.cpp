@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "common/ExitCode.h"
+#include "common/Staleness.h"
 #include "platform/qt/QtTextMeasurer.h"
 #include "store/Database.h"
 #include "today/InterfaceText.h"
@@ -62,10 +64,15 @@ void CardWindow::connectTriggers() {
   connect(&triggers_, &RefreshTriggers::clockMoved, this, &CardWindow::refresh);
   connect(&triggers_, &RefreshTriggers::storeReplaced, this, &CardWindow::restartRequested);
   connect(&triggers_, &RefreshTriggers::timeZoneChanged, this, &CardWindow::restartRequested);
-  connect(&triggers_, &RefreshTriggers::storeChanged, this, [this] {
+  const auto readAgain = [this] {
     if (!storeFailedToOpen()) return refresh();
     emit restartRequested();
-  });
+  };
+  connect(&triggers_, &RefreshTriggers::storeChanged, this, readAgain);
+  // The end of a lock is no change of the store.
+  busyStore_.setSingleShot(true);
+  busyStore_.setInterval(static_cast<int>(kBusyStoreSeconds * 1000));
+  connect(&busyStore_, &QTimer::timeout, this, readAgain);
   connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, this,
           &CardWindow::refresh);
 }
@@ -124,6 +131,7 @@ void CardWindow::copyLink(const std::string& link) {
 void CardWindow::setProblem(const std::optional<Error>& problem) {
   problem_.reset();
   if (problem) problem_ = CardContent::Bar{problem->localizedDescription, localized("today_retry")};
+  if (problem && exitCodeForError(*problem) == kExitTryAgain) busyStore_.start();
   showBar();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QScrollArea>
+#include <QTimer>
 #include <optional>
 #include <string>
 
@@ -69,6 +70,7 @@ class CardWindow : public QScrollArea {
   std::optional<bool> wantsDark_;
   DesktopSettings desktop_;
   RefreshTriggers triggers_;
+  QTimer busyStore_;
   CardWidget* card_ = nullptr;
   std::optional<CardContent::Bar> problem_;
   std::optional<CardContent::Bar> notice_;
