@@ -3,12 +3,11 @@
 #include "common/ExitCode.h"
 #include "objectstore/sqlite/StoreError.h"
 #include "store/Database.h"
+#include "store/Planning.h"
 
 namespace vantrel {
 
 namespace {
-
-constexpr const char* kPlanEntity = "Planning";
 
 Expected<std::filesystem::path> storePath() {
   if (auto path = Database::sharedInstance().groupStoreURL()) return *path;
@@ -24,7 +23,7 @@ Expected<ManagedObjectContext*> context() {
   }
   ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
   FetchRequest request;
-  request.entityName = kPlanEntity;
+  request.entityName = Planning::kEntityName;
   request.fetchLimit = 1;
   const auto fetched = context->executeFetchRequest(request);
   if (!fetched) return tl::unexpected(fetched.error());

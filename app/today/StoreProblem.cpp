@@ -6,6 +6,7 @@
 #include "base/StringFormat.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "store/Database.h"
+#include "store/Planning.h"
 #include "today/InterfaceText.h"
 
 namespace vantrel {
@@ -40,7 +41,8 @@ std::optional<Error> storeProblem() {
   const Listener& told = listener();
   Error error;
   if (ManagedObjectContext* context = Database::sharedInstance().managedObjectContext()) {
-    const auto plans = context->executeFetchRequest({.entityName = "Planning", .fetchLimit = 1});
+    const auto plans =
+        context->executeFetchRequest({.entityName = Planning::kEntityName, .fetchLimit = 1});
     if (plans) return std::nullopt;
     error = plans.error();
   }

@@ -27,7 +27,7 @@ std::optional<CustomCamera::Cameras> fetchCameras(ManagedObjectContext& context,
 }
 
 FetchRequest requestForModel(const std::string& model) {
-  return {.entityName = "CustomCamera", .predicate = Predicate::equal("model", model)};
+  return {.entityName = CustomCamera::kEntityName, .predicate = Predicate::equal("model", model)};
 }
 
 }  // namespace
@@ -71,7 +71,8 @@ float CustomCamera::cropFactor() const {
 
 std::optional<CustomCamera::Cameras> CustomCamera::loadCustomCamerasInManagedObjectContext(
     ManagedObjectContext& context) {
-  return fetchCameras(context, {.entityName = "CustomCamera", .sortDescriptors = {{"model"}}});
+  return fetchCameras(context,
+                      {.entityName = CustomCamera::kEntityName, .sortDescriptors = {{"model"}}});
 }
 
 std::shared_ptr<CustomCamera> CustomCamera::loadCameraWithModel(const std::string& model,

@@ -11,10 +11,13 @@ namespace vantrel {
 
 class ManagedObjectContext;
 
-/// A camera that the photographer described: entity "CustomCamera" of the main store. Lengths are
+/// A custom camera of the main store. Lengths are
 /// millimetres; absent sizes count as 0. All arithmetic is in single precision.
 class CustomCamera : public IdentifiedObject {
  public:
+  /// The name of the entity in the model.
+  static constexpr const char* kEntityName = "CustomCamera";
+
   using Cameras = std::vector<std::shared_ptr<CustomCamera>>;
 
   /// A new camera without an identifier gets one, and no lens: neither `aperture` nor `focalLength`

@@ -4,7 +4,11 @@
 
 namespace vantrel {
 
-/// A point of interest of the photographer's own: entity "CustomPoi" of the main store.
-class CustomPoi : public PlacedObject {};
+/// A custom point of interest of the main store.
+class CustomPoi : public PlacedObject {
+ public:
+  /// The name of the entity in the model.
+  static constexpr const char* kEntityName = "CustomPoi";
+};
 
 }  // namespace vantrel

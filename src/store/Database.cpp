@@ -25,8 +25,8 @@ constexpr std::string_view kStoreFile = "Vantrel.sqlite";
 constexpr std::string_view kErrorTable = "Common";
 
 template <typename Class>
-void setClass(ManagedObjectModel& model, std::string_view entityName) {
-  if (auto* entity = model.entityNamed(entityName)) {
+void setClass(ManagedObjectModel& model) {
+  if (auto* entity = model.entityNamed(Class::kEntityName)) {
     entity->makeObject = [] { return std::make_shared<Class>(); };
   }
 }
@@ -85,10 +85,10 @@ std::optional<fs::path> Database::modelURL() const {
 std::shared_ptr<ManagedObjectModel> Database::managedObjectModel() {
   if (managedObjectModel_) return managedObjectModel_;
   managedObjectModel_ = loadModel(modelURL(), kModelName, modelFailure_);
-  setClass<CustomCamera>(*managedObjectModel_, "CustomCamera");
-  setClass<CustomPoi>(*managedObjectModel_, "CustomPoi");
-  setClass<Image>(*managedObjectModel_, "Image");
-  setClass<Planning>(*managedObjectModel_, "Planning");
+  setClass<CustomCamera>(*managedObjectModel_);
+  setClass<CustomPoi>(*managedObjectModel_);
+  setClass<Image>(*managedObjectModel_);
+  setClass<Planning>(*managedObjectModel_);
   return managedObjectModel_;
 }
 
@@ -105,7 +105,7 @@ StoreOptions Database::mainStoreOptions() {
   options.migratePersistentStoresAutomatically = true;
   options.inferMappingModelAutomatically = true;
   // What the list of plans cannot do without; the phone's own model has more, or other hashes.
-  options.requiredAttributes = {{"Planning", {"name", "date", "timezone"}}};
+  options.requiredAttributes = {{Planning::kEntityName, {"name", "date", "timezone"}}};
   return options;
 }
 

@@ -1,4 +1,7 @@
 #include "store/DuplicateRule.h"
+#include "store/CustomCamera.h"
+#include "store/CustomPoi.h"
+#include "store/Planning.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +30,9 @@ bool isCloseAlong(std::string_view key, const ManagedObject& a, const ManagedObj
 
 }  // namespace
 
-constexpr DuplicateRule kPlanningRule = {"Planning", true, kPlanningKeys};
-constexpr DuplicateRule kCustomPoiRule = {"CustomPoi", true, kCustomPoiKeys};
-constexpr DuplicateRule kCustomCameraRule = {"CustomCamera", false, kCustomCameraKeys};
+constexpr DuplicateRule kPlanningRule = {Planning::kEntityName, true, kPlanningKeys};
+constexpr DuplicateRule kCustomPoiRule = {CustomPoi::kEntityName, true, kCustomPoiKeys};
+constexpr DuplicateRule kCustomCameraRule = {CustomCamera::kEntityName, false, kCustomCameraKeys};
 constexpr std::array<const DuplicateRule*, 3> kDuplicateRules = {&kPlanningRule, &kCustomPoiRule,
                                                                  &kCustomCameraRule};
 

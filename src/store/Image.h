@@ -4,7 +4,11 @@
 
 namespace vantrel {
 
-/// A picture of a plan or a point of interest: entity "Image" of the main store.
-class Image : public IdentifiedObject {};
+/// A picture of a plan or a point of interest of the main store.
+class Image : public IdentifiedObject {
+ public:
+  /// The name of the entity in the model.
+  static constexpr const char* kEntityName = "Image";
+};
 
 }  // namespace vantrel

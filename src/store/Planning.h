@@ -8,9 +8,12 @@
 
 namespace vantrel {
 
-/// A planned shoot: entity "Planning" of the main store.
+/// A planned shoot of the main store.
 class Planning : public PlacedObject {
  public:
+  /// The name of the entity in the model.
+  static constexpr const char* kEntityName = "Planning";
+
   std::optional<std::string> notes() const { return textForKey("notes"); }
   void setNotes(const std::optional<std::string>& notes) { setOptionalForKey(notes, "notes"); }
   /// When the shoot takes place.

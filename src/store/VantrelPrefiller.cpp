@@ -6,6 +6,7 @@
 #include "base/Log.h"
 #include "base/StringFormat.h"
 #include "platform/system/Bundle.h"
+#include "store/Planning.h"
 
 namespace vantrel {
 
@@ -22,7 +23,7 @@ void VantrelPrefiller::translateDataInManagedObjectModel(ManagedObjectContext& c
 }
 
 void VantrelPrefiller::translatePlanningsInManagedObjectModel(ManagedObjectContext& context) {
-  const auto objects = context.executeFetchRequest({.entityName = "Planning"});
+  const auto objects = context.executeFetchRequest({.entityName = Planning::kEntityName});
   if (!objects) return;
   for (const auto& object : *objects) {
     if (const auto plan = std::dynamic_pointer_cast<Planning>(object)) translatePlanning(*plan);

@@ -5,6 +5,7 @@
 #include "base/Clock.h"
 #include "store/Database.h"
 #include "store/PlanLink.h"
+#include "store/Planning.h"
 #include "time/Date+Ephemeris.h"
 
 namespace vantrel {
@@ -16,7 +17,7 @@ constexpr EdgeInsets kMarginInsets{0, 37, 39, 0};
 FetchRequest nextPlansRequest() {
   const Date startOfDay = ephemeris::dateWithStartDateTime(Clock::sharedClock().now());
   FetchRequest request;
-  request.entityName = "Planning";
+  request.entityName = Planning::kEntityName;
   request.fetchLimit = TodayEventsView::kRowCount;
   request.predicate = Predicate::greaterThanOrEqual("date", startOfDay);
   request.sortDescriptors = {{"date", true}};

@@ -10,6 +10,7 @@
 #include "cli/camera/SensorFormats.h"
 #include "common/ExitCode.h"
 #include "common/StoreAccess.h"
+#include "store/CustomCamera.h"
 
 namespace vantrel::cli {
 
@@ -74,8 +75,8 @@ int addCamera(const Given& given, Console& console) {
   if (!sensor) return console.fail(sensor.error());
   const auto context = contextForWriting();
   if (!context) return console.fail(context.error());
-  const auto camera =
-      std::dynamic_pointer_cast<CustomCamera>((*context)->insertNewObject("CustomCamera"));
+  const auto camera = std::dynamic_pointer_cast<CustomCamera>(
+      (*context)->insertNewObject(CustomCamera::kEntityName));
   if (!camera) return console.fail(failure(kExitInternal, "camera add", "the model has none"));
   if (const auto done = apply(given, *sensor, *camera); !done) return console.fail(done.error());
   if (CustomCamera::existsCameraWithModel(*camera, **context)) {

@@ -17,12 +17,12 @@
 #include "common/ExitCode.h"
 #include "common/LinkedPlan.h"
 #include "platform/text/TimeZone.h"
+#include "store/Planning.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-constexpr const char* kPlanEntity = "Planning";
 constexpr const char* kIdentifierKey = "uniqueIdentifier";
 constexpr const char* kUriScheme = "x-coredata://";
 constexpr std::array kContentKeys = {"name", "notes", "date", "timezone", "latitude", "longitude"};
@@ -93,7 +93,8 @@ class Merge {
       if (draft.identifier) values[kIdentifierKey] = *draft.identifier;
     }
     if (isDryRun_ || merged.outcome == MergeOutcome::kSkipped) return merged;
-    if (!plan) plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(kPlanEntity));
+    if (!plan)
+      plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(Planning::kEntityName));
     if (!plan) return tl::unexpected(failure(kExitInternal, "plan", "the model has no plans"));
     for (const auto& [key, value] : values) {
       if (!plan->setValueForKey(value, key)) return refused(key, "this store has no place for it");

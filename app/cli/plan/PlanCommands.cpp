@@ -14,12 +14,11 @@
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
 #include "common/StoreAccess.h"
+#include "store/Planning.h"
 
 namespace vantrel::cli {
 
 namespace {
-
-constexpr const char* kPlanEntity = "Planning";
 
 /// A plan's attribute as it is given on the command line.
 struct Field {
@@ -130,7 +129,8 @@ int addPlan(const Given& given, Console& console) {
   if (!given.contains("timezone")) (*changes)["timezone"] = here.name();
   const auto context = contextForWriting();
   if (!context) return console.fail(context.error());
-  const auto plan = std::dynamic_pointer_cast<Planning>((*context)->insertNewObject(kPlanEntity));
+  const auto plan =
+      std::dynamic_pointer_cast<Planning>((*context)->insertNewObject(Planning::kEntityName));
   if (!plan) return console.fail(failure(kExitInternal, "plan add", "the model has no plans"));
   if (const auto saved = applyAndSave(*changes, *plan); !saved) return console.fail(saved.error());
   console.print(console.isJson() ? jsonText(*plan) : plan->uniqueIdentifier().value_or("") + "\n");

@@ -10,6 +10,7 @@
 #include "common/ExitCode.h"
 #include "common/LinkedPlan.h"
 #include "common/StoreAccess.h"
+#include "store/Planning.h"
 
 namespace vantrel::cli {
 
@@ -112,7 +113,7 @@ std::vector<std::string> candidateLines(const Plans& plans) {
 }  // namespace
 
 Expected<Plans> fetchPlans(ManagedObjectContext& context, FetchRequest request) {
-  request.entityName = "Planning";
+  request.entityName = Planning::kEntityName;
   return context.executeFetchRequest(request).map([](const auto& objects) {
     Plans plans;
     plans.reserve(objects.size());

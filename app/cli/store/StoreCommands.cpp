@@ -13,7 +13,11 @@
 #include "objectstore/sqlite/SqliteStore.h"
 #include "objectstore/sqlite/StoreConnection.h"
 #include "objectstore/sqlite/StoreError.h"
+#include "store/CustomCamera.h"
+#include "store/CustomPoi.h"
 #include "store/Database.h"
+#include "store/Image.h"
+#include "store/Planning.h"
 #include "store/VantrelPrefiller.h"
 
 namespace vantrel::cli {
@@ -97,10 +101,10 @@ Expected<StoreInfo> storeInfo(const fs::path& path) {
     const auto found = context.countForFetchRequest({.entityName = entityName});
     return found ? std::optional(*found) : std::nullopt;
   };
-  info.plans = count("Planning");
-  info.customPois = count("CustomPoi");
-  info.customCameras = count("CustomCamera");
-  info.images = count("Image");
+  info.plans = count(Planning::kEntityName);
+  info.customPois = count(CustomPoi::kEntityName);
+  info.customCameras = count(CustomCamera::kEntityName);
+  info.images = count(Image::kEntityName);
   return info;
 }
 
@@ -159,7 +163,8 @@ Expected<bool> isPlanned(ManagedObjectContext& context, const SamplePlan& sample
 }
 
 Expected<void> addSample(ManagedObjectContext& context, const SamplePlan& sample) {
-  const auto plan = std::dynamic_pointer_cast<Planning>(context.insertNewObject("Planning"));
+  const auto plan =
+      std::dynamic_pointer_cast<Planning>(context.insertNewObject(Planning::kEntityName));
   if (!plan) {
     return tl::unexpected(failure(kExitInternal, "store sample", "the model has no plans"));
   }

@@ -10,8 +10,11 @@
 #include "common/ExitCode.h"
 #include "common/StoreAccess.h"
 #include "platform/system/SerialMainQueue.h"
+#include "store/CustomCamera.h"
+#include "store/CustomPoi.h"
 #include "store/Database.h"
 #include "store/DuplicateRule.h"
+#include "store/Planning.h"
 
 namespace vantrel::cli {
 
@@ -74,9 +77,9 @@ struct Kind {
   const char* label;
   const char* jsonKey;
 };
-constexpr std::array kKinds = {Kind{"Planning", "Plans", "plans"},
-                               Kind{"CustomPoi", "Places", "customPois"},
-                               Kind{"CustomCamera", "Cameras", "customCameras"}};
+constexpr std::array kKinds = {Kind{Planning::kEntityName, "Plans", "plans"},
+                               Kind{CustomPoi::kEntityName, "Places", "customPois"},
+                               Kind{CustomCamera::kEntityName, "Cameras", "customCameras"}};
 using Counts = std::array<std::size_t, kKinds.size()>;
 
 Expected<Counts> countKinds(ManagedObjectContext& context) {
@@ -123,7 +126,7 @@ Expected<void> addCopies(ManagedObjectContext& context, const char* entityName,
 Expected<Database::Objects> copiesLeft(ManagedObjectContext& context) {
   Database::Objects copies;
   for (const char* key : {"date", "name"}) {
-    if (const auto added = addCopies(context, "Planning", key, copies); !added) {
+    if (const auto added = addCopies(context, Planning::kEntityName, key, copies); !added) {
       return tl::unexpected(added.error());
     }
   }
