@@ -40,8 +40,8 @@ RefreshTriggers::RefreshTriggers(const std::filesystem::path& store,
 }
 
 void RefreshTriggers::ignoreStoreChangesSoFar() {
-  storeWatcher_.read();
-  storeSettles_.stop();
+  readStoreWatcher();
+  if (!storeReplaced_) storeSettles_.stop();
 }
 
 void RefreshTriggers::armForMidnight() {

@@ -22,7 +22,8 @@ class RefreshTriggers : public QObject {
                            const std::filesystem::path& zoneFolder = "/etc",
                            QObject* parent = nullptr);
 
-  /// Forgets what happened to the store until now: opening a store writes to it.
+  /// Forgets changes of the store's content until now: opening a store writes to it. Another store
+  /// in its place is still reported.
   void ignoreStoreChangesSoFar();
 
  signals:

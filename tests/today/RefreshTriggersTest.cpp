@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
+#include <filesystem>
 #include <optional>
 
 #include "support/Guards.h"
@@ -33,6 +34,13 @@ TEST(RefreshTriggers, TellOneBurstOnceAndOnlyAnotherZone) {
   EXPECT_TRUE(test::waitFor([&] { return !storeChanged.isEmpty() && !folderChanged.isEmpty(); }));
   EXPECT_EQ(storeChanged.size(), 1);
   EXPECT_TRUE(zoneChanged.isEmpty());
+
+  QSignalSpy storeReplaced(&triggers, &RefreshTriggers::storeReplaced);
+  test::writeFile(folder / "other", "other");
+  std::filesystem::rename(folder / "other", store);
+  triggers.ignoreStoreChangesSoFar();
+  EXPECT_TRUE(test::waitFor([&] { return !storeReplaced.isEmpty(); }));
+
   zone.emplace("TZ", "America/New_York");
   test::writeFile(zones / "localtime", "link");
   EXPECT_TRUE(test::waitFor([&] { return !zoneChanged.isEmpty(); }));

@@ -78,10 +78,17 @@ ChangeWaiter::Event ChangeWaiter::wait(Date lookAgain) {
   return event;
 }
 
+StoreWatcher::Change ChangeWaiter::readStore() {
+  const auto change = store_.read();
+  isReplaced_ |= change == StoreWatcher::Change::kReplaced;
+  return change;
+}
+
 ChangeWaiter::Event ChangeWaiter::nextEvent(Date lookAgain) {
   // The program's present instant may be another than the system's; time passes alike for both.
   const Date deadline = systemNow().dateByAddingTimeInterval(
       lookAgain.timeIntervalSinceDate(Clock::sharedClock().now()));
+  if (isReplaced_) return Event::kRestart;
   for (;;) {
     const Date now = systemNow();
     if (now >= deadline) return Event::kStale;
@@ -98,10 +105,8 @@ ChangeWaiter::Event ChangeWaiter::nextEvent(Date lookAgain) {
     if (files[2].revents != 0) {
       if (const auto ended = settle(kStoreSettles)) return *ended;
     }
-    const auto change = store_.read();
-    if (change == StoreWatcher::Change::kReplaced) {
-      return settle(kNewStoreSettles).value_or(Event::kRestart);
-    }
+    const auto change = readStore();
+    if (isReplaced_) return settle(kNewStoreSettles).value_or(Event::kRestart);
     if (change == StoreWatcher::Change::kContent) return Event::kStale;
     if (timer_.read() == WallTimer::Event::kClockSet) return Event::kStale;
   }

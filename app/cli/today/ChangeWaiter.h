@@ -31,8 +31,9 @@ class ChangeWaiter {
 
   /// Whether the system has no file watch to spare, so that the store is looked at every 2 seconds.
   bool isPolling() const { return store_.fileDescriptor() < 0; }
-  /// Forgets what happened to the store until now: opening a store writes to it.
-  void ignoreStoreChangesSoFar() { store_.read(); }
+  /// Forgets changes of the store's content until now: opening a store writes to it. Another store
+  /// in its place is still reported by `wait`.
+  void ignoreStoreChangesSoFar() { readStore(); }
   /// Returns at `lookAgain`, an instant of the program's clock, or earlier.
   Event wait(Date lookAgain);
   /// Waits for `time` or a signal; the event of the signal if there was one.
@@ -44,8 +45,10 @@ class ChangeWaiter {
   bool isZoneChanged();
   std::optional<Event> receivedSignal();
   Event nextEvent(Date lookAgain);
+  StoreWatcher::Change readStore();
 
   StoreWatcher store_;
+  bool isReplaced_ = false;
   WallTimer timer_;
   FileDescriptor zoneFolder_;  ///< Watches where the link "localtime" tells the device's zone.
   std::string zoneName_;

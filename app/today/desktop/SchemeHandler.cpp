@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 #include <QStringList>
 #include <QTextStream>
@@ -53,7 +54,8 @@ bool isInstalled(const QString& desktopFile) {
 /// comment.
 QString valueInKeyFile(const QString& name, const QString& group, const QString& key) {
   QFile file(name);
-  if (!file.open(QIODevice::ReadOnly)) return {};
+  // Opening a FIFO would wait for a writer.
+  if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) return {};
   bool inGroup = false;
   QTextStream stream(&file);
   for (QString line; stream.readLineInto(&line);) {

@@ -33,6 +33,10 @@ Error posixError(int code, const fs::path& path) {
   return {"POSIX", code, path.string() + ": " + std::generic_category().message(code), {}};
 }
 
+Error notRegularFile(const fs::path& path) {
+  return {"POSIX", EINVAL, path.string() + ": not a regular file", {}};
+}
+
 /// Tells one version of a file from the next.
 struct Identity {
   explicit Identity(const struct stat& s)
@@ -94,7 +98,7 @@ Content load(const fs::path& path) {
   }
   content.identity = Identity(status);
   if (!S_ISREG(status.st_mode)) {
-    content.error = posixError(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
+    content.error = S_ISDIR(status.st_mode) ? posixError(EISDIR, path) : notRegularFile(path);
     return content;
   }
   if (static_cast<std::size_t>(status.st_size) > PropertyList::kMaxBytes) {
@@ -130,7 +134,7 @@ Expected<FileDescriptor> lock(const fs::path& path) {
   FileDescriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
   struct stat status {};
   if (!file || ::fstat(file.number(), &status) != 0) return tl::unexpected(posixError(errno, name));
-  if (!S_ISREG(status.st_mode)) return tl::unexpected(posixError(EINVAL, name));
+  if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegularFile(name));
   const auto deadline = std::chrono::steady_clock::now() + kLockTimeout;
   while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EINTR && errno != EWOULDBLOCK) return tl::unexpected(posixError(errno, name));

@@ -1,6 +1,7 @@
 #include "today/desktop/SchemeHandler.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <map>
@@ -60,6 +61,8 @@ TEST(SchemeHandler, FindsWhatTheDesktopWouldStart) {
     test::writeFile(home / "system/applications/b.desktop", "");
     test::writeFile(home / "system/applications/org/sub.desktop", "");
     for (const auto& [name, content] : c.files) test::writeFile(home / name, content);
+    // Must not be waited for.
+    ASSERT_EQ(::mkfifo((home / "config/ubuntu-mimeapps.list").c_str(), 0600), 0);
     EXPECT_EQ(handlerForScheme(QStringLiteral("vantrel")).toStdString(), c.expected);
   }
 }
