@@ -32,7 +32,7 @@ StoreWatcher::StoreWatcher(const std::filesystem::path& store)
   watchNearestFolder();
   state_ = currentState();
   lastStore_ = state_.front();
-  if (watch_ < 0) logLine("store: the system has no file watch to spare; looking every 2 seconds");
+  if (isPolling()) logLine("store: the system has no file watch to spare; looking every 2 seconds");
 }
 
 StoreWatcher::FileState StoreWatcher::stateOf(const std::filesystem::path& file) {
@@ -65,7 +65,7 @@ void StoreWatcher::watchNearestFolder() {
 }
 
 double StoreWatcher::pollingInterval() const {
-  return watch_ < 0 ? kIntervalWithoutWatch : kInterval;
+  return isPolling() ? kIntervalWithoutWatch : kInterval;
 }
 
 StoreWatcher::Change StoreWatcher::read() {

@@ -26,7 +26,9 @@ class StoreWatcher {
 
   /// Becomes readable when there may be a change; -1 if the system has no watch to spare.
   int fileDescriptor() const { return events_.number(); }
-  /// Seconds: 60, or 2 if the system has no watch to spare.
+  /// Whether the system has no watch to spare, so that the caller must look every 2 seconds.
+  bool isPolling() const { return watch_ < 0; }
+  /// Seconds: 60, or 2 while `isPolling`.
   double pollingInterval() const;
   /// Compares the store with the last call; never waits. What other programs read, and what they
   /// open in vain, is no change.

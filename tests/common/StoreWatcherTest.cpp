@@ -106,11 +106,16 @@ TEST(StoreWatcher, LooksOftenWithoutAWatch) {
   StoreWatcher watcher(directory / "S.sqlite");
   setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(watcher.fileDescriptor(), -1);
+  EXPECT_TRUE(watcher.isPolling());
   EXPECT_THAT(log.text(), testing::HasSubstr("no file watch to spare"));
   EXPECT_EQ(watcher.pollingInterval(), 2);
   EXPECT_EQ(watcher.read(), Change::kNone);
   writeFile(directory / "S.sqlite-wal", "commit");
   EXPECT_EQ(watcher.read(), Change::kContent);
+  // As where the system has no more watches: a descriptor, but the folder cannot be watched.
+  const StoreWatcher blind(directory / std::string(300, 'x') / "S.sqlite");
+  EXPECT_GE(blind.fileDescriptor(), 0);
+  EXPECT_TRUE(blind.isPolling());
 }
 
 TEST(StoreWatcher, FindsAStoreWhoseFoldersComeAndGo) {

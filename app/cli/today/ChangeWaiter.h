@@ -30,7 +30,7 @@ class ChangeWaiter {
   ChangeWaiter& operator=(const ChangeWaiter&) = delete;
 
   /// Whether the system has no file watch to spare, so that the store is looked at every 2 seconds.
-  bool isPolling() const { return store_.fileDescriptor() < 0; }
+  bool isPolling() const { return store_.isPolling(); }
   /// Forgets changes of the store's content until now: opening a store writes to it. Another store
   /// in its place is still reported by `wait`.
   void ignoreStoreChangesSoFar() { readStore(); }
