@@ -42,6 +42,8 @@ ChangeWaiter::ChangeWaiter(const std::filesystem::path& store)
     std::signal(signal, [](int received) { ::_exit(kSignalled + received); });
   }
   signals_ = FileDescriptor(signalfd(-1, &awaitedSignals_, SFD_NONBLOCK | SFD_CLOEXEC));
+  // With no descriptor to spare the handlers do it alone: a blocked signal would never be seen.
+  if (!signals_) sigemptyset(&awaitedSignals_);
 }
 
 ChangeWaiter::~ChangeWaiter() {

@@ -167,8 +167,10 @@ Expected<Content> replace(const fs::path& path, PropertyList values) {
     return tl::unexpected(posixError(data.empty() ? ENOMEM : EFBIG, path));
   }
   Content content;
-  content.file = FileDescriptor(
-      ::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
+  // What a killed program left, or a FIFO that opening would wait for.
+  ::unlink(beside.c_str());
+  content.file =
+      FileDescriptor(::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (!content.file) return tl::unexpected(posixError(errno, beside));
   struct stat status {};
   if (!writeAll(content.file.number(), data) || ::fsync(content.file.number()) != 0 ||
