@@ -37,6 +37,8 @@ using ZoneUses = std::map<std::string, ZoneUse>;
 /// A date that the format can write: of the years from 1 to 9999, in the plan's zone too.
 std::optional<Date> writableDate(const Planning& plan) {
   if (std::min(instantText(plan), localText(plan)) < "0001") return std::nullopt;
+  // The library cannot count past the year 9999, which it does to place a zone's last change.
+  if (std::max(instantText(plan), localText(plan)) >= "9999-12") return std::nullopt;
   return dateFromIso8601String(instantText(plan));
 }
 
