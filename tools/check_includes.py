@@ -34,7 +34,7 @@ WITH_QT = ("today", "lookup")
 LIBRARIES = {
     r"Q[A-Z]\w*|Qt\w+/.*": ("platform/qt",),
     r"unicode/.*|plist/.*": ("platform",),
-    r"SQLiteCpp/.*|sqlite3\.h|zlib\.h|nettle/.*": ("objectstore",),
+    r"sqlite3\.h|zlib\.h|nettle/.*": ("objectstore",),
     r"nlohmann/.*": ("webservice",),
     r"uuid/.*": ("base",),
 }

@@ -28,12 +28,12 @@ Value ManagedObject::valueInSlot(std::size_t slot) const {
 }
 
 Value ManagedObject::valueForKey(std::string_view key) const {
-  const auto slot = slotOfAttribute(*entity_, key);
+  const auto slot = entity_->slotOfAttribute(key);
   return slot ? valueInSlot(*slot) : Value();
 }
 
 bool ManagedObject::setValueForKey(const Value& value, std::string_view key) {
-  const auto slot = slotOfAttribute(*entity_, key);
+  const auto slot = entity_->slotOfAttribute(key);
   if (!slot) return false;
   auto coerced = coercedValue(entity_->attributes[*slot].type, value);
   if (!coerced) return false;
@@ -72,18 +72,15 @@ const std::shared_ptr<ManagedObject>* ManagedObject::pendingRelated(std::size_t 
 }
 
 std::shared_ptr<ManagedObject> ManagedObject::relatedObject(std::string_view relationship) const {
-  const auto slot = slotOfToOne(*entity_, relationship);
+  const auto slot = entity_->slotOfToOne(relationship);
   if (!slot) return nullptr;
   if (const auto* pending = pendingRelated(*slot)) {
     const bool isGone = *pending && context_ && context_->isDeleted(**pending);
     return isGone ? nullptr : *pending;
   }
   const std::int64_t key = storedKey(*slot);
-  const auto& destination = entity_->relationship(relationship)->destinationEntityName;
-  if (!key || !context_) return nullptr;
-  const auto* entity =
-      context_->persistentStoreCoordinator()->managedObjectModel()->entityNamed(destination);
-  return entity ? context_->objectForKey(*entity, key) : nullptr;
+  const auto* destination = entity_->relationship(relationship)->destinationEntity;
+  return key && context_ && destination ? context_->objectForKey(*destination, key) : nullptr;
 }
 
 void ManagedObject::setRelatedInSlot(const std::shared_ptr<ManagedObject>& object,
@@ -101,18 +98,17 @@ void ManagedObject::setRelatedInSlot(const std::shared_ptr<ManagedObject>& objec
 
 bool ManagedObject::setRelatedObject(const std::shared_ptr<ManagedObject>& object,
                                      std::string_view relationship) {
-  const auto slot = slotOfToOne(*entity_, relationship);
+  const auto slot = entity_->slotOfToOne(relationship);
   if (!slot || !context_) return false;
   const auto& description = *entity_->relationship(relationship);
-  const auto& model = *context_->persistentStoreCoordinator()->managedObjectModel();
-  const auto* destination = model.entityNamed(description.destinationEntityName);
-  if (object && (!destination || object->context_ != context_ ||
-                 !context_->isKindOf(*object->entity_, *destination))) {
+  const auto* destination = description.destinationEntity;
+  if (object &&
+      (!destination || object->context_ != context_ || !object->entity_->isKindOf(*destination))) {
     return false;
   }
-  // Where both ends are to-one, the partners of before lose each other.
+  // In a one-to-one relationship, both objects lose their former partners.
   const auto inverse =
-      destination ? slotOfToOne(*destination, description.inverseName) : std::nullopt;
+      destination ? destination->slotOfToOne(description.inverseName) : std::nullopt;
   if (inverse) {
     if (const auto before = relatedObject(relationship)) before->setRelatedInSlot({}, *inverse);
     if (object) {

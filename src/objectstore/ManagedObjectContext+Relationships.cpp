@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "objectstore/ManagedObjectContext.h"
-#include "objectstore/model/AttributeValues.h"
 #include "objectstore/sqlite/SqliteStore.h"
 #include "objectstore/sqlite/StoreError.h"
 
@@ -11,12 +10,9 @@ namespace vantrel {
 Expected<ManagedObjectContext::Objects> ManagedObjectContext::relatedObjects(
     const ManagedObject& object, const RelationshipDescription& relationship) {
   Objects objects;
-  const auto& model = std::as_const(*coordinator_->managedObjectModel());
-  const auto* destination = model.entityNamed(relationship.destinationEntityName);
+  const auto* destination = relationship.destinationEntity;
   if (!destination) return objects;
-  const std::uint32_t table = tableOf(*destination);
-  const auto inverse = slotOfToOne(*destination, relationship.inverseName);
-  // Objects whose other end was set in memory are found there.
+  const auto inverse = destination->slotOfToOne(relationship.inverseName);
   const auto isMoved = [&](const ManagedObject& other) {
     return inverse && other.pendingRelated(*inverse) != nullptr;
   };
@@ -24,18 +20,19 @@ Expected<ManagedObjectContext::Objects> ManagedObjectContext::relatedObjects(
   if (store && !object.objectID_.isTemporaryID()) {
     const auto fetched = store->fetchRelated(*object.entity_, relationship,
                                              object.objectID_.primaryKey(), [&](FetchedRow&& row) {
-                                               auto other = objectForRow(std::move(row), table);
+                                               auto other = objectForRow(std::move(row));
                                                if (!isDeleted(*other) && !isMoved(*other))
                                                  objects.push_back(std::move(other));
                                              });
     if (!fetched) return tl::unexpected(fetched.error());
   }
   for (const Pending* pending : {&inserted_, &updated_}) {
-    for (auto entry = pending->lower_bound({table, 0});
-         entry != pending->end() && entry->first.first == table; ++entry) {
-      if (!isMoved(*entry->second)) continue;
-      if (entry->second->pendingRelated(*inverse)->get() == &object) {
-        objects.push_back(entry->second);
+    const std::size_t root = destination->root->index;
+    for (auto entry = pending->lower_bound({root, 0});
+         entry != pending->end() && entry->first.first == root; ++entry) {
+      const auto& other = entry->second;
+      if (isMoved(*other) && other->pendingRelated(*inverse)->get() == &object) {
+        objects.push_back(other);
       }
     }
   }
@@ -50,14 +47,9 @@ Expected<ManagedObjectContext::Objects> ManagedObjectContext::relatedObjects(
 
 std::size_t ManagedObjectContext::countOfRelatedObjects(
     const ManagedObject& object, const RelationshipDescription& relationship) {
-  const auto& model = std::as_const(*coordinator_->managedObjectModel());
-  const auto* destination = model.entityNamed(relationship.destinationEntityName);
-  const std::uint32_t table = destination ? tableOf(*destination) : 0;
-  const bool hasPending =
-      destination && (hasPendingIn(inserted_, table) || hasPendingIn(updated_, table) ||
-                      hasPendingIn(deleted_, table));
+  const auto* destination = relationship.destinationEntity;
   SqliteStore* store = coordinator_->persistentStore();
-  if (hasPending || !store) {
+  if (!store || (destination && hasPending(*destination))) {
     const auto objects = relatedObjects(object, relationship);
     return objects ? objects->size() : 0;
   }
@@ -84,18 +76,15 @@ Expected<std::vector<std::size_t>> ManagedObjectContext::countsOfRelatedObjects(
   if (storage->kind == RelationshipStorage::Kind::kUnsettled) {
     return tl::unexpected(storeError(
         StoreErrorCode::kUnsettledRelation,
-        "the store does not tell which " + description->name + " belong to which " + entity.name));
+        "cannot determine which " + description->name + " belong to which " + entity.name));
   }
   const auto byKey = store->countsOfRelated(entity, *description);
   if (!byKey) return tl::unexpected(byKey.error());
-  const auto& model = std::as_const(*coordinator_->managedObjectModel());
-  const auto* destination = model.entityNamed(description->destinationEntityName);
-  const std::uint32_t table = destination ? tableOf(*destination) : 0;
-  const bool hasPending = hasPendingIn(inserted_, table) || hasPendingIn(updated_, table) ||
-                          hasPendingIn(deleted_, table);
+  const auto* destination = description->destinationEntity;
+  const bool isPending = destination && hasPending(*destination);
   counts.reserve(objects.size());
   for (const auto& object : objects) {
-    if (hasPending) {
+    if (isPending) {
       counts.push_back(countOfRelatedObjects(*object, *description));
       continue;
     }
@@ -109,7 +98,7 @@ DeleteRule ManagedObjectContext::deleteRule(const EntityDescription& entity,
                                             const RelationshipDescription& relationship) const {
   SqliteStore* store = coordinator_->persistentStore();
   if (!store || !relationship.isToMany) return relationship.deleteRule;
-  // A foreign store may have rules of its own.
+  // A foreign store may have other rules.
   const auto storage = store->relationshipStorage(entity, relationship);
   return storage && storage->hasPairs() ? storage->deleteRule : relationship.deleteRule;
 }
@@ -117,19 +106,17 @@ DeleteRule ManagedObjectContext::deleteRule(const EntityDescription& entity,
 void ManagedObjectContext::deleteObject(const std::shared_ptr<ManagedObject>& object) {
   if (!object || object->context_ != this || isDeleted(*object)) return;
   if (object->objectID_.isTemporaryID()) {
-    inserted_.erase({object->table_, object->objectID_.temporaryNumber()});
+    inserted_.erase(placeOf(*object));
     applyDeleteRules(*object);
     detach(*object);
     return;
   }
-  const std::pair place(object->table_, object->objectID_.primaryKey());
-  updated_.erase(place);
-  deleted_.emplace(place, object);
+  updated_.erase(placeOf(*object));
+  deleted_.emplace(placeOf(*object), object);
   applyDeleteRules(*object);
 }
 
 void ManagedObjectContext::applyDeleteRules(const ManagedObject& object) {
-  const auto& model = std::as_const(*coordinator_->managedObjectModel());
   for (const auto& relationship : object.entity_->relationships) {
     const DeleteRule rule = deleteRule(*object.entity_, relationship);
     if (rule != DeleteRule::kCascade && rule != DeleteRule::kNullify) continue;
@@ -144,9 +131,9 @@ void ManagedObjectContext::applyDeleteRules(const ManagedObject& object) {
     } else if (auto other = object.relatedObject(relationship.name)) {
       others.push_back(std::move(other));
     }
-    const auto* destination = model.entityNamed(relationship.destinationEntityName);
+    const auto* destination = relationship.destinationEntity;
     const auto inverse =
-        destination ? slotOfToOne(*destination, relationship.inverseName) : std::nullopt;
+        destination ? destination->slotOfToOne(relationship.inverseName) : std::nullopt;
     for (const auto& other : others) {
       if (rule == DeleteRule::kCascade) {
         deleteObject(other);

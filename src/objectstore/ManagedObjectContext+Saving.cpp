@@ -69,12 +69,12 @@ Expected<void> ManagedObjectContext::saveChanges() {
   const Pending inserted = std::exchange(inserted_, {});
   const Pending updated = std::exchange(updated_, {});
   const Pending deleted = std::exchange(deleted_, {});
-  // All get their identifiers before the first one takes over the key of another.
+  // Assign all identifiers first: `settle` reads those of related objects.
   auto key = keys->begin();
   for (const auto& [place, object] : inserted) {
     object->objectID_ =
         ManagedObjectID::permanentID(store->metadata().uuid, object->entity_->name, *key++);
-    registered_[object->table_][object->objectID_.primaryKey()] = object.get();
+    registered_[object->entity_->root->index][object->objectID_.primaryKey()] = object.get();
   }
   for (const auto& [place, object] : inserted) settle(*object, 1);
   for (const auto& [place, object] : updated) settle(*object, object->row_.version() + 1);
@@ -84,8 +84,9 @@ Expected<void> ManagedObjectContext::saveChanges() {
 
 void ManagedObjectContext::settle(ManagedObject& object, std::int64_t version) {
   const EntityDescription& entity = *object.entity_;
-  RowBuilder row(slotCount(entity));
-  for (std::size_t slot = 0; slot < slotCount(entity); ++slot) {
+  const std::size_t slotCount = entity.slotCount();
+  RowBuilder row(slotCount);
+  for (std::size_t slot = 0; slot < slotCount; ++slot) {
     if (slot < entity.attributes.size()) {
       if (isReadOnDemand(entity.attributes[slot].type)) continue;
       setValueInSlot(object.valueInSlot(slot), row, slot);

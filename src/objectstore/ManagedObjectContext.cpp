@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 #include <utility>
 
 #include "objectstore/model/AttributeValues.h"
@@ -13,7 +12,7 @@ namespace vantrel {
 
 namespace {
 
-/// Stored ones by key, those not yet saved behind them in the order they were made.
+/// Stored objects by key, followed by unsaved ones in the order of their creation.
 bool comesBefore(const ManagedObject& a, const ManagedObject& b) {
   const auto& first = a.objectID();
   const auto& second = b.objectID();
@@ -41,21 +40,9 @@ ManagedObjectContext::~ManagedObjectContext() {
   reset();
 }
 
-std::uint32_t ManagedObjectContext::tableOf(const EntityDescription& entity) const {
-  const auto& model = *coordinator_->managedObjectModel();
-  const EntityDescription* root = &entity;
-  while (const auto* parent = model.entityNamed(root->superentityName)) root = parent;
-  return static_cast<std::uint32_t>(root - model.entities().data());
-}
-
-bool ManagedObjectContext::isKindOf(const EntityDescription& entity,
-                                    const EntityDescription& ancestor) const {
-  const auto& model = *coordinator_->managedObjectModel();
-  for (const auto* current = &entity; current;
-       current = model.entityNamed(current->superentityName)) {
-    if (current == &ancestor) return true;
-  }
-  return false;
+ManagedObjectContext::Place ManagedObjectContext::placeOf(const ManagedObject& object) {
+  const ManagedObjectID& id = object.objectID_;
+  return {object.entity_->root->index, id.isTemporaryID() ? id.temporaryNumber() : id.primaryKey()};
 }
 
 std::shared_ptr<ManagedObject> ManagedObjectContext::makeObject(const EntityDescription& entity) {
@@ -71,9 +58,8 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::insertNewObject(std::string
   const auto* entity = std::as_const(*coordinator_->managedObjectModel()).entityNamed(entityName);
   if (!entity || entity->isAbstract) return nullptr;
   auto object = makeObject(*entity);
-  object->table_ = tableOf(*entity);
   object->objectID_ = ManagedObjectID::temporaryID(entity->name);
-  inserted_[{object->table_, object->objectID_.temporaryNumber()}] = object;
+  inserted_[placeOf(*object)] = object;
   for (const auto& attribute : entity->attributes) {
     object->setValueForKey(attribute.defaultValue, attribute.name);
   }
@@ -81,25 +67,27 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::insertNewObject(std::string
   return object;
 }
 
-std::shared_ptr<ManagedObject> ManagedObjectContext::objectForRow(FetchedRow&& row,
-                                                                  std::uint32_t table) {
-  const auto [entry, isNew] = registered_[table].try_emplace(row.objectID.primaryKey(), nullptr);
+std::shared_ptr<ManagedObject> ManagedObjectContext::objectForRow(FetchedRow&& row) {
+  const auto [entry, isNew] =
+      registered_[row.entity->root->index].try_emplace(row.objectID.primaryKey(), nullptr);
   if (!isNew) {
     auto object = entry->second->shared_from_this();
     if (!object->changes_ && !isDeleted(*object)) object->row_ = std::move(row.values);
     return object;
   }
   auto object = makeObject(*row.entity);
-  object->table_ = table;
   object->objectID_ = row.objectID;
   object->row_ = std::move(row.values);
   entry->second = object.get();
   return object;
 }
 
-bool ManagedObjectContext::hasPendingIn(const Pending& pending, std::uint32_t table) const {
-  const auto first = pending.lower_bound({table, std::numeric_limits<std::int64_t>::min()});
-  return first != pending.end() && first->first.first == table;
+bool ManagedObjectContext::hasPending(const EntityDescription& entity) const {
+  const auto isIn = [&](const Pending& pending) {
+    const auto first = pending.lower_bound({entity.root->index, 0});
+    return first != pending.end() && first->first.first == entity.root->index;
+  };
+  return isIn(inserted_) || isIn(updated_) || isIn(deleted_);
 }
 
 Expected<const EntityDescription*> ManagedObjectContext::checkedEntity(
@@ -119,7 +107,7 @@ ManagedObjectContext::Objects ManagedObjectContext::matchingPendingObjects(
   Objects objects;
   for (const Pending* pending : {&inserted_, &updated_}) {
     for (const auto& [place, object] : *pending) {
-      if (!isKindOf(*object->entity_, entity)) continue;
+      if (!object->entity_->isKindOf(entity)) continue;
       if (predicate &&
           !matches(predicate->op, object->valueForKey(predicate->key), wanted.value_or(Value()))) {
         continue;
@@ -134,21 +122,19 @@ Expected<ManagedObjectContext::Objects> ManagedObjectContext::executeFetchReques
     const FetchRequest& request) {
   const auto entity = checkedEntity(request);
   if (!entity) return tl::unexpected(entity.error());
-  const std::uint32_t table = tableOf(**entity);
-  const bool hasPending = hasPendingIn(updated_, table) || hasPendingIn(deleted_, table) ||
-                          hasPendingIn(inserted_, table);
-  // Rows whose object is changed or deleted in memory do not count, whatever is stored.
+  const bool isPending = hasPending(**entity);
+  // Rows of objects with unsaved changes are skipped: the objects in memory count instead.
   const std::size_t limit =
       request.fetchLimit == 0 ? 0 : request.fetchLimit + updated_.size() + deleted_.size();
   Objects stored;
   const auto fetched =
       coordinator_->persistentStore()->fetch(request, limit, [&](FetchedRow&& row) {
-        const std::pair place(table, row.objectID.primaryKey());
-        if (hasPending && (updated_.contains(place) || deleted_.contains(place))) return;
-        stored.push_back(objectForRow(std::move(row), table));
+        const Place place(row.entity->root->index, row.objectID.primaryKey());
+        if (isPending && (updated_.contains(place) || deleted_.contains(place))) return;
+        stored.push_back(objectForRow(std::move(row)));
       });
   if (!fetched) return tl::unexpected(fetched.error());
-  if (hasPending) {
+  if (isPending) {
     const auto order = [&](const auto& a, const auto& b) {
       return comesBefore(*a, *b, request.sortDescriptors);
     };
@@ -170,15 +156,11 @@ Expected<std::size_t> ManagedObjectContext::countForFetchRequest(const FetchRequ
   const auto entity = checkedEntity(request);
   if (!entity) return tl::unexpected(entity.error());
   SqliteStore& store = *coordinator_->persistentStore();
-  const std::uint32_t table = tableOf(**entity);
-  if (!hasPendingIn(updated_, table) && !hasPendingIn(deleted_, table) &&
-      !hasPendingIn(inserted_, table)) {
-    return store.count(request);
-  }
+  if (!hasPending(**entity)) return store.count(request);
   const auto keys = store.fetchKeys(request);
   if (!keys) return tl::unexpected(keys.error());
   const auto untouched = std::count_if(keys->begin(), keys->end(), [&](std::int64_t key) {
-    const std::pair place(table, key);
+    const Place place((*entity)->root->index, key);
     return !updated_.contains(place) && !deleted_.contains(place);
   });
   return static_cast<std::size_t>(untouched) + matchingPendingObjects(request, **entity).size();
@@ -197,9 +179,8 @@ Expected<std::shared_ptr<ManagedObject>> ManagedObjectContext::objectWithURI(std
   if (!entity) return tl::unexpected(entity.error());
   if (!*entity) return fail("the store has no such kind of object");
   std::shared_ptr<ManagedObject> object;
-  const std::uint32_t table = tableOf(**entity);
   const auto fetched = store->fetchRow(**entity, parsed->primaryKey, [&](FetchedRow&& row) {
-    object = objectForRow(std::move(row), table);
+    object = objectForRow(std::move(row));
   });
   if (!fetched) return tl::unexpected(fetched.error());
   return object && isDeleted(*object) ? nullptr : object;
@@ -207,20 +188,20 @@ Expected<std::shared_ptr<ManagedObject>> ManagedObjectContext::objectWithURI(std
 
 std::shared_ptr<ManagedObject> ManagedObjectContext::objectForKey(const EntityDescription& entity,
                                                                   std::int64_t key) {
-  const std::uint32_t table = tableOf(entity);
-  if (deleted_.contains({table, key})) return nullptr;
-  const auto known = registered_[table].find(key);
-  if (known != registered_[table].end()) return known->second->shared_from_this();
+  const std::size_t root = entity.root->index;
+  if (deleted_.contains({root, key})) return nullptr;
+  const auto known = registered_[root].find(key);
+  if (known != registered_[root].end()) return known->second->shared_from_this();
   SqliteStore* store = coordinator_->persistentStore();
   std::shared_ptr<ManagedObject> object;
   if (!store) return object;
   const auto fetched = store->fetchRow(
-      entity, key, [&](FetchedRow&& row) { object = objectForRow(std::move(row), table); });
+      entity, key, [&](FetchedRow&& row) { object = objectForRow(std::move(row)); });
   return fetched ? object : nullptr;
 }
 
 bool ManagedObjectContext::isDeleted(const ManagedObject& object) const {
-  return deleted_.contains({object.table_, object.objectID_.primaryKey()});
+  return !object.objectID_.isTemporaryID() && deleted_.contains(placeOf(object));
 }
 
 Value ManagedObjectContext::readBytes(const ManagedObject& object, std::size_t slot) const {
@@ -232,16 +213,15 @@ Value ManagedObjectContext::readBytes(const ManagedObject& object, std::size_t s
 
 void ManagedObjectContext::noteChange(ManagedObject& object) {
   if (object.objectID_.isTemporaryID() || isDeleted(object)) return;
-  const std::pair place(object.table_, object.objectID_.primaryKey());
   if (object.changes_) {
-    updated_.try_emplace(place, object.shared_from_this());
+    updated_.try_emplace(placeOf(object), object.shared_from_this());
   } else {
-    updated_.erase(place);
+    updated_.erase(placeOf(object));
   }
 }
 
 void ManagedObjectContext::forget(const ManagedObject& object) {
-  auto& objects = registered_[object.table_];
+  auto& objects = registered_[object.entity_->root->index];
   const auto entry = objects.find(object.objectID_.primaryKey());
   if (entry != objects.end() && entry->second == &object) objects.erase(entry);
 }
@@ -252,7 +232,7 @@ bool ManagedObjectContext::hasChanges() const {
 
 void ManagedObjectContext::reset() {
   unlockStore();
-  // Every object is let go before the first one is destroyed: that would look for its entry.
+  // Detach every object before the first one is destroyed, since its destructor calls `forget`.
   const Pending inserted = std::exchange(inserted_, {});
   const Pending updated = std::exchange(updated_, {});
   const Pending deleted = std::exchange(deleted_, {});

@@ -20,9 +20,9 @@ namespace vantrel {
 
 struct FetchedRow;
 
-/// A scratch pad of objects over a store: fetch, insert, change, delete, then save all or nothing.
-/// While the coordinator has no store, whatever needs one fails with the reason of that. Main
-/// thread.
+/// The objects fetched from a store and their unsaved changes: fetch, insert, change, delete, then
+/// save all or nothing. If the coordinator has no store, functions that need one fail with its
+/// `storeFailure`. Main thread only.
 class ManagedObjectContext {
  public:
   explicit ManagedObjectContext(std::shared_ptr<PersistentStoreCoordinator> coordinator);
@@ -36,59 +36,62 @@ class ManagedObjectContext {
     return coordinator_;
   }
 
-  /// A new object with its attributes' defaults, after its `awakeFromInsert`; null for an entity
-  /// that the model does not have or that is abstract.
+  /// Creates an object with the default values of its attributes and calls its `awakeFromInsert`.
+  /// Null if the entity is unknown or abstract.
   std::shared_ptr<ManagedObject> insertNewObject(std::string_view entityName);
 
-  /// The objects that match, pending changes counted. Objects without changes of their own are
-  /// brought up to date with what other processes saved. Reads no more rows than it returns.
+  /// The objects that match the request, unsaved changes included. Objects without unsaved changes
+  /// are updated with what other processes have saved. Rows are sorted by the request's
+  /// descriptors, then by key: of two plans with the same date, the one that was inserted first
+  /// comes first. Reads no more rows than it returns.
   Expected<Objects> executeFetchRequest(const FetchRequest& request);
-  /// How many would be fetched (the limit is not looked at).
+  /// The number of objects that match the request, ignoring its limit.
   Expected<std::size_t> countForFetchRequest(const FetchRequest& request);
-  /// The object that a permanent URI of this store names; null when it no longer exists, an error
-  /// for a text that is no such URI or names another store or entity.
+  /// The object with a permanent URI; null if it no longer exists. Fails with kInvalidURI if `uri`
+  /// is malformed or belongs to another store or an unknown entity.
   Expected<std::shared_ptr<ManagedObject>> objectWithURI(std::string_view uri);
-  /// How many objects each of the given ones, all of one entity, has in a to-many relationship,
-  /// pending changes counted, with one query for all. Fails with kUnsettledRelation where a foreign
-  /// store does not tell how it keeps the relationship: nothing may be concluded from a count then.
+  /// The number of related objects of each object in a to-many relationship, unsaved changes
+  /// included, with one query for all. The objects must have the same entity. Fails with
+  /// kUnsettledRelation if it is unknown how a foreign store keeps the relationship.
   Expected<std::vector<std::size_t>> countsOfRelatedObjects(const Objects& objects,
                                                             std::string_view relationship);
 
-  /// Deletes on the next save, by the relationships' delete rules. When the objects that a rule
-  /// concerns cannot be read, that save fails.
+  /// Deletes the object on the next save and applies the delete rules of its relationships. If the
+  /// related objects cannot be read, that save fails.
   void deleteObject(const std::shared_ptr<ManagedObject>& object);
 
-  /// Keeps other processes from writing to the store until the next `save`, `reset` or
-  /// `unlockStore`: call it before reading what decides about the changes. Fails with kLocked if
-  /// another process writes for more than 5 s. Does nothing on a store that cannot be written;
-  /// there `save` fails. If the process ends first, nothing is written.
+  /// Prevents other processes from writing to the store until the next `save`, `reset` or
+  /// `unlockStore`: call it before reading values on which the changes depend. Fails with kLocked
+  /// if another process writes for more than 5 s. Does nothing if the store is read only; then
+  /// `save` fails. If the process exits first, nothing is written.
   Expected<void> lockStore();
   void unlockStore();
 
   bool hasChanges() const;
-  /// Writes all changes in one transaction, or none. Objects that someone else changed since they
-  /// were read make it fail (code kConflict) and stay as they are in memory.
+  /// Writes all changes in one transaction, or none. Fails with kConflict if another process has
+  /// changed one of the objects since it was read; the objects in memory stay as they are.
   Expected<void> save();
-  /// Forgets every object and every unsaved change.
+  /// Discards all unsaved changes and detaches all objects.
   void reset();
 
  private:
   friend class ManagedObject;
-  /// By the root entity's number and the row's key, or the number of the temporary identifier.
-  using Pending = std::map<std::pair<std::uint32_t, std::int64_t>, std::shared_ptr<ManagedObject>>;
+  /// The index of the root entity, and the row's key or the number of the temporary identifier.
+  using Place = std::pair<std::size_t, std::int64_t>;
+  using Pending = std::map<Place, std::shared_ptr<ManagedObject>>;
 
   Expected<const EntityDescription*> checkedEntity(const FetchRequest& request) const;
-  std::uint32_t tableOf(const EntityDescription& entity) const;
-  bool isKindOf(const EntityDescription& entity, const EntityDescription& ancestor) const;
+  static Place placeOf(const ManagedObject& object);
   std::shared_ptr<ManagedObject> makeObject(const EntityDescription& entity);
-  std::shared_ptr<ManagedObject> objectForRow(FetchedRow&& row, std::uint32_t table);
+  std::shared_ptr<ManagedObject> objectForRow(FetchedRow&& row);
   Objects matchingPendingObjects(const FetchRequest& request,
                                  const EntityDescription& entity) const;
-  bool hasPendingIn(const Pending& pending, std::uint32_t table) const;
+  /// Whether there are unsaved changes of objects in the entity's table.
+  bool hasPending(const EntityDescription& entity) const;
 
   void noteChange(ManagedObject& object);
   void forget(const ManagedObject& object);
-  /// Takes an object out for good.
+  /// Removes an object from the context permanently.
   void detach(ManagedObject& object);
   bool isDeleted(const ManagedObject& object) const;
   Value readBytes(const ManagedObject& object, std::size_t slot) const;
@@ -109,7 +112,7 @@ class ManagedObjectContext {
   void settle(ManagedObject& object, std::int64_t version);
 
   std::shared_ptr<PersistentStoreCoordinator> coordinator_;
-  /// The living objects of each table, by key.
+  /// The existing objects by root entity and key.
   std::vector<std::unordered_map<std::int64_t, ManagedObject*>> registered_;
   Pending inserted_;
   Pending updated_;

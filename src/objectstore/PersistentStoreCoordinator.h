@@ -13,22 +13,23 @@ namespace vantrel {
 
 class SqliteStore;
 
-/// Stands between contexts and the one store they share. Main thread.
+/// Opens the one store that its contexts share. Main thread only.
 class PersistentStoreCoordinator {
  public:
   explicit PersistentStoreCoordinator(std::shared_ptr<ManagedObjectModel> model);
   ~PersistentStoreCoordinator();
 
   const std::shared_ptr<ManagedObjectModel>& managedObjectModel() const { return model_; }
-  /// Opens the SQLite store at the path, making it when it is missing (unless read only). When that
-  /// fails nothing is added, and the error (see StoreErrorCode) is what later fetches fail with.
+  /// Opens the store at `url`, and creates it if it is missing unless `options.readOnly`. Fails
+  /// (see StoreErrorCode) if `url` is `nullopt` or a store is open already; later fetches then fail
+  /// with the same error. The coordinator owns the store.
   Expected<SqliteStore*> addPersistentStore(const std::optional<std::filesystem::path>& url,
                                             const StoreOptions& options);
-  /// The store; null when none could be added.
+  /// Null if no store has been added.
   SqliteStore* persistentStore() const { return store_.get(); }
-  /// Why there is no store; only while there is none.
+  /// Why there is no store. Meaningless once there is one.
   const Error& storeFailure() const { return failure_; }
-  /// Keeps the reason for not even trying to add a store.
+  /// Sets the reason for not adding a store.
   void setStoreFailure(Error failure) { failure_ = std::move(failure); }
 
   /// Reads a store's metadata without writing to it.

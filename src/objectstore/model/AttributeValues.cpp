@@ -160,29 +160,4 @@ bool matches(Predicate::Operator op, const Value& value, const Value& wanted) {
   return op == Predicate::Operator::kEqual ? order == 0 : order >= 0;
 }
 
-std::optional<std::size_t> slotOfAttribute(const EntityDescription& entity, std::string_view key) {
-  const auto& attributes = entity.attributes;
-  for (std::size_t slot = 0; slot < attributes.size(); ++slot) {
-    if (attributes[slot].name == key) return slot;
-  }
-  return std::nullopt;
-}
-
-std::optional<std::size_t> slotOfToOne(const EntityDescription& entity, std::string_view key) {
-  std::size_t slot = entity.attributes.size();
-  for (const auto& relationship : entity.relationships) {
-    if (relationship.isToMany) continue;
-    if (relationship.name == key) return slot;
-    ++slot;
-  }
-  return std::nullopt;
-}
-
-std::size_t slotCount(const EntityDescription& entity) {
-  return entity.attributes.size() +
-         static_cast<std::size_t>(
-             std::count_if(entity.relationships.begin(), entity.relationships.end(),
-                           [](const RelationshipDescription& r) { return !r.isToMany; }));
-}
-
 }  // namespace vantrel

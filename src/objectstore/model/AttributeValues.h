@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <string_view>
 
 #include "objectstore/model/EntityDescription.h"
 #include "objectstore/model/Predicate.h"
@@ -11,30 +10,28 @@
 
 namespace vantrel {
 
-/// The value as an attribute of the type keeps it: integers become doubles where those are stored,
-/// doubles are narrowed to single precision. Nothing when it is of another kind, out of the type's
-/// range, or not a number. Absent suits every attribute.
+/// Converts `value` to the form in which an attribute of `type` stores it: integers become doubles
+/// for real attributes, doubles are narrowed to single precision for kFloat. Absent values are
+/// valid for every type. `nullopt` if the kind does not fit, an integer is out of range, or a
+/// double or date is NaN.
 std::optional<Value> coercedValue(AttributeType type, const Value& value);
 
-/// Whether the values are too big to be kept with each object: they are read when asked for.
+/// Whether values of the type are read from the store on each access, because they are too big to
+/// be kept in memory with the object.
 constexpr bool isReadOnDemand(AttributeType type) {
   return type == AttributeType::kBinary || type == AttributeType::kTransformable;
 }
 
-/// The value in a snapshot's slot. Not for attributes that are read on demand.
+/// The value in a snapshot's slot. Absent for a type that is read on demand.
 Value valueInSlot(AttributeType type, const RowSnapshot& row, std::size_t slot);
-/// Puts a value of the attribute's kind into the row that is being built.
+/// Stores `value`, which must be of the slot's type (see `coercedValue`).
 void setValueInSlot(const Value& value, RowBuilder& row, std::size_t slot);
 
-/// Below, equal to or above 0, as SQLite orders a column: absent first, texts and bytes by byte.
+/// Returns < 0, 0 or > 0, in the order in which SQLite sorts a column: absent first, texts and
+/// bytes byte by byte.
 int compareValues(const Value& a, const Value& b);
 
-/// Whether an attribute's value satisfies the predicate's comparison with `wanted`.
+/// Whether an attribute's `value` satisfies the predicate's comparison with `wanted`.
 bool matches(Predicate::Operator op, const Value& value, const Value& wanted);
-
-/// The slot of an attribute or of a to-one relationship in a row of the entity.
-std::optional<std::size_t> slotOfAttribute(const EntityDescription& entity, std::string_view key);
-std::optional<std::size_t> slotOfToOne(const EntityDescription& entity, std::string_view key);
-std::size_t slotCount(const EntityDescription& entity);
 
 }  // namespace vantrel

@@ -24,4 +24,38 @@ const RelationshipDescription* EntityDescription::relationship(std::string_view 
   return propertyNamed(relationships, key);
 }
 
+bool EntityDescription::isKindOf(const EntityDescription& ancestor) const {
+  const EntityDescription* entity = this;
+  while (entity && entity != &ancestor) entity = entity->superentity;
+  return entity != nullptr;
+}
+
+std::size_t EntityDescription::slotCount() const {
+  const auto toOnes =
+      std::count_if(relationships.begin(), relationships.end(),
+                    [](const auto& relationship) { return !relationship.isToMany; });
+  return attributes.size() + static_cast<std::size_t>(toOnes);
+}
+
+std::optional<std::size_t> EntityDescription::slotOfAttribute(std::string_view key) const {
+  const AttributeDescription* found = attribute(key);
+  return found ? std::optional(static_cast<std::size_t>(found - attributes.data())) : std::nullopt;
+}
+
+std::optional<std::size_t> EntityDescription::slotOfToOne(std::string_view key) const {
+  std::size_t slot = attributes.size();
+  for (const auto& relationship : relationships) {
+    if (relationship.isToMany) continue;
+    if (relationship.name == key) return slot;
+    ++slot;
+  }
+  return std::nullopt;
+}
+
+const RelationshipDescription& EntityDescription::toOneInSlot(std::size_t slot) const {
+  return *std::find_if(relationships.begin(), relationships.end(), [&](const auto& relationship) {
+    return slotOfToOne(relationship.name) == slot;
+  });
+}
+
 }  // namespace vantrel

@@ -14,13 +14,13 @@ struct SortDescriptor {
   bool ascending = true;
 };
 
-/// Which objects of an entity (and of its sub-entities) to fetch. Without sort descriptors, and
-/// among equals, the order is that of the rows' keys; absent values come first ascending.
+/// Selects objects of an entity and its subentities. Rows with equal sort values, or all without
+/// sort descriptors, are ordered by key. In ascending order absent values come first.
 struct FetchRequest {
   std::string entityName;
   std::optional<Predicate> predicate = {};
   std::vector<SortDescriptor> sortDescriptors = {};
-  std::size_t fetchLimit = 0;  ///< 0 is no limit.
+  std::size_t fetchLimit = 0;  ///< 0 for no limit.
 };
 
 }  // namespace vantrel

@@ -9,25 +9,25 @@
 
 namespace vantrel {
 
-/// Names one object: for good once it is saved, within the context before. Small and cheap to copy.
-/// Any thread.
+/// Identifies an object: permanently once it is saved, temporarily within its context before. Cheap
+/// to copy. Thread-safe.
 class ManagedObjectID {
  public:
   ManagedObjectID() = default;
   static ManagedObjectID permanentID(std::string_view storeUuid, std::string_view entityName,
                                      std::int64_t primaryKey);
-  /// A new one each time.
+  /// Returns a different identifier on each call.
   static ManagedObjectID temporaryID(std::string_view entityName);
 
   bool isTemporaryID() const { return key_ <= 0; }
   const std::string& entityName() const;
-  /// Empty while temporary.
+  /// Empty for a temporary identifier.
   const std::string& storeUuid() const;
-  /// The row's key; 0 while temporary.
+  /// The row's key; 0 for a temporary identifier.
   std::int64_t primaryKey() const { return key_ > 0 ? key_ : 0; }
   /// The permanent identifier of another row of the same entity and store.
   ManagedObjectID withPrimaryKey(std::int64_t primaryKey) const { return {names_, primaryKey}; }
-  /// Grows with each temporary identifier that is made; 0 once permanent.
+  /// Increases with each new temporary identifier; 0 for a permanent one.
   std::int64_t temporaryNumber() const { return key_ < 0 ? -key_ : 0; }
   /// "x-coredata://<store UUID>/Planning/p7", or "x-coredata:///Planning/t<UUID><counter>".
   std::string URIRepresentation() const;
@@ -35,22 +35,22 @@ class ManagedObjectID {
   friend bool operator==(const ManagedObjectID&, const ManagedObjectID&) = default;
 
  private:
-  /// Kept once per process for each store and entity, so that equal names have equal addresses.
+  /// One per store and entity in a process, never freed, so that equal names have equal addresses.
   struct Names;
   static const Names* namesFor(std::string_view storeUuid, std::string_view entityName);
   ManagedObjectID(const Names* names, std::int64_t key) : names_(names), key_(key) {}
 
   const Names* names_ = nullptr;
-  std::int64_t key_ = 0;  ///< Below 0: minus the number of a temporary one.
+  std::int64_t key_ = 0;  ///< Negative: minus the number of a temporary identifier.
 };
 
-/// What the URI of a saved object says.
+/// The parts of a permanent URI.
 struct PermanentObjectURI {
   std::string_view storeUuid;
   std::string_view entityName;
   std::int64_t primaryKey = 0;
 };
-/// Nothing for a text of another form; the views point into it.
+/// `nullopt` if `uri` is malformed. The views refer to `uri`.
 std::optional<PermanentObjectURI> parsePermanentObjectURI(std::string_view uri);
 
 }  // namespace vantrel

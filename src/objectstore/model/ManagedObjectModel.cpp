@@ -93,6 +93,16 @@ Expected<ManagedObjectModel> ManagedObjectModel::modelWithData(std::span<const s
   if (!entities) return tl::unexpected(entities.error());
   ManagedObjectModel model;
   model.entities_ = std::move(*entities);
+  for (auto& entity : model.entities_) {
+    entity.index = static_cast<std::size_t>(&entity - model.entities_.data());
+    // Superentities come first.
+    entity.superentity = std::as_const(model).entityNamed(entity.superentityName);
+    entity.root = entity.superentity ? entity.superentity->root : &entity;
+    for (auto& relationship : entity.relationships) {
+      relationship.destinationEntity =
+          std::as_const(model).entityNamed(relationship.destinationEntityName);
+    }
+  }
   for (const auto& identifier : root.decodeObjectForKey("NSVersionIdentifiers").array()) {
     model.versionIdentifiers_.push_back(identifier.string().value_or(""));
   }

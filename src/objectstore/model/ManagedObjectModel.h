@@ -12,29 +12,40 @@
 
 namespace vantrel {
 
-/// A model in its compiled form. Immutable once loaded but for the functions that make objects.
+/// The entities of a compiled model. Immutable once loaded, except for `makeObject` and the hashes
+/// of its entities. Thread-safe once loaded.
 class ManagedObjectModel {
  public:
+  /// By entity name.
   using VersionHashes = std::map<std::string, VersionHash, std::less<>>;
 
-  /// Reads the current version of a .momd folder (VersionInfo.plist names it; when it does not, the
-  /// only .mom), or a single .mom file. Damaged files give an error that names the file.
+  /// A model without entities.
+  ManagedObjectModel() = default;
+  ManagedObjectModel(ManagedObjectModel&&) = default;
+  ManagedObjectModel& operator=(ManagedObjectModel&&) = default;
+  // Entities refer to each other.
+  ManagedObjectModel(const ManagedObjectModel&) = delete;
+  ManagedObjectModel& operator=(const ManagedObjectModel&) = delete;
+
+  /// Reads a .mom file or the current version of a .momd folder: the version that VersionInfo.plist
+  /// names or, if it names none, the only .mom. The error of a damaged file includes its path.
   static Expected<ManagedObjectModel> modelWithContentsOfURL(const std::filesystem::path& url);
-  /// Reads a model's keyed archive from memory.
+  /// Decodes a model's keyed archive.
   static Expected<ManagedObjectModel> modelWithData(std::span<const std::byte> data);
-  /// Hashes of every version that a .momd folder lists, by version name; empty for a .mom.
+  /// The hashes of every version that a .momd folder lists, by version name; empty for a .mom.
   static std::map<std::string, VersionHashes> allVersionHashes(const std::filesystem::path& momd);
 
-  /// In the order of the stores' entity numbers: the tree depth first, siblings by name without
-  /// regard to case. The number of an entity in a new store is its position here plus 1.
+  /// Depth first, siblings by name, ignoring case. In a new store, an entity's number (Z_ENT) is
+  /// its index here plus 1.
   const std::vector<EntityDescription>& entities() const { return entities_; }
+  /// Null if the model has no such entity.
   const EntityDescription* entityNamed(std::string_view name) const;
   EntityDescription* entityNamed(std::string_view name);
   /// "4" for the fourth version; may be empty.
   const std::vector<std::string>& versionIdentifiers() const { return versionIdentifiers_; }
-  /// By entity name; empty when the model came without hashes.
+  /// Empty if the model was read from a .mom.
   VersionHashes versionHashes() const;
-  /// The folder or file that it was read from; empty when it came from memory.
+  /// The folder or file that the model was read from; empty for `modelWithData`.
   const std::filesystem::path& url() const { return url_; }
 
  private:

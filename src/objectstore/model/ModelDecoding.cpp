@@ -10,7 +10,7 @@ namespace {
 
 using Node = KeyedUnarchiver::Node;
 
-/// Deeper trees of entities are no model that anyone made.
+/// Far deeper than any real model.
 constexpr std::size_t kMaxAncestors = 64;
 constexpr std::int32_t kExternalStorageFlag = 4;
 
@@ -82,7 +82,7 @@ Value defaultValue(const Node& object, AttributeType type) {
   }
 }
 
-/// Nothing for a type that no store column holds (undefined, object identifier, composite).
+/// `nullopt` for a type that is not stored in a column (undefined, object identifier, composite).
 std::optional<AttributeDescription> decodedAttribute(const Node& object) {
   const auto type = attributeType(object.decodeInt32ForKey("NSAttributeType"));
   if (!type) return std::nullopt;
@@ -128,7 +128,7 @@ EntityDescription decodedEntity(const Node& object) {
   entity.isAbstract = object.decodeBoolForKey("NSIsAbstract");
   for (const auto& [key, property] : object.decodeObjectForKey("NSProperties").dictionary()) {
     const auto kind = property.className();
-    // Fetched properties store nothing, and stand-ins for inherited properties say nothing new.
+    // Skip fetched properties, which are not stored, and placeholders for inherited properties.
     if (kind == "NSAttributeDescription" || kind == "NSDerivedAttributeDescription") {
       if (auto attribute = decodedAttribute(property)) {
         entity.attributes.push_back(std::move(*attribute));
@@ -141,8 +141,7 @@ EntityDescription decodedEntity(const Node& object) {
   return entity;
 }
 
-/// The values of "NSEntities", which a store's copy of its model keeps in another kind of
-/// dictionary.
+/// The values of "NSEntities". The model archive in a store uses another dictionary class.
 std::vector<Node> entityNodes(const Node& entities) {
   if (entities.containsValueForKey("values")) return entities.decodeObjectForKey("values").array();
   std::vector<Node> nodes;
@@ -160,7 +159,7 @@ template <typename Property>
 void inherit(std::vector<Property>& properties, const std::vector<Property>& inherited) {
   const auto byName = [](const Property& a, const Property& b) { return a.name < b.name; };
   properties.insert(properties.end(), inherited.begin(), inherited.end());
-  // An entity's own form of a property stands before its ancestor's.
+  // The stable sort puts an overridden property before the inherited one.
   std::stable_sort(properties.begin(), properties.end(), byName);
   const auto same = [](const Property& a, const Property& b) { return a.name == b.name; };
   properties.erase(std::unique(properties.begin(), properties.end(), same), properties.end());
@@ -179,7 +178,7 @@ Expected<std::vector<EntityDescription>> decodedEntities(const Node& model) {
 }
 
 Expected<std::vector<EntityDescription>> orderedEntities(std::vector<EntityDescription> entities) {
-  // Names in descending order, as the last of a pile is looked at first.
+  // In descending order, since the last element of the stack is processed first.
   std::sort(entities.begin(), entities.end(), [](const auto& a, const auto& b) {
     return lessWithoutCase(b.name, a.name) || (!lessWithoutCase(a.name, b.name) && b.name < a.name);
   });
@@ -196,11 +195,11 @@ Expected<std::vector<EntityDescription>> orderedEntities(std::vector<EntityDescr
   };
   std::vector<EntityDescription> ordered;
   std::map<std::string, std::size_t, std::less<>> places;
-  std::vector<Pending> pile;
-  for (const auto root : children[""]) pile.push_back({root, 0});
-  while (!pile.empty()) {
-    const auto [index, ancestors] = pile.back();
-    pile.pop_back();
+  std::vector<Pending> stack;
+  for (const auto root : children[""]) stack.push_back({root, 0});
+  while (!stack.empty()) {
+    const auto [index, ancestors] = stack.back();
+    stack.pop_back();
     auto entity = std::move(entities[index]);
     if (ancestors > kMaxAncestors) return damaged("too many ancestors of \"" + entity.name + "\".");
     const auto parent = places.find(entity.superentityName);
@@ -209,10 +208,10 @@ Expected<std::vector<EntityDescription>> orderedEntities(std::vector<EntityDescr
     inherit(entity.attributes, inherited.attributes);
     inherit(entity.relationships, inherited.relationships);
     places[entity.name] = ordered.size();
-    for (const auto child : children[entity.name]) pile.push_back({child, ancestors + 1});
+    for (const auto child : children[entity.name]) stack.push_back({child, ancestors + 1});
     ordered.push_back(std::move(entity));
   }
-  // What no root leads to descends from itself or from an entity that is not there.
+  // The rest descends from a cycle or from a missing entity.
   if (ordered.size() != entities.size()) return damaged("its entities do not form a tree.");
   return ordered;
 }

@@ -9,11 +9,12 @@
 
 namespace vantrel {
 
-/// The entities of an archived model with their own properties only, in no order of meaning.
+/// Decodes the entities of an archived model, unordered and without inherited properties.
 Expected<std::vector<EntityDescription>> decodedEntities(const KeyedUnarchiver::Node& model);
 
-/// Gives each entity its ancestors' properties and puts the tree in the order of entity numbers. An
-/// error when names repeat, when an ancestor is missing, or when entities descend from themselves.
+/// Adds the inherited properties to each entity and sorts the tree by entity number (see
+/// ManagedObjectModel::entities). Fails if names repeat, an ancestor is missing, or the tree has a
+/// cycle.
 Expected<std::vector<EntityDescription>> orderedEntities(std::vector<EntityDescription> entities);
 
 }  // namespace vantrel

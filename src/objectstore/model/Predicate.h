@@ -6,8 +6,8 @@
 
 namespace vantrel {
 
-/// One comparison of an attribute with a value. Text and bytes compare byte by byte; an absent
-/// attribute is neither equal to nor at least anything.
+/// Compares an attribute with a value. Text and bytes compare byte by byte; an absent attribute
+/// satisfies only kIsNil.
 struct Predicate {
   enum class Operator { kEqual, kGreaterThanOrEqual, kIsNil };
   std::string key;

@@ -9,13 +9,12 @@
 
 namespace vantrel {
 
-/// The values of one stored row in one block of memory, so that a million rows cost little more
-/// than their bytes. A slot is an attribute or the key of a to-one relationship; whoever reads it
-/// knows its kind from the entity.
+/// The values of one row in one block of memory: a million rows cost little more than their bytes.
+/// The caller knows each slot's type from the entity (see EntityDescription).
 class RowSnapshot {
  public:
   RowSnapshot() = default;
-  /// Without a block every slot is absent.
+  /// Always true for a default-constructed row.
   bool isAbsent(std::size_t slot) const;
   std::int64_t integer(std::size_t slot) const;
   double real(std::size_t slot) const;
@@ -32,14 +31,14 @@ class RowSnapshot {
   std::unique_ptr<std::uint64_t[]> words_;
 };
 
-/// Fills snapshots one after the other.
+/// Builds snapshots, one after the other.
 class RowBuilder {
  public:
   explicit RowBuilder(std::size_t slotCount);
   void setInteger(std::size_t slot, std::int64_t value);
   void setReal(std::size_t slot, double value);
   void setText(std::size_t slot, std::string_view value);
-  /// The row with the values set since the last call; those not set are absent.
+  /// Returns a row with the values set since the last call; the other slots are absent.
   RowSnapshot finish(std::int64_t version);
 
  private:

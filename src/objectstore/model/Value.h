@@ -10,9 +10,9 @@
 
 namespace vantrel {
 
-/// An attribute's value. Absent (nil) is std::monostate; booleans and integers of all widths are
-/// std::int64_t; single precision is widened to double, bit-exactly; URIs are text; UUIDs, binaries
-/// and transformables are bytes.
+/// An attribute's value. std::monostate is absent (nil); booleans and integers of any width are
+/// std::int64_t; single precision is widened to double exactly; URIs are text; UUIDs, binary and
+/// transformable values are bytes.
 using Value =
     std::variant<std::monostate, std::int64_t, double, std::string, Date, std::vector<std::byte>>;
 

@@ -1,27 +1,35 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vantrel {
 
-/// Large values (attributes that say so) stand in their column behind a first byte that tells
-/// whether they follow, or the name of a file that holds them. Other models keep them as they are,
-/// and no kind of picture begins with either byte.
+/// Attributes with external storage prefix their column's bytes with 1, followed by the value, or
+/// with 2, followed by the 36 characters and the zero of the name of a file with the value. A store
+/// of another model may hold values without a prefix: no picture format begins with either byte.
 
-/// The folder beside a store that holds those files, with others that the platform keeps there.
+/// The folder beside a store with its external files.
 std::filesystem::path supportFolder(const std::filesystem::path& storeUrl);
-/// The file that a value of the store's with this name is kept in.
+/// The external file of this name.
 std::filesystem::path externalFile(const std::filesystem::path& storeUrl, std::string_view name);
-/// The name, when the column's bytes are one; nothing when they are not, or would lead elsewhere.
-std::optional<std::string> externalFileName(std::string_view stored);
-/// The length of what a column holds in place of a value that has a file of its own.
-inline constexpr std::size_t kExternalReferenceSize = 38;
+/// The file name in a column's bytes; `nullopt` if they hold no name of a file in the folder.
+std::optional<std::string> externalFileName(std::span<const std::byte> stored);
+/// The size of a column with the name of an external file.
+inline constexpr std::int64_t kExternalReferenceSize = 38;
 
-/// The value that a column's bytes stand for; nothing when they, or the file, are not there.
-std::optional<std::string> unwrappedBytes(std::string_view stored,
-                                          const std::filesystem::path& storeUrl);
+/// The bytes to store in the column for a value.
+std::vector<std::byte> wrappedBytes(std::span<const std::byte> value);
+
+/// The value for a column's bytes, read from the external file if they name one. `nullopt` if they
+/// are empty or the file cannot be read.
+std::optional<std::vector<std::byte>> unwrappedBytes(std::span<const std::byte> stored,
+                                                     const std::filesystem::path& storeUrl);
 
 }  // namespace vantrel

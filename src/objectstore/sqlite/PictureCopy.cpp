@@ -75,7 +75,7 @@ void PictureCopy::updateFolder(const fs::path& folder) {
   if (error == std::errc::no_such_file_or_directory) return;
   if (error == std::errc::not_a_directory) failSpecial(from_ / folder);
   if (error) throw fs::filesystem_error("cannot read", from_ / folder, error);
-  // The user's alone, and open to writing, whatever the old one is.
+  // Private and writable, whatever the mode of the old folder.
   if (::mkdir((to_ / folder).c_str(), S_IRWXU) != 0 && errno != EEXIST) {
     failSystem("cannot create", to_ / folder, errno);
   }

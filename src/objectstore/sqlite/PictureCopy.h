@@ -10,20 +10,19 @@
 
 namespace vantrel {
 
-/// Copies all bytes of a regular file into a new file that is readable for the user alone. False if
-/// `from` does not exist; throws StoreFailure if it is another kind of file, and
-/// std::filesystem::filesystem_error.
+/// Copies a regular file to a new file with mode 0600. False if `from` does not exist. Throws
+/// StoreFailure if it is another kind of file, std::filesystem::filesystem_error if copying fails.
 bool copyRegularFile(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// The copy of a support folder, which other programs may change at the same time. Throws what
+/// Copies a support folder that other processes may change concurrently. Throws what
 /// `copyRegularFile` throws.
 class PictureCopy {
  public:
-  /// `from` need not exist.
+  /// `from` may be missing.
   PictureCopy(std::filesystem::path from, std::filesystem::path to);
 
-  /// Copies the files that are new or changed since the last call. Skips files that vanish, and
-  /// links that lead nowhere. Fails at links to folders and at special files.
+  /// Copies the files that are new or changed since the last call. Skips files that vanish and
+  /// broken links. Throws for links to folders and for special files.
   void update();
   /// Removes the files that `from` no longer has, except `kept`.
   void removeVanished(const std::set<std::string>& kept);

@@ -1,7 +1,5 @@
 #include "objectstore/sqlite/RelationshipStorage.h"
 
-#include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Statement.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -12,10 +10,10 @@ namespace vantrel {
 
 namespace {
 
-/// No honest model comes near it.
+/// Far larger than any real model.
 constexpr std::size_t kLargestModel = std::size_t{16} << 20;
 
-/// Raw DEFLATE, without header; nothing for damaged or oversized data.
+/// Decompresses raw DEFLATE data (without a header). `nullopt` if it is damaged or too large.
 std::optional<std::vector<std::byte>> inflated(std::span<const std::byte> data) {
   if (data.size() > kLargestModel) return std::nullopt;
   z_stream stream = {};
@@ -37,20 +35,6 @@ std::optional<std::vector<std::byte>> inflated(std::span<const std::byte> data) 
   return code == Z_STREAM_END ? std::optional(std::move(result)) : std::nullopt;
 }
 
-const EntityDescription& rootOf(const ManagedObjectModel& model, const EntityDescription& entity) {
-  const EntityDescription* root = &entity;
-  for (std::size_t depth = 0; depth < model.entities().size(); ++depth) {
-    const auto* parent = model.entityNamed(root->superentityName);
-    if (!parent) break;
-    root = parent;
-  }
-  return *root;
-}
-
-std::string tableOf(const ManagedObjectModel& model, const EntityDescription& entity) {
-  return storeName(rootOf(model, entity).name);
-}
-
 std::string numbered(std::int64_t number) {
   return "Z_" + std::to_string(number);
 }
@@ -59,15 +43,15 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// "PLANNINGS" of "Z_4PLANNINGS" for the number 4; empty for a column of another number.
-std::string_view nameBehindNumber(std::string_view column, std::int64_t number) {
+/// "PLANNINGS" for "Z_4PLANNINGS" and the number 4; empty if the column has another number.
+std::string_view nameAfterNumber(std::string_view column, std::int64_t number) {
   const std::string start = numbered(number);
   if (!column.starts_with(start) || column.size() == start.size()) return {};
   column.remove_prefix(start.size());
   return isDigit(column.front()) ? std::string_view() : column;
 }
 
-/// 3 of "Z_3IMAGES" for the name "IMAGES"; a digit may follow it.
+/// 3 for "Z_3IMAGES" and the name "IMAGES", which may be followed by a digit.
 std::optional<std::int64_t> numberBefore(std::string_view column, std::string_view name) {
   std::int64_t number = 0;
   const char* end = column.data() + column.size();
@@ -81,6 +65,12 @@ std::optional<std::int64_t> numberBefore(std::string_view column, std::string_vi
 }
 
 }  // namespace
+
+std::string RelationshipStorage::pairCondition() const {
+  std::string condition = sqlName(ownerColumn) + " IS NOT NULL AND " + sqlName(destinationColumn);
+  if (destinationTable.empty() || destinationColumn == "Z_PK") return condition + " IS NOT NULL";
+  return condition + " IN (SELECT Z_PK FROM " + sqlName(destinationTable) + ")";
+}
 
 RelationshipStorages::RelationshipStorages(StoreConnection& connection, StoredEntities& entities,
                                            const ManagedObjectModel& model, bool isForeign)
@@ -102,14 +92,12 @@ const RelationshipStorage& RelationshipStorages::storage(
 }
 
 const ManagedObjectModel* RelationshipStorages::carriedModel() {
-  if (lookedForCarriedModel_) return carriedModel_.get();
-  lookedForCarriedModel_ = true;
+  if (hasReadCarriedModel_) return carriedModel_.get();
+  hasReadCarriedModel_ = true;
   if (!hasColumn("Z_MODELCACHE", "Z_CONTENT")) return nullptr;
-  const auto query = connection_.statement("SELECT Z_CONTENT FROM Z_MODELCACHE LIMIT 1");
-  if (query->executeStep()) {
-    const auto column = query->getColumn(0);
-    const auto* bytes = static_cast<const std::byte*>(column.getBlob());
-    const auto archive = inflated({bytes, static_cast<std::size_t>(column.getBytes())});
+  auto query = connection_.statement("SELECT Z_CONTENT FROM Z_MODELCACHE LIMIT 1");
+  if (query.next()) {
+    const auto archive = inflated(query.bytes(0));
     auto model =
         archive ? ManagedObjectModel::modelWithData(*archive) : tl::unexpected<Error>(Error{});
     if (model) carriedModel_ = std::make_unique<ManagedObjectModel>(std::move(*model));
@@ -127,18 +115,17 @@ RelationshipStorage RelationshipStorages::byModel(const ManagedObjectModel& mode
                                                   const RelationshipDescription& ours) {
   const auto* entity = model.entityNamed(owner.name);
   const auto* relationship = entity ? entity->relationship(ours.name) : nullptr;
-  // A model without the relationship has nothing to be counted.
   if (!relationship || relationship->isTransient) return {};
   RelationshipStorage storage;
   storage.kind = Kind::kUnsettled;
   storage.deleteRule = relationship->deleteRule;
-  const auto* destination = model.entityNamed(relationship->destinationEntityName);
+  const auto* destination = relationship->destinationEntity;
   if (!destination) return storage;
   storage.isDestinationInModel = destination->name == ours.destinationEntityName;
 
-  const std::string ownTable = tableOf(model, *entity);
-  const std::string otherTable = tableOf(model, *destination);
-  const auto settle = [&](Kind kind, std::string table, std::string ownerColumn,
+  const std::string otherTable = tableName(*destination);
+  if (connection_.tableExists(otherTable)) storage.destinationTable = otherTable;
+  const auto settle = [&](std::string table, std::string ownerColumn,
                           std::string destinationColumn) {
     storage.table = std::move(table);
     storage.ownerColumn = std::move(ownerColumn);
@@ -147,23 +134,22 @@ RelationshipStorage RelationshipStorages::byModel(const ManagedObjectModel& mode
       storage.kind = Kind::kNone;
     } else if (hasColumn(storage.table, storage.ownerColumn) &&
                hasColumn(storage.table, storage.destinationColumn)) {
-      storage.kind = kind;
+      storage.kind = Kind::kKeyColumn;
     }
   };
   if (!relationship->isToMany) {
-    settle(Kind::kToOneKey, ownTable, "Z_PK", storeName(ours.name));
+    settle(tableName(*entity), "Z_PK", storeName(ours.name));
     return storage;
   }
   const auto* inverse = destination->relationship(relationship->inverseName);
   if (inverse && !inverse->isToMany) {
-    settle(Kind::kInverseKey, otherTable, storeName(inverse->name), "Z_PK");
+    settle(otherTable, storeName(inverse->name), "Z_PK");
     return storage;
   }
   const auto number = entities_.number(entity->name);
   if (!number) return storage;
   if (!inverse) {
-    settle(Kind::kHiddenKey, otherTable,
-           "Z" + std::to_string(*number) + storeName(ours.name).substr(1), "Z_PK");
+    settle(otherTable, "Z" + std::to_string(*number) + storeName(ours.name).substr(1), "Z_PK");
     return storage;
   }
   const auto otherNumber = entities_.number(destination->name);
@@ -175,6 +161,7 @@ RelationshipStorage RelationshipStorages::byModel(const ManagedObjectModel& mode
     if (!join) continue;
     join->deleteRule = storage.deleteRule;
     join->isDestinationInModel = storage.isDestinationInModel;
+    join->destinationTable = storage.destinationTable;
     return *join;
   }
   return storage;
@@ -182,14 +169,14 @@ RelationshipStorage RelationshipStorages::byModel(const ManagedObjectModel& mode
 
 std::optional<RelationshipStorage> RelationshipStorages::joinTable(const std::string& name,
                                                                    const std::string& ownerColumn) {
-  // Sort keys of ordered relationships stand beside the two keys.
+  // Join tables of ordered relationships have sort keys besides the two keys.
   std::vector<std::string> keys;
   for (const auto& column : connection_.columnsOfTable(name)) {
     if (!column.starts_with("Z_FOK_")) keys.push_back(column);
   }
   constexpr std::size_t kPair = 2;
   if (keys.size() != kPair) return std::nullopt;
-  // A digit may follow where two columns would be called alike.
+  // A digit follows if two columns would otherwise have the same name.
   const auto isOwners = [&](const std::string& key) {
     const bool isLonger =
         key.size() == ownerColumn.size() + 1 && isDigit(key.back()) && key.starts_with(ownerColumn);
@@ -197,7 +184,7 @@ std::optional<RelationshipStorage> RelationshipStorages::joinTable(const std::st
   };
   const bool first = isOwners(keys[0]);
   const bool second = isOwners(keys[1]);
-  // Where both look alike, the exact name decides.
+  // If both match, prefer the exact name.
   const bool takeFirst = first && (!second || keys[0] == ownerColumn);
   if (!first && !second) return std::nullopt;
   RelationshipStorage storage;
@@ -209,12 +196,12 @@ std::optional<RelationshipStorage> RelationshipStorages::joinTable(const std::st
 }
 
 std::vector<std::string> RelationshipStorages::entityTables() {
-  const auto query = connection_.statement(
+  auto query = connection_.statement(
       "SELECT m.name FROM sqlite_schema m WHERE m.type = 'table' AND EXISTS"
       " (SELECT 1 FROM pragma_table_info(m.name) WHERE name = 'Z_ENT')"
       " AND m.name <> 'Z_PRIMARYKEY' ORDER BY m.name");
   std::vector<std::string> tables;
-  while (query->executeStep()) tables.push_back(query->getColumn(0).getString());
+  while (query.next()) tables.emplace_back(query.text(0));
   return tables;
 }
 
@@ -227,25 +214,29 @@ bool RelationshipStorages::isOfModel(const std::string& table) const {
 
 std::vector<RelationshipStorage> RelationshipStorages::joinTablesInSchema(
     std::int64_t ownerNumber, const RelationshipDescription& ours) {
-  const auto query = connection_.statement(
+  auto query = connection_.statement(
       "SELECT name FROM sqlite_schema WHERE type = 'table' AND name GLOB 'Z_[0-9]*' ORDER BY name");
   std::vector<std::string> tables;
-  while (query->executeStep()) tables.push_back(query->getColumn(0).getString());
+  while (query.next()) tables.emplace_back(query.text(0));
 
   const std::string forward = storeName(ours.name).substr(1);
   std::vector<RelationshipStorage> joins;
   for (const auto& table : tables) {
     for (const auto& column : connection_.columnsOfTable(table)) {
-      // How the relationship that points back is called is not known: what points at an owner bears
-      // the owner's number, what points at the others bears their number and this one's name.
-      const auto name = nameBehindNumber(column, ownerNumber);
+      // The inverse relationship's name is unknown. The column with the owner's key is named by the
+      // owner's number and the inverse's name, the other one by the other entity's number and this
+      // relationship's name.
+      const auto name = nameAfterNumber(column, ownerNumber);
       auto join = name.empty() || name == forward ? std::nullopt : joinTable(table, column);
       if (!join) continue;
       const auto otherNumber = numberBefore(join->destinationColumn, forward);
       if (!otherNumber) continue;
       const auto* other = entities_.modelEntity(*otherNumber);
       join->isDestinationInModel = other && other->name == ours.destinationEntityName;
-      // Whose the others are is not known either: they stay when an owner goes.
+      if (other && connection_.tableExists(tableName(*other))) {
+        join->destinationTable = tableName(*other);
+      }
+      // The delete rule is unknown: keep the other objects when an owner is deleted.
       join->deleteRule = DeleteRule::kNullify;
       joins.push_back(std::move(*join));
     }
@@ -259,40 +250,45 @@ RelationshipStorage RelationshipStorages::bySchema(const EntityDescription& owne
   unsettled.kind = Kind::kUnsettled;
   const auto number = entities_.number(owner.name);
   if (!number) return unsettled;
-  const auto* destination = model_.entityNamed(ours.destinationEntityName);
-  const std::string ownTable = tableOf(model_, owner);
-  const std::string expectedTable = destination ? tableOf(model_, *destination) : std::string();
+  const auto* destination = ours.destinationEntity;
+  const std::string ownTable = tableName(owner);
+  const std::string expectedTable = destination ? tableName(*destination) : std::string();
   const std::string forward = storeName(ours.name);
   const std::string inverse = storeName(ours.inverseName);
   const std::string hidden = "Z" + std::to_string(*number) + forward.substr(1);
   const auto tables = entityTables();
-  std::vector<std::string> strangers;
-  std::remove_copy_if(tables.begin(), tables.end(), std::back_inserter(strangers),
+  std::vector<std::string> unknownTables;
+  std::remove_copy_if(tables.begin(), tables.end(), std::back_inserter(unknownTables),
                       [&](const std::string& table) { return isOfModel(table); });
 
   std::vector<RelationshipStorage> candidates = joinTablesInSchema(*number, ours);
-  const auto add = [&](Kind kind, const std::string& table, const std::string& ownerColumn,
+  const auto add = [&](const std::string& table, const std::string& ownerColumn,
                        const std::string& destinationColumn, bool isDestinationInModel) {
-    candidates.push_back(
-        {kind, table, ownerColumn, destinationColumn, isDestinationInModel, ours.deleteRule});
+    candidates.push_back({Kind::kKeyColumn,
+                          table,
+                          ownerColumn,
+                          destinationColumn,
+                          isDestinationInModel,
+                          {},
+                          ours.deleteRule});
   };
   if (hasColumn(ownTable, forward)) {
-    add(Kind::kToOneKey, ownTable, "Z_PK", forward, strangers.empty());
+    add(ownTable, "Z_PK", forward, unknownTables.empty());
   }
   for (const auto& table : tables) {
     if (hasColumn(table, hidden)) {
-      add(Kind::kHiddenKey, table, hidden, "Z_PK", table == expectedTable);
+      add(table, hidden, "Z_PK", table == expectedTable);
     }
   }
   if (hasColumn(expectedTable, inverse)) {
-    add(Kind::kInverseKey, expectedTable, inverse, "Z_PK", true);
-  } else if (strangers.size() == 1 && hasColumn(strangers.front(), inverse)) {
-    add(Kind::kInverseKey, strangers.front(), inverse, "Z_PK", false);
+    add(expectedTable, inverse, "Z_PK", true);
+  } else if (unknownTables.size() == 1 && hasColumn(unknownTables.front(), inverse)) {
+    add(unknownTables.front(), inverse, "Z_PK", false);
   }
   if (candidates.size() == 1) return std::move(candidates.front());
-  // With nothing by the known names there are no pairs, unless a table is there that may hang
-  // together by a name that is not known.
-  const bool mayHold = !strangers.empty() || connection_.tableExists(expectedTable);
+  // Without candidates there are no pairs, unless another table may refer to this one by a name
+  // that the model does not know.
+  const bool mayHold = !unknownTables.empty() || connection_.tableExists(expectedTable);
   return candidates.empty() && !mayHold ? RelationshipStorage() : unsettled;
 }
 

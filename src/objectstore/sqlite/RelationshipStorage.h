@@ -11,37 +11,47 @@
 
 namespace vantrel {
 
-/// How a store keeps a to-many relationship, whatever the way: as pairs of keys in a table. The key
-/// of an owner stands in one column, that of an object it is related to in another.
+/// Where a store keeps a to-many relationship: as pairs of keys, the owner's and the related
+/// object's, in two columns of a table. One of the columns may be the table's primary key:
+///
+///     inverse to-one   ZIMAGE        (ZPLANNING, Z_PK)
+///     no inverse       ZIMAGE        (Z4IMAGES, Z_PK)         4: the owner's entity number
+///     many to many     Z_3PLANNINGS  (Z_4PLANNINGS, Z_3IMAGES)
+///     to-one in a foreign model's owner
+///                      ZPLANNING     (Z_PK, ZIMAGES)
 struct RelationshipStorage {
   enum class Kind {
-    kNone,        ///< There are no such pairs in the store: everything counts 0.
-    kInverseKey,  ///< The inverse to-one's column in the other table.
-    kHiddenKey,   ///< A column in the other table that no property has.
-    kJoinTable,   ///< A table of pairs.
-    kToOneKey,    ///< A column in the owner's table.
-    kUnsettled,   ///< It cannot be told: counts as kNone, and nothing may rest on the count.
+    kNone,       ///< The store has no such pairs: every count is 0.
+    kUnsettled,  ///< Unknown: read as kNone, but callers must not act on the count.
+    kKeyColumn,  ///< A column in the table of one of the two entities.
+    kJoinTable,  ///< A table of pairs only.
   };
   Kind kind = Kind::kNone;
   std::string table;
   std::string ownerColumn;
   std::string destinationColumn;
-  /// Whether the other objects are of the entity that the model names, as it keeps them.
+  /// Whether the related objects are of the relationship's destination entity in our model, so that
+  /// they can be fetched. False if a foreign model relates to another entity.
   bool isDestinationInModel = false;
+  /// The table of the related objects; empty if unknown.
+  std::string destinationTable;
   DeleteRule deleteRule = DeleteRule::kNullify;
 
+  /// SQL condition for the pairs with an owner and an existing related object. A join table may
+  /// refer to objects that were deleted.
+  std::string pairCondition() const;
   bool hasPairs() const { return kind != Kind::kNone && kind != Kind::kUnsettled; }
 };
 
-/// Finds out how relationships are stored: by the model, for stores written with it; else by the
-/// model that the store carries in it; else by what tables and columns there are. Looked up on
-/// first use. Throws what StoreConnection throws.
+/// Finds out how the relationships are stored: from our model, if it wrote the store, otherwise
+/// from the model in the store's Z_MODELCACHE, otherwise from its tables and columns. Results are
+/// cached. Throws StoreFailure.
 class RelationshipStorages {
  public:
   RelationshipStorages(StoreConnection& connection, StoredEntities& entities,
                        const ManagedObjectModel& model, bool isForeign);
 
-  /// For a to-many relationship of an entity of the model.
+  /// `relationship` is a to-many relationship of `entity`, both of our model.
   const RelationshipStorage& storage(const EntityDescription& entity,
                                      const RelationshipDescription& relationship);
 
@@ -63,7 +73,7 @@ class RelationshipStorages {
   StoredEntities& entities_;
   const ManagedObjectModel& model_;
   bool isForeign_;
-  bool lookedForCarriedModel_ = false;
+  bool hasReadCarriedModel_ = false;
   std::unique_ptr<ManagedObjectModel> carriedModel_;
   std::map<const RelationshipDescription*, RelationshipStorage> storages_;
 };

@@ -1,16 +1,8 @@
 #include "objectstore/sqlite/SqliteStore.h"
 
-#include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Statement.h>
-#include <SQLiteCpp/Transaction.h>
-#include <sqlite3.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <new>
 
 #include "objectstore/model/AttributeValues.h"
 #include "objectstore/sqlite/ExternalData.h"
@@ -29,7 +21,7 @@ namespace {
 
 constexpr int kKnownStoreVersion = 1;
 
-/// The largest of identifiers that are whole numbers.
+/// The largest identifier that is an integer.
 std::optional<std::int64_t> numericVersion(const std::vector<std::string>& identifiers) {
   std::optional<std::int64_t> largest;
   for (const auto& text : identifiers) {
@@ -41,17 +33,18 @@ std::optional<std::int64_t> numericVersion(const std::vector<std::string>& ident
   return largest;
 }
 
-/// The file must be whole without its log; closing alone would not tell that it is not.
-void closeWhole(std::unique_ptr<StoreConnection> connection) {
-  connection->database().exec("PRAGMA wal_checkpoint(TRUNCATE)");
+/// Checkpoints the WAL so that the main file is complete; closing alone would not report a failed
+/// checkpoint.
+void checkpointAndClose(std::unique_ptr<StoreConnection> connection) {
+  connection->execute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
-/// Gives way to a file that another program puts there meanwhile.
+/// Does nothing if another process creates the file first.
 void createFile(const fs::path& path, const ManagedObjectModel& model) {
   StoreDraft draft(path);
   auto connection = StoreConnection::open(draft.file(), false);
   createStoreSchema(*connection, model);
-  closeWhole(std::move(connection));
+  checkpointAndClose(std::move(connection));
   draft.publish();
 }
 
@@ -61,12 +54,13 @@ Error errorFromSystem(const std::error_code& code) {
     return storeError(StoreErrorCode::kDiskFull, "the disk is full");
   }
   if (code == std::errc::permission_denied || code == std::errc::operation_not_permitted) {
-    return storeError(StoreErrorCode::kPermission, "the store's files may not be used");
+    return storeError(StoreErrorCode::kPermission,
+                      "the store's files cannot be accessed: permission denied");
   }
   return storeError(StoreErrorCode::kInputOutput, "reading or writing the store's files failed");
 }
 
-/// The file that a symbolic link leads to; `url` itself if it is none, or leads nowhere.
+/// The target of a symbolic link; `url` if it is not a link, or a broken one.
 fs::path withoutLink(const fs::path& url) {
   std::error_code error;
   if (!fs::is_symlink(url, error)) return url;
@@ -74,16 +68,10 @@ fs::path withoutLink(const fs::path& url) {
   return error ? url : file;
 }
 
-/// As a failed `new` does.
-[[noreturn]] void failOutOfMemory() {
-  if (const auto handler = std::get_new_handler()) handler();
-  throw std::bad_alloc();
-}
-
 }  // namespace
 
 template <typename Function>
-auto SqliteStore::guarded(Function function) -> Expected<decltype(function())> {
+auto SqliteStore::convertingFailures(Function function) -> Expected<decltype(function())> {
   try {
     if constexpr (std::is_void_v<decltype(function())>) {
       function();
@@ -99,15 +87,6 @@ auto SqliteStore::guarded(Function function) -> Expected<decltype(function())> {
     error.userInfo.emplace("path", url_.string());
     error.userInfo.emplace("reason", exception.what());
     return tl::unexpected(std::move(error));
-  } catch (const SQLite::Exception& exception) {
-    const int code = std::max(exception.getErrorCode(), exception.getExtendedErrorCode());
-    if ((code & 0xff) == SQLITE_NOMEM) failOutOfMemory();
-    const int systemError =
-        connection_ ? sqlite3_system_errno(connection_->database().getHandle()) : errno;
-    Error error = errorFromSqlite(code, systemError);
-    error.userInfo.emplace("path", url_.string());
-    error.userInfo.emplace("reason", exception.what());
-    return tl::unexpected(std::move(error));
   }
 }
 
@@ -120,7 +99,7 @@ Expected<std::unique_ptr<SqliteStore>> SqliteStore::open(
     const fs::path& url, const StoreOptions& options,
     std::shared_ptr<const ManagedObjectModel> model) {
   std::unique_ptr<SqliteStore> store(new SqliteStore(url, std::move(model)));
-  const auto opened = store->guarded([&] {
+  const auto opened = store->convertingFailures([&] {
     store->openFile(options);
     store->checkMetadata(options);
   });
@@ -130,7 +109,7 @@ Expected<std::unique_ptr<SqliteStore>> SqliteStore::open(
 
 Expected<StoreMetadata> SqliteStore::metadataAt(const fs::path& url) {
   SqliteStore store(url, nullptr);
-  return store.guarded([&] {
+  return store.convertingFailures([&] {
     store.connection_ = StoreConnection::open(store.file_, true);
     return readStoreMetadata(*store.connection_);
   });
@@ -145,14 +124,14 @@ Expected<void> SqliteStore::copy(const fs::path& from, const fs::path& to,
                                      {{"path", to.string()}}));
   }
   SqliteStore old(from, model);
-  // Errors of making it are about the new store, all others about the old one.
+  // Report errors of creating the new store with its path, all others with that of the old one.
   std::unique_ptr<StoreDraft> made;
-  auto begun = SqliteStore(to, model).guarded([&] {
+  auto begun = SqliteStore(to, model).convertingFailures([&] {
     checkOwnSupportFolder(old.file_, to);
     made = std::make_unique<StoreDraft>(to);
   });
   if (!begun) return begun;
-  return old.guarded([&] {
+  return old.convertingFailures([&] {
     StoreDraft& draft = *made;
     copyStore(old.file_, draft);
     SqliteStore store(draft.file(), model);
@@ -162,9 +141,9 @@ Expected<void> SqliteStore::copy(const fs::path& from, const fs::path& to,
     }
     store.openFile(options);
     store.checkMetadata(options);
-    closeWhole(std::move(store.connection_));
+    checkpointAndClose(std::move(store.connection_));
     if (!draft.publish()) {
-      failStore(StoreErrorCode::kCannotCreate, "another program has made the new store meanwhile");
+      failStore(StoreErrorCode::kCannotCreate, "another program has created the new store");
     }
   });
 }
@@ -175,11 +154,15 @@ void SqliteStore::openFile(const StoreOptions& options) {
     createFile(url_, *model_);
   }
   connection_ = StoreConnection::open(file_, options.readOnly);
-  // A file without content, as a program that was stopped while it made one may leave.
+  // An empty file, as a killed process may leave behind.
   if (!connection_->isReadOnly() && isEmptyStore(*connection_)) {
     createStoreSchema(*connection_, *model_);
   }
-  if (!connection_->isReadOnly()) connection_->setPragmas(options.sqlitePragmas);
+  if (!connection_->isReadOnly()) {
+    for (const auto& [name, value] : options.sqlitePragmas) {
+      connection_->execute("PRAGMA " + name + " = " + value);
+    }
+  }
   metadata_ = readStoreMetadata(*connection_);
 }
 
@@ -202,13 +185,13 @@ void SqliteStore::checkMetadata(const StoreOptions& options) {
                        });
   if (isOlder && !connection_->isReadOnly()) {
     if (!options.migratePersistentStoresAutomatically || !options.inferMappingModelAutomatically) {
-      failStore(StoreErrorCode::kIncompatible, "the store is of an older version");
+      failStore(StoreErrorCode::kIncompatible, "the store was written by an older version");
     }
     migrateStoreSchema(*connection_, *model_);
     metadata_ = readStoreMetadata(*connection_);
     return makeParts();
   }
-  // What cannot be migrated is read like a stranger's: columns that are missing read absent.
+  // A store that cannot be migrated is opened as a foreign store: missing columns read as absent.
   isForeign_ = true;
   makeParts();
   if (isOlder || serves(options)) return;
@@ -226,7 +209,7 @@ bool SqliteStore::serves(const StoreOptions& options) {
     const auto* entity = model_->entityNamed(name);
     if (!entity) return false;
     for (const auto& key : keys) {
-      const auto slot = slotOfAttribute(*entity, key);
+      const auto slot = entity->slotOfAttribute(key);
       if (!slot || entities_->stored(*entity).columns[*slot].empty()) return false;
     }
   }
@@ -235,7 +218,7 @@ bool SqliteStore::serves(const StoreOptions& options) {
 
 Expected<void> SqliteStore::fetch(const FetchRequest& request, std::size_t limit,
                                   const RowReceiver& receive) {
-  return guarded([&] {
+  return convertingFailures([&] {
     StoreReader reader(*connection_, *entities_);
     auto query = reader.queryForRequest(request, *model_->entityNamed(request.entityName));
     query.limit = limit;
@@ -245,21 +228,21 @@ Expected<void> SqliteStore::fetch(const FetchRequest& request, std::size_t limit
 
 Expected<void> SqliteStore::fetchRow(const EntityDescription& entity, std::int64_t key,
                                      const RowReceiver& receive) {
-  return guarded([&] {
+  return convertingFailures([&] {
     StoreReader reader(*connection_, *entities_);
     reader.rows({.entity = &entity, .condition = "Z_PK = ?", .values = {key}}, receive);
   });
 }
 
 Expected<std::vector<std::int64_t>> SqliteStore::fetchKeys(const FetchRequest& request) {
-  return guarded([&] {
+  return convertingFailures([&] {
     StoreReader reader(*connection_, *entities_);
     return reader.keys(reader.queryForRequest(request, *model_->entityNamed(request.entityName)));
   });
 }
 
 Expected<std::size_t> SqliteStore::count(const FetchRequest& request) {
-  return guarded([&] {
+  return convertingFailures([&] {
     StoreReader reader(*connection_, *entities_);
     return reader.count(reader.queryForRequest(request, *model_->entityNamed(request.entityName)));
   });
@@ -267,25 +250,25 @@ Expected<std::size_t> SqliteStore::count(const FetchRequest& request) {
 
 Expected<Value> SqliteStore::readBytes(const EntityDescription& entity, std::size_t slot,
                                        std::int64_t key) {
-  return guarded(
+  return convertingFailures(
       [&] { return StoreReader(*connection_, *entities_).bytes(entity, slot, key, file_); });
 }
 
 Expected<const EntityDescription*> SqliteStore::entityForStoredName(std::string_view name) {
-  return guarded([&] { return entities_->modelEntity(name); });
+  return convertingFailures([&] { return entities_->modelEntity(name); });
 }
 
 Expected<RelationshipStorage> SqliteStore::relationshipStorage(
     const EntityDescription& entity, const RelationshipDescription& relationship) {
-  return guarded([&] { return storages_->storage(entity, relationship); });
+  return convertingFailures([&] { return storages_->storage(entity, relationship); });
 }
 
 Expected<void> SqliteStore::fetchRelated(const EntityDescription& entity,
                                          const RelationshipDescription& relationship,
                                          std::int64_t key, const RowReceiver& receive) {
-  return guarded([&] {
+  return convertingFailures([&] {
     const auto& storage = storages_->storage(entity, relationship);
-    const auto* destination = model_->entityNamed(relationship.destinationEntityName);
+    const auto* destination = relationship.destinationEntity;
     if (!storage.hasPairs() || !storage.isDestinationInModel || !destination) return;
     const bool isInOtherTable = storage.destinationColumn == "Z_PK";
     const std::string condition = isInOtherTable
@@ -301,44 +284,34 @@ Expected<void> SqliteStore::fetchRelated(const EntityDescription& entity,
 Expected<std::size_t> SqliteStore::countRelated(const EntityDescription& entity,
                                                 const RelationshipDescription& relationship,
                                                 std::int64_t key) {
-  return guarded([&]() -> std::size_t {
+  return convertingFailures([&]() -> std::size_t {
     const auto& storage = storages_->storage(entity, relationship);
     if (!storage.hasPairs()) return 0;
-    const auto query = connection_->statement("SELECT count(" + sqlName(storage.destinationColumn) +
-                                              ") FROM " + sqlName(storage.table) + " WHERE " +
-                                              sqlName(storage.ownerColumn) + " = ?");
-    query->bind(1, key);
-    return query->executeStep() ? static_cast<std::size_t>(query->getColumn(0).getInt64()) : 0;
+    auto query = connection_->statement("SELECT count(*) FROM " + sqlName(storage.table) +
+                                        " WHERE " + sqlName(storage.ownerColumn) + " = ? AND " +
+                                        storage.pairCondition());
+    return query.bind(key).next() ? static_cast<std::size_t>(query.integer(0)) : 0;
   });
 }
 
 Expected<std::unordered_map<std::int64_t, std::size_t>> SqliteStore::countsOfRelated(
     const EntityDescription& entity, const RelationshipDescription& relationship) {
-  return guarded([&] {
+  return convertingFailures([&] {
     std::unordered_map<std::int64_t, std::size_t> counts;
     const auto& storage = storages_->storage(entity, relationship);
     if (!storage.hasPairs()) return counts;
     const std::string owner = sqlName(storage.ownerColumn);
-    const std::string destination = sqlName(storage.destinationColumn);
-    const auto query = connection_->statement(
-        "SELECT " + owner + ", count(*) FROM " + sqlName(storage.table) + " WHERE " + owner +
-        " IS NOT NULL AND " + destination + " IS NOT NULL GROUP BY " + owner);
-    while (query->executeStep()) {
-      counts[query->getColumn(0).getInt64()] =
-          static_cast<std::size_t>(query->getColumn(1).getInt64());
-    }
+    auto query =
+        connection_->statement("SELECT " + owner + ", count(*) FROM " + sqlName(storage.table) +
+                               " WHERE " + storage.pairCondition() + " GROUP BY " + owner);
+    while (query.next()) counts[query.integer(0)] = static_cast<std::size_t>(query.integer(1));
     return counts;
   });
 }
 
-void SqliteStore::beginTransaction() {
-  transaction_ = std::make_unique<SQLite::Transaction>(connection_->database(),
-                                                       SQLite::TransactionBehavior::IMMEDIATE);
-}
-
 Expected<void> SqliteStore::lock() {
-  return guarded([&] {
-    if (!transaction_ && !connection_->isReadOnly()) beginTransaction();
+  return convertingFailures([&] {
+    if (!transaction_ && !connection_->isReadOnly()) transaction_.emplace(*connection_);
   });
 }
 
@@ -347,11 +320,11 @@ void SqliteStore::unlock() {
 }
 
 Expected<std::vector<std::int64_t>> SqliteStore::save(const ChangeSet& changes) {
-  auto keys = guarded([&] {
+  auto keys = convertingFailures([&] {
     if (connection_->isReadOnly()) {
-      failStore(StoreErrorCode::kPermission, "the store may not be written");
+      failStore(StoreErrorCode::kPermission, "the store cannot be written: permission denied");
     }
-    if (!transaction_) beginTransaction();
+    if (!transaction_) transaction_.emplace(*connection_);
     StoreWriter writer(*connection_, *entities_, *storages_, *model_);
     auto written = writer.write(changes);
     transaction_->commit();
@@ -363,7 +336,7 @@ Expected<std::vector<std::int64_t>> SqliteStore::save(const ChangeSet& changes) 
     return written;
   });
   transaction_.reset();
-  // What was looked up while writing may have been taken back.
+  // Entity numbers added while writing may have been rolled back.
   if (!keys) entities_->forget();
   return keys;
 }

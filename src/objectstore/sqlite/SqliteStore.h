@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,34 +19,31 @@
 #include "objectstore/sqlite/StoreMetadata.h"
 #include "objectstore/sqlite/StoreOptions.h"
 
-namespace SQLite {
-class Transaction;
-}
-
 namespace vantrel {
 
-/// A row as a fetch hands it over.
+/// A row that a fetch passes to its receiver.
 struct FetchedRow {
-  const EntityDescription* entity = nullptr;  ///< The row's own, where the model has it.
+  /// The row's entity or, if the model lacks it, its nearest ancestor in the model.
+  const EntityDescription* entity = nullptr;
   ManagedObjectID objectID;
   RowSnapshot values;
 };
 using RowReceiver = std::function<void(FetchedRow&&)>;
 
-/// One store file, opened through a coordinator. All errors are of kObjectStoreErrorDomain.
-/// Entities and relationships are those of the coordinator's model. Main thread.
+/// One store file, opened by a coordinator. All errors have kObjectStoreErrorDomain. Entities and
+/// relationships passed in belong to the coordinator's model. Main thread only.
 class SqliteStore {
  public:
-  /// Opens the file, making it when it is missing; migrates or refuses it as its metadata say.
+  /// Opens the file, and creates it if it is missing unless `options.readOnly`. Migrates an older
+  /// store if the options allow it; fails with kNewer, kIncompatible or kNotAStore for others.
   static Expected<std::unique_ptr<SqliteStore>> open(
       const std::filesystem::path& url, const StoreOptions& options,
       std::shared_ptr<const ManagedObjectModel> model);
-  /// What a file says of itself, read without writing to it.
+  /// Reads a store's metadata without writing to the file.
   static Expected<StoreMetadata> metadataAt(const std::filesystem::path& url);
-  /// Makes a store at `to` with all that the one at `from` holds, its identity, pictures and
-  /// unknown content included, migrated as opening it would. Either a whole store comes to be or
-  /// none, also when the program is killed; the old one is only read. Fails if `to` exists, or if
-  /// it would store its pictures in the folder of another store.
+  /// Copies a store with its identity, pictures and unknown content, migrated like `open` does.
+  /// Creates a complete store or none, also if the process is killed; does not write to the old
+  /// one. Fails if `to` exists, or if it would keep its pictures in the folder of another store.
   static Expected<void> copy(const std::filesystem::path& from, const std::filesystem::path& to,
                              const StoreOptions& options,
                              const std::shared_ptr<const ManagedObjectModel>& model);
@@ -54,24 +52,24 @@ class SqliteStore {
   SqliteStore& operator=(const SqliteStore&) = delete;
 
   const std::filesystem::path& url() const { return url_; }
-  /// As it was when the store was opened (or migrated by that).
+  /// As read when the store was opened, after a migration.
   const StoreMetadata& metadata() const { return metadata_; }
-  /// Whether another program's model made the store.
+  /// Whether the store has the model of another program.
   bool isForeign() const { return isForeign_; }
 
-  /// At most `limit` rows (0: all) that the request finds, in its order.
+  /// Passes the rows that match the request to `receive`, in its order; at most `limit` unless that
+  /// is 0. `receive` must not write to the store.
   Expected<void> fetch(const FetchRequest& request, std::size_t limit, const RowReceiver& receive);
   Expected<void> fetchRow(const EntityDescription& entity, std::int64_t key,
                           const RowReceiver& receive);
-  /// The keys of the rows that the request finds, in no order.
+  /// The keys of the rows that match the request, unordered.
   Expected<std::vector<std::int64_t>> fetchKeys(const FetchRequest& request);
   Expected<std::size_t> count(const FetchRequest& request);
-  /// The bytes of an attribute that is read on demand; absent when the row is gone.
+  /// The bytes of an attribute that is read on demand; absent if the row no longer exists.
   Expected<Value> readBytes(const EntityDescription& entity, std::size_t slot, std::int64_t key);
-  /// The entity that objects named so in this store's URIs are made as; null when there is none.
+  /// The model's entity for an entity name in a URI of this store; null if there is none.
   Expected<const EntityDescription*> entityForStoredName(std::string_view name);
 
-  /// How the store keeps a to-many relationship.
   Expected<RelationshipStorage> relationshipStorage(const EntityDescription& entity,
                                                     const RelationshipDescription& relationship);
   Expected<void> fetchRelated(const EntityDescription& entity,
@@ -79,17 +77,19 @@ class SqliteStore {
                               const RowReceiver& receive);
   Expected<std::size_t> countRelated(const EntityDescription& entity,
                                      const RelationshipDescription& relationship, std::int64_t key);
-  /// For all owners in one query, by key; those without are not in it.
+  /// The counts of all owners, by their key, with one query. Owners without related objects are
+  /// left out.
   Expected<std::unordered_map<std::int64_t, std::size_t>> countsOfRelated(
       const EntityDescription& entity, const RelationshipDescription& relationship);
 
-  /// Keeps other processes from writing until the next `save` or `unlock`, so that everything read
-  /// in between is still true when it is saved. Waits for other writers as `save` does, then fails
-  /// with kLocked. Does nothing if the store is locked already or read only.
+  /// Prevents other processes from writing until the next `save` or `unlock`, so that everything
+  /// read in between still holds when it is saved. Waits 5 s for another writer, then fails with
+  /// kLocked. Does nothing if the store is already locked or read only.
   Expected<void> lock();
   /// Ends `lock` without saving.
   void unlock();
-  /// Writes all changes in one transaction, or none; gives the keys of the inserted rows in order.
+  /// Writes all changes in one transaction, or none. Returns the keys of the inserted rows in
+  /// order.
   Expected<std::vector<std::int64_t>> save(const ChangeSet& changes);
 
  private:
@@ -97,12 +97,12 @@ class SqliteStore {
   void openFile(const StoreOptions& options);
   void checkMetadata(const StoreOptions& options);
   bool serves(const StoreOptions& options);
-  void beginTransaction();
+  /// Calls `function` and converts what it throws to an Error.
   template <typename Function>
-  auto guarded(Function function) -> Expected<decltype(function())>;
+  auto convertingFailures(Function function) -> Expected<decltype(function())>;
 
   std::filesystem::path url_;
-  /// Where a symbolic link at `url_` leads: logs and pictures are beside the file itself.
+  /// The target if `url_` is a symbolic link: logs and pictures are beside it.
   std::filesystem::path file_;
   std::shared_ptr<const ManagedObjectModel> model_;
   StoreMetadata metadata_;
@@ -110,7 +110,7 @@ class SqliteStore {
   std::unique_ptr<StoreConnection> connection_;
   std::unique_ptr<StoredEntities> entities_;
   std::unique_ptr<RelationshipStorages> storages_;
-  std::unique_ptr<SQLite::Transaction> transaction_;  ///< Between `lock` and `save`.
+  std::optional<Transaction> transaction_;  ///< Between `lock` and `save`.
 };
 
 }  // namespace vantrel

@@ -1,15 +1,11 @@
 #include "objectstore/sqlite/StoreConnection.h"
 
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <fstream>
+#include <string_view>
 #include <utility>
 
 #include "base/FileDescriptor.h"
@@ -35,7 +31,7 @@ bool isNonEmptyFile(const fs::path& path) {
   return !error && size > 0;
 }
 
-/// Whether some process has, or had, changes beside the file itself.
+/// Whether files of a log or journal are beside the file: another process may have it open.
 bool isUsedByOthers(const fs::path& path) {
   std::error_code ignored;
   return isNonEmptyFile(beside(path, "-wal")) || fs::exists(beside(path, "-shm"), ignored) ||
@@ -51,7 +47,7 @@ bool hasDatabaseHeader(const fs::path& path) {
          std::string_view(header.data(), header.size()) == kMagic;
 }
 
-/// Names the file as one that nobody changes, for which SQLite needs no files beside it.
+/// A URI for a file that no process changes, for which SQLite creates no files beside it.
 std::string immutableName(const fs::path& path) {
   constexpr std::string_view kAllowed =
       "-./0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~";
@@ -75,18 +71,19 @@ void checkFile(const fs::path& path) {
       failStore(StoreErrorCode::kCannotCreate, "a folder is in the place of the store");
     case fs::file_type::none:
       if (error == std::errc::permission_denied) {
-        failStore(StoreErrorCode::kPermission, "the store's folder may not be read");
+        failStore(StoreErrorCode::kPermission,
+                  "the store's folder cannot be read: permission denied");
       }
       failStore(StoreErrorCode::kInputOutput, "the store cannot be reached");
     default:
       failStore(StoreErrorCode::kNotAStore, "the file is not a store");
   }
   if (::access(path.c_str(), R_OK) != 0) {
-    failStore(StoreErrorCode::kPermission, "the store may not be read");
+    failStore(StoreErrorCode::kPermission, "the store cannot be read: permission denied");
   }
   for (const char* suffix : {"-wal", "-shm", "-journal"}) {
     const fs::path companion = beside(path, suffix);
-    // SQLite would wait for a FIFO.
+    // Opening a FIFO would block.
     if (fs::exists(companion, error) && !fs::is_regular_file(companion, error)) {
       failStore(StoreErrorCode::kNotAStore,
                 companion.filename().string() + " is not a regular file");
@@ -94,24 +91,24 @@ void checkFile(const fs::path& path) {
   }
 }
 
-/// Whether a program was stopped while it wrote, and its journal cannot be removed once its changes
-/// are taken back. SQLite would take them back, and fail, each time.
+/// Whether a process was killed while writing and its journal cannot be removed. SQLite would roll
+/// its changes back, and fail, on each access.
 bool isJournalStuck(const fs::path& path) {
   return isNonEmptyFile(beside(path, "-journal")) &&
          ::access(fs::absolute(path).parent_path().c_str(), W_OK) != 0;
 }
 
-/// Stores with derived values have triggers that call these; what they would notify does not exist
-/// here.
+/// Triggers of stores with derived attributes call these functions to notify the phone's object
+/// graph. Here they do nothing.
 void registerTriggerFunctions(sqlite3* handle) {
   constexpr int kArguments = 5;
-  const auto giveNull = [](sqlite3_context* context, int, sqlite3_value**) {
+  const auto returnNull = [](sqlite3_context* context, int, sqlite3_value**) {
     sqlite3_result_null(context);
   };
   for (const char* name : {"NSCoreDataDATriggerUpdatedAffectedObjectValue",
                            "NSCoreDataDATriggerInsertUpdatedAffectedObjectValue"}) {
     sqlite3_create_function_v2(handle, name, kArguments, SQLITE_UTF8 | SQLITE_INNOCUOUS, nullptr,
-                               giveNull, nullptr, nullptr, nullptr);
+                               returnNull, nullptr, nullptr, nullptr);
   }
 }
 
@@ -125,31 +122,32 @@ bool isWriteAheadLogged(const fs::path& path) {
   return header[kWriteVersion] == kLogged;
 }
 
-void StoreConnection::Finalizer::operator()(sqlite3_stmt* statement) const {
-  sqlite3_finalize(statement);
+void StoreConnection::Closer::operator()(sqlite3* database) const {
+  sqlite3_close_v2(database);
 }
 
-StoreConnection::StoreConnection() = default;
 StoreConnection::~StoreConnection() = default;
 
 void StoreConnection::connect(const std::string& name, int flags) {
   // One thread uses a connection: locking inside it would only cost time.
-  database_ =
-      std::make_unique<SQLite::Database>(name, flags | SQLite::OPEN_NOMUTEX, kLockWaitMilliseconds);
-  sqlite3* handle = database_->getHandle();
-  sqlite3_extended_result_codes(handle, 1);
+  sqlite3* database = nullptr;
+  const int code = sqlite3_open_v2(name.c_str(), &database, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  // Even a failed call returns a database, which has the reason and must be closed.
+  database_.reset(database);
+  if (code != SQLITE_OK) failSqlite(database, sqlite3_extended_errcode(database));
+  sqlite3_busy_timeout(database, kLockWaitMilliseconds);
+  sqlite3_extended_result_codes(database, 1);
   // A store may come from anywhere: its views and triggers get no dangerous functions.
-  sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-  if (!readOnly_) registerTriggerFunctions(handle);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  if (!readOnly_) registerTriggerFunctions(database);
+  // Opening reads nothing yet.
+  execute("SELECT 1 FROM sqlite_schema LIMIT 1");
 }
 
 void StoreConnection::connectImmutable(const fs::path& path) {
-  connect(immutableName(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
+  readOnly_ = true;
   immutable_ = true;
-}
-
-void StoreConnection::probe() {
-  database_->exec("SELECT 1 FROM sqlite_schema LIMIT 1");
+  connect(immutableName(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
 }
 
 bool StoreConnection::isDatabase(const fs::path& path) {
@@ -161,98 +159,73 @@ std::unique_ptr<StoreConnection> StoreConnection::open(const fs::path& path, boo
   checkFile(path);
   std::unique_ptr<StoreConnection> connection(new StoreConnection);
   connection->readOnly_ = readOnly || ::access(path.c_str(), W_OK) != 0 || isJournalStuck(path);
-  // A file in use is not looked into first: closing it would let go of the locks that this process
-  // holds by another connection, and the log could be taken away from under that.
+  // The header of a file in use is not read: closing it would release the locks that this process
+  // holds through another connection.
   if (connection->readOnly_ && !isUsedByOthers(path) && isWriteAheadLogged(path)) {
-    // Otherwise reading would leave files beside it, which whoever may write could not use.
+    // Otherwise reading would create files beside it, which other users could not write.
     connection->connectImmutable(path);
-    connection->probe();
     return connection;
   }
   const bool hasLog = isNonEmptyFile(beside(path, "-wal"));
   try {
     connection->connect(path.string(),
-                        connection->readOnly_ ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE);
-    connection->probe();
-  } catch (const SQLite::Exception& exception) {
-    const int code = exception.getErrorCode() & 0xff;
+                        connection->readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+  } catch (const StoreFailure& failure) {
+    const int code = failure.sqliteResultCode & 0xff;
     if (code != SQLITE_CANTOPEN && code != SQLITE_READONLY) throw;
-    // The folder may not be written, where the files of a write-ahead log would have to stand; or
-    // a program was stopped in the middle of writing, and the file is whole only with its journal.
+    // The folder is read only, so that SQLite can neither create the files of a write-ahead log nor
+    // roll back what a killed process left half-written.
     if (hasLog || isNonEmptyFile(beside(path, "-journal"))) {
       failStore(StoreErrorCode::kPermission,
-                "the store has unsaved parts beside it, which may not be written into it");
+                "the store has a log beside it that cannot be merged: permission denied");
     }
-    connection->readOnly_ = true;
     connection->connectImmutable(path);
-    connection->probe();
   }
-  if (hasLog) {
-    // Who only reads leaves the log and the file as they are.
-    sqlite3_db_config(connection->database_->getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1,
-                      nullptr);
-  }
+  // A reader leaves the log and the file as they are.
+  if (hasLog) sqlite3_db_config(connection->handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   return connection;
 }
 
 void StoreConnection::noteWritten() {
-  sqlite3_db_config(database_->getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
+  sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
 }
 
-void StoreConnection::setPragmas(const std::map<std::string, std::string>& pragmas) {
-  const auto isWord = [](const std::string& text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
-      return std::isalnum(c) || c == '_' || c == '-';
-    });
-  };
-  for (const auto& [name, value] : pragmas) {
-    if (!isWord(name) || !isWord(value)) {
-      failStore(StoreErrorCode::kInvalidRequest, "the store has no such setting: " + name);
-    }
-    std::string pragma = "PRAGMA ";
-    pragma.append(name).append(" = ").append(value);
-    database_->exec(pragma);
-  }
+void StoreConnection::execute(const std::string& sql) {
+  const int code = sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) failSqlite(handle(), code);
 }
 
-StatementUse::~StatementUse() {
-  statement_.tryReset();
-}
-
-StatementUse StoreConnection::statement(const std::string& sql) {
-  auto& statement = statements_[sql];
-  if (!statement) statement = std::make_unique<SQLite::Statement>(*database_, sql);
-  statement->clearBindings();
-  return StatementUse(*statement);
-}
-
-sqlite3_stmt* StoreConnection::reader(const std::string& sql) {
-  auto& statement = readers_[sql];
-  if (!statement) {
-    sqlite3_stmt* prepared = nullptr;
-    const int code =
-        sqlite3_prepare_v3(database_->getHandle(), sql.c_str(), static_cast<int>(sql.size() + 1),
-                           SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
-    if (code != SQLITE_OK) throw SQLite::Exception(database_->getHandle(), code);
-    statement.reset(prepared);
-  }
-  sqlite3_reset(statement.get());
-  sqlite3_clear_bindings(statement.get());
-  return statement.get();
+Statement StoreConnection::statement(std::string sql) {
+  const auto entry = statements_.try_emplace(std::move(sql)).first;
+  return {handle(), entry->second, entry->first};
 }
 
 const std::vector<std::string>& StoreConnection::columnsOfTable(const std::string& table) {
   const auto known = columns_.find(table);
   if (known != columns_.end()) return known->second;
   std::vector<std::string> columns;
-  SQLite::Statement query(*database_, "SELECT name FROM pragma_table_info(?)");
-  query.bind(1, table);
-  while (query.executeStep()) columns.push_back(query.getColumn(0).getString());
+  auto query = statement("SELECT name FROM pragma_table_info(?)");
+  query.bind(table);
+  while (query.next()) columns.emplace_back(query.text(0));
   return columns_.emplace(table, std::move(columns)).first->second;
 }
 
 bool StoreConnection::tableExists(const std::string& name) {
   return !columnsOfTable(name).empty();
+}
+
+Transaction::Transaction(StoreConnection& connection) : connection_(connection) {
+  connection_.execute("BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction() {
+  // SQLite has rolled back already after some errors.
+  if (isOpen_) sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+  connection_.execute("COMMIT");
+  isOpen_ = false;
 }
 
 }  // namespace vantrel

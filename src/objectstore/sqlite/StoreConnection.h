@@ -8,82 +8,69 @@
 #include <unordered_map>
 #include <vector>
 
-#include "objectstore/sqlite/StoreOptions.h"
-
-struct sqlite3_stmt;
-
-namespace SQLite {
-class Database;
-class Statement;
-}  // namespace SQLite
+#include "objectstore/sqlite/Statement.h"
 
 namespace vantrel {
-
-/// A statement in use: lets go of the store when it goes out of scope.
-class StatementUse {
- public:
-  explicit StatementUse(SQLite::Statement& statement) : statement_(statement) {}
-  ~StatementUse();
-  StatementUse(const StatementUse&) = delete;
-  StatementUse& operator=(const StatementUse&) = delete;
-  SQLite::Statement* operator->() const { return &statement_; }
-  SQLite::Statement& operator*() const { return statement_; }
-
- private:
-  SQLite::Statement& statement_;
-};
 
 /// Whether the header of the store file says that it is used with a write-ahead log.
 bool isWriteAheadLogged(const std::filesystem::path& path);
 
-/// An open store file: the library's connection, set up as all stores are used here, and the
-/// statements that were prepared on it. What it and the library throw, SqliteStore turns into
-/// errors. Main thread.
+/// An open store file. All functions throw StoreFailure for errors of SQLite. Main thread only.
 class StoreConnection {
  public:
-  /// Opens an existing file. A file that may not be written is opened read only. Throws
-  /// StoreFailure with one clear reason.
+  /// Opens an existing file; read only if it is not writable. Throws StoreFailure.
   static std::unique_ptr<StoreConnection> open(const std::filesystem::path& path, bool readOnly);
-  /// Whether the file is a database. Does not open a file in use: that would release the locks that
-  /// this process holds on it.
+  /// Whether the file is a database. Never opens a file in use: closing it would release the locks
+  /// that this process holds on it.
   static bool isDatabase(const std::filesystem::path& path);
   ~StoreConnection();
   StoreConnection(const StoreConnection&) = delete;
   StoreConnection& operator=(const StoreConnection&) = delete;
 
-  SQLite::Database& database() { return *database_; }
+  sqlite3* handle() const { return database_.get(); }
   bool isReadOnly() const { return readOnly_; }
-  /// Whether it neither locks the file nor notices that another process changes it.
+  /// Whether the connection takes no locks and does not notice changes by other processes.
   bool isImmutable() const { return immutable_; }
-  void setPragmas(const std::map<std::string, std::string>& pragmas);
 
-  /// A statement that is prepared once and kept, without values and not running. One use at a time.
-  StatementUse statement(const std::string& sql);
-  /// The same for reading many rows, where the library's wrapper costs more than the reading.
-  sqlite3_stmt* reader(const std::string& sql);
+  /// Runs statements that take no values.
+  void execute(const std::string& sql);
+  /// Prepared once for each text, until the connection is closed.
+  Statement statement(std::string sql);
   bool tableExists(const std::string& name);
-  /// Names of the table's columns, as the file spells them; empty when there is no such table.
+  /// The column names as the file spells them; empty if there is no such table.
   const std::vector<std::string>& columnsOfTable(const std::string& table);
-  /// To be called when tables have been changed.
+  /// Call after creating or altering tables.
   void forgetTables() { columns_.clear(); }
-  /// From now on closing may tidy the write-ahead log into the file.
+  /// Call after writing: allows the checkpoint when the connection is closed.
   void noteWritten();
 
  private:
-  StoreConnection();
+  StoreConnection() = default;
   void connect(const std::string& name, int flags);
   void connectImmutable(const std::filesystem::path& path);
-  void probe();
 
-  struct Finalizer {
-    void operator()(sqlite3_stmt* statement) const;
+  struct Closer {
+    void operator()(sqlite3* database) const;
   };
-  std::unique_ptr<SQLite::Database> database_;
-  std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> statements_;
-  std::unordered_map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>> readers_;
+  std::unique_ptr<sqlite3, Closer> database_;
+  std::unordered_map<std::string, PreparedStatement> statements_;
   std::map<std::string, std::vector<std::string>> columns_;
   bool readOnly_ = false;
   bool immutable_ = false;
+};
+
+/// A write transaction: waits for other writers, and is rolled back unless committed.
+class Transaction {
+ public:
+  explicit Transaction(StoreConnection& connection);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  void commit();
+
+ private:
+  StoreConnection& connection_;
+  bool isOpen_ = true;
 };
 
 }  // namespace vantrel

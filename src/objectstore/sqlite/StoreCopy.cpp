@@ -1,8 +1,5 @@
 #include "objectstore/sqlite/StoreCopy.h"
 
-#include <SQLiteCpp/Backup.h>
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -37,7 +34,7 @@ std::uintmax_t sizeOf(const fs::path& path) {
   return error ? 0 : size;
 }
 
-/// Size and time of each of a store's files: they differ once a program has written.
+/// Size and time of each of a store's files, which change when a process writes to the store.
 auto stateOf(const fs::path& store) {
   std::array<std::pair<std::uintmax_t, fs::file_time_type>, kLogs.size() + 1> state{};
   const auto look = [](const fs::path& path) {
@@ -50,8 +47,8 @@ auto stateOf(const fs::path& store) {
   return state;
 }
 
-/// A connection that leaves nothing beside the file; null where there can be none: a log without an
-/// index would get one, and what a stopped program left half-way would be taken back in the file.
+/// Opens a connection that creates no file beside the store and does not change it. Null if that is
+/// impossible: SQLite would create the index of a log, or roll back what a killed process wrote.
 std::unique_ptr<StoreConnection> openWithoutTrace(const fs::path& file) {
   std::error_code error;
   const bool isInUse = fs::exists(fs::path(file) += "-shm", error);
@@ -67,14 +64,14 @@ std::unique_ptr<StoreConnection> openWithoutTrace(const fs::path& file) {
 
 void backUp(StoreConnection& source, const fs::path& file) {
   const auto target = StoreConnection::open(file, false);
-  SQLite::Backup backup(target->database(), source.database());
-  // In one step: the old store does not change meanwhile, and its writers wait or log.
-  if (backup.executeStep(-1) != SQLITE_DONE) {
-    failStore(StoreErrorCode::kLocked, "the store is locked by another program");
-  }
+  sqlite3_backup* backup = sqlite3_backup_init(target->handle(), "main", source.handle(), "main");
+  // All pages in one step: the read lock keeps the old store from changing.
+  const int code = backup ? sqlite3_backup_step(backup, -1) : SQLITE_ERROR;
+  sqlite3_backup_finish(backup);
+  if (code != SQLITE_DONE) failSqlite(target->handle(), code);
 }
 
-/// The files as they are, of a store that no program has open; opening the copy puts them together.
+/// Copies the files of a store that no process has open. Opening the copy merges them.
 void copyFiles(const fs::path& from, const fs::path& file) {
   fs::remove(file);
   if (!copyRegularFile(from, file)) failStore(StoreErrorCode::kMissing, "there is no store");
@@ -90,35 +87,34 @@ bool isIdentifier(std::string_view text) {
                      [](unsigned char c) { return std::isxdigit(c) || c == '-'; });
 }
 
-/// The names of pictures in all columns that may hold one, whatever model the store is of.
-std::set<std::string> picturesNamed(StoreConnection& store) {
+/// The names of external files in all BLOB columns, whatever the store's model is.
+std::set<std::string> referencedPictures(StoreConnection& store) {
   std::set<std::string> names;
-  SQLite::Statement columns(
-      store.database(),
+  auto columns = store.statement(
       "SELECT t.name, c.name FROM sqlite_schema t, pragma_table_info(t.name) c"
       " WHERE t.type = 'table' AND t.sql LIKE 'CREATE TABLE%'"
       " AND upper(c.type) = 'BLOB'");
-  while (columns.executeStep()) {
-    const std::string column = sqlName(columns.getColumn(1).getString());
+  while (columns.next()) {
+    const std::string column = sqlName(columns.text(1));
     std::string sql = "SELECT " + column;
-    sql.append(" FROM ").append(sqlName(columns.getColumn(0).getString()));
+    sql.append(" FROM ").append(sqlName(columns.text(0)));
     sql.append(" WHERE typeof(").append(column).append(") = 'blob'");
     sql.append(" AND length(").append(column).append(") = ?");
-    SQLite::Statement values(store.database(), sql);
-    values.bind(1, static_cast<std::int64_t>(kExternalReferenceSize));
-    while (values.executeStep()) {
-      const auto name = externalFileName(values.getColumn(0).getString());
+    auto values = store.statement(std::move(sql));
+    values.bind(kExternalReferenceSize);
+    while (values.next()) {
+      const auto name = externalFileName(values.bytes(0));
       if (name && isIdentifier(*name)) names.insert(*name);
     }
   }
   return names;
 }
 
-/// False if another program changed the store so that the copy is not whole.
+/// False if another process changed the store and the copy is inconsistent.
 bool copyOnce(const fs::path& file, StoreDraft& draft, PictureCopy& pictures) {
   std::error_code error;
-  // Before the rows, since rows and pictures may be removed while they are copied, and after them,
-  // since some may be added.
+  // Copy pictures before the rows, since another process may remove some of both, and again after
+  // the rows, since it may add some.
   pictures.update();
   draft.clear();
   const auto before = stateOf(file);
@@ -129,20 +125,21 @@ bool copyOnce(const fs::path& file, StoreDraft& draft, PictureCopy& pictures) {
     copyFiles(file, draft.file());
   }
   pictures.update();
-  const auto named = picturesNamed(*StoreConnection::open(draft.file(), false));
+  const auto referenced = referencedPictures(*StoreConnection::open(draft.file(), false));
   const bool isLive = source && !source->isImmutable();
-  // Without locks nothing keeps another program from writing, but it shows.
+  // Without locks another process may have written; then the files' times differ.
   if (!isLive && stateOf(file) != before) return false;
   std::set<std::string> missing;
-  for (const auto& name : named) {
+  for (const auto& name : referenced) {
     if (!fs::exists(externalFile(draft.file(), name), error)) missing.insert(name);
   }
   if (isLive && !missing.empty()) {
-    // Rows are removed before their pictures. What is still named is missing in the old store, too.
-    const auto now = picturesNamed(*source);
+    // Rows are removed before their pictures: a picture that is still referenced is missing in the
+    // old store, too.
+    const auto now = referencedPictures(*source);
     if (!std::includes(now.begin(), now.end(), missing.begin(), missing.end())) return false;
   }
-  pictures.removeVanished(named);
+  pictures.removeVanished(referenced);
   return true;
 }
 
@@ -162,12 +159,12 @@ void checkOwnSupportFolder(const fs::path& from, const fs::path& to) {
   for (const auto& entry : fs::directory_iterator(place.parent_path(), error)) {
     const fs::path& other = entry.path();
     const std::string name = other.filename().string();
-    // Closing a log or index would release the locks that this process holds on it.
+    // Never open a log or index: closing it would release the locks of this process.
     const bool isCompanion =
         std::any_of(kCompanions.begin(), kCompanions.end(),
                     [&](std::string_view suffix) { return name.ends_with(suffix); });
     if (isCompanion || other.stem() != place.stem()) continue;
-    // A link's pictures are beside the file that it leads to.
+    // The pictures of a linked store are beside the link's target.
     if (!entry.is_symlink(error) && StoreConnection::isDatabase(other)) fail(other);
   }
 }

@@ -11,12 +11,11 @@ namespace vantrel {
 /// other. Throws StoreFailure.
 void checkOwnSupportFolder(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Copies a store, its write-ahead log included, and its support folder into the draft of another.
-/// The copy has every picture that its records name, unless the old store lacks it too: if another
-/// program removes some at the same time, copies again, and fails with kLocked after a few
-/// attempts. The old store is only read: no file is changed, created or removed beside it. `file`
-/// is no symbolic link. Throws what StoreConnection throws, StoreFailure and
-/// std::filesystem::filesystem_error.
+/// Copies the store `file`, its write-ahead log included, and its support folder into a draft. The
+/// copy has every picture that its records refer to, unless the old store lacks it too. If another
+/// process removes some concurrently, copies again, and fails with kLocked after a few attempts.
+/// Changes, creates and removes no file beside the old store. `file` must not be a symbolic link.
+/// Throws StoreFailure and std::filesystem::filesystem_error.
 void copyStore(const std::filesystem::path& file, StoreDraft& draft);
 
 }  // namespace vantrel

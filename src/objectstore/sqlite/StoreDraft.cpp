@@ -31,11 +31,11 @@ void checkNoLog(const fs::path& place) {
     std::error_code error;
     const auto log = fs::path(place) += suffix;
     const auto size = fs::file_size(log, error);
-    // SQLite would write a lost store's pages into the new one. (A program that makes the store
-    // now has the file in place before there is a log.)
+    // SQLite would apply the log of a lost store to the new one. (A process that creates the store
+    // concurrently has the file in place before there is a log.)
     if (error || size == 0 || fs::exists(place, error)) continue;
     failStore(StoreErrorCode::kCannotCreate,
-              "a part of a store that is missing is in the way: " + log.filename().string());
+              "the log of a missing store is in the way: " + log.filename().string());
   }
 }
 
@@ -43,7 +43,8 @@ void checkNoLog(const fs::path& place) {
   switch (systemError) {
     case EACCES:
     case EPERM:
-      failStore(StoreErrorCode::kPermission, "the store's folder may not be written");
+      failStore(StoreErrorCode::kPermission,
+                "the store's folder cannot be written: permission denied");
     case ENOSPC:
     case EDQUOT:
       failStore(StoreErrorCode::kDiskFull, "the disk is full");
@@ -51,22 +52,22 @@ void checkNoLog(const fs::path& place) {
     case ENOTDIR:
       failStore(StoreErrorCode::kCannotCreate, "the store's folder does not exist");
     default:
-      failStore(StoreErrorCode::kCannotCreate, "the store cannot be made");
+      failStore(StoreErrorCode::kCannotCreate, "the store cannot be created");
   }
 }
 
-/// A draft's directory is this and an identifier; its file and folder have names of their own.
+/// The name of a draft's directory is this prefix and a UUID.
 constexpr std::string_view kDirectoryPrefix = ".vantrel-draft.";
 constexpr const char* kFileName = "Draft.sqlite";
-/// Present in every draft's directory from the first file to the last, and locked by its process.
+/// Created before a draft's other files and removed after them; locked by its process.
 constexpr const char* kMarkerName = "vantrel-store-draft.lock";
 
 fs::path fileOf(const fs::path& directory) {
   return directory / kFileName;
 }
 
-/// Removes the files of a draft, by their names: another file in its directory stays. The marker
-/// goes last, so that a removal that was interrupted can be completed.
+/// Removes the files of a draft by name; other files in its directory stay. Removes the marker
+/// last, so that the next draft can complete an interrupted removal.
 void removeFiles(const fs::path& directory) {
   std::error_code ignored;
   const fs::path folder = supportFolder(fileOf(directory));
@@ -139,10 +140,10 @@ void StoreDraft::create() {
     ::rmdir(directory_.c_str());
     failCreation(error);
   }
-  // A file system that knows no locks has no lock to respect either.
+  // Ignore the result: on a file system without locks, no other process can hold one.
   ::flock(marker.number(), LOCK_EX);
   struct stat status = {};
-  // Before it was locked, another process may have taken the draft for an abandoned one.
+  // Before the lock, another process may have removed the marker as abandoned.
   if (::fstat(marker.number(), &status) == 0 && status.st_nlink > 0) lock_ = std::move(marker);
 }
 
@@ -198,7 +199,7 @@ void StoreDraft::publishFolder() {
   for (const auto& file : files) {
     const fs::path to = target / file.lexically_relative(folder());
     if (fs::exists(fs::symlink_status(to, error))) {
-      // Left by a program that was stopped before it placed the store; what another store left,
+      // Left behind by a process killed before the store was published; a file of another store
       // stays.
       if (haveSameContent(file, to)) continue;
       failStore(StoreErrorCode::kCannotCreate,
@@ -212,35 +213,36 @@ void StoreDraft::publishFolder() {
 bool StoreDraft::publishFile() {
   if (::link(file().c_str(), place_.c_str()) == 0) return true;
   if (errno == EEXIST) return false;
-  // Some file systems know no second name for a file.
+  // Some file systems have no hard links.
   std::error_code error;
   if (fs::exists(fs::symlink_status(place_, error))) return false;
   fs::rename(file(), place_, error);
-  if (error) failStore(StoreErrorCode::kCannotCreate, "the store cannot be made");
+  if (error) failStore(StoreErrorCode::kCannotCreate, "the store cannot be created");
   return true;
 }
 
 bool StoreDraft::publish() {
   publishFolder();
-  // The pictures, and all that the file lacks yet, before the file's name.
+  // Sync the pictures and the file's content before its name.
   const FileDescriptor written(::open(file().c_str(), O_RDONLY | O_CLOEXEC));
   const bool hasPictures = isFolderPlaced_ || !placed_.empty();
-  const bool isSynchronised =
+  const bool isSynced =
       written && (hasPictures ? ::syncfs(written.number()) : ::fsync(written.number())) == 0;
-  if (!isSynchronised) {
+  if (!isSynced) {
     failStore(StoreErrorCode::kInputOutput, "the store cannot be written");
   }
   const bool isPublished = publishFile();
-  // Another process that created the store may have found the same pictures there, and use them.
+  // If another process created the store, it may use the same pictures: do not remove them.
   isFolderPlaced_ = false;
   placed_.clear();
   if (!isPublished) return false;
   const FileDescriptor folder(
       ::open(place_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // Some file systems synchronise no folders.
+  // Some file systems cannot sync folders.
   const bool isKept = folder && (::fsync(folder.number()) == 0 || errno == EINVAL);
   if (!isKept) {
-    failStore(StoreErrorCode::kInputOutput, "the store is made, but its folder cannot be written");
+    failStore(StoreErrorCode::kInputOutput,
+              "the store is created, but its folder cannot be written");
   }
   return true;
 }

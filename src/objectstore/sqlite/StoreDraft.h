@@ -7,27 +7,27 @@
 
 namespace vantrel {
 
-/// A store that is being created: files in a directory of their own beside their place, which are
-/// moved there once they are complete, so that nobody ever sees a part of one. The destructor
-/// removes what is not published. What a killed process left is removed by the next draft in the
-/// same folder, which knows it by a marker that its process no longer locks.
+/// A store under construction: its files are created in a private directory in the target folder
+/// and renamed once they are complete, so that no process ever sees an incomplete store. The
+/// destructor removes a draft that was not published. The next draft in the same folder removes
+/// those of killed processes: their marker files are not locked.
 class StoreDraft {
  public:
-  /// Creates an empty file, readable for the user alone. Throws StoreFailure if it cannot, or if
-  /// the log of a missing store is in the way.
+  /// Creates an empty file with mode 0600. Throws StoreFailure if that fails, or if `place` has a
+  /// write-ahead log but no store.
   explicit StoreDraft(const std::filesystem::path& place);
   ~StoreDraft();
   StoreDraft(const StoreDraft&) = delete;
   StoreDraft& operator=(const StoreDraft&) = delete;
 
   std::filesystem::path file() const;
-  /// The support folder of `file`, which becomes that of the store. Does not exist at first.
+  /// The support folder of `file`, to be published with it. Does not exist at first.
   std::filesystem::path folder() const;
-  /// Replaces `file` by an empty one. No connection may be open to it. Throws StoreFailure.
+  /// Replaces `file` by an empty one. Close all connections to it first. Throws StoreFailure.
   void clear();
-  /// Moves the pictures to their place, then the file. No connection may be open to it, and its
-  /// content must be in the file alone. False if another process has created the store by then; the
-  /// pictures stay, since the other one may use them. Throws StoreFailure if moving fails.
+  /// Moves the pictures to their final place, then the file, which must be complete without its log
+  /// and without open connections. False if another process has created the store concurrently; the
+  /// pictures stay, since that store may use them. Throws StoreFailure if moving fails.
   bool publish();
 
  private:
@@ -40,9 +40,9 @@ class StoreDraft {
   std::filesystem::path place_;
   std::filesystem::path directory_;
   FileDescriptor lock_;  ///< The marker, locked while the draft is in use.
-  /// What stands in its place already, to be taken away again unless all does.
+  /// Files already moved into place; removed again if publishing fails.
   std::vector<std::filesystem::path> placed_;
-  bool isFolderPlaced_ = false;  ///< The same for the complete support folder.
+  bool isFolderPlaced_ = false;  ///< The same for the support folder.
 };
 
 }  // namespace vantrel

@@ -20,7 +20,7 @@ std::optional<StoreErrorCode> storeErrorCode(const Error& error) {
 
 void failStore(StoreErrorCode code, std::string description,
                std::map<std::string, std::string> userInfo) {
-  throw StoreFailure{storeError(code, std::move(description), std::move(userInfo))};
+  throw StoreFailure{storeError(code, std::move(description), std::move(userInfo)), 0};
 }
 
 Error errorFromSqlite(int resultCode, int systemError) {
@@ -44,20 +44,20 @@ Error errorFromSqlite(int resultCode, int systemError) {
     case SQLITE_READONLY:
     case SQLITE_PERM:
     case SQLITE_AUTH:
-      return make(StoreErrorCode::kPermission, "the store may not be written");
+      return make(StoreErrorCode::kPermission, "the store cannot be written: permission denied");
     case SQLITE_CONSTRAINT:
-      return make(StoreErrorCode::kDuplicate, "the store already has another record of this value");
+      return make(StoreErrorCode::kDuplicate, "the store already has a record with this value");
     case SQLITE_ERROR:
     case SQLITE_MISMATCH:
     case SQLITE_RANGE:
-      return make(StoreErrorCode::kDamaged, "the store's tables are not as they should be");
+      return make(StoreErrorCode::kDamaged, "the store's tables are damaged");
     case SQLITE_CANTOPEN:
       if (systemError == EACCES || systemError == EROFS || systemError == EPERM) {
-        return make(StoreErrorCode::kPermission, "the store may not be opened");
+        return make(StoreErrorCode::kPermission, "the store cannot be opened: permission denied");
       }
       return make(StoreErrorCode::kInputOutput, "the store cannot be opened");
     default:
-      // Whose handle is closed by now has no system's error to tell.
+      // SQLite reports no errno for a failed extension of the shared memory.
       if (systemError == ENOSPC || systemError == EDQUOT || resultCode == SQLITE_IOERR_SHMSIZE) {
         return make(StoreErrorCode::kDiskFull, "the disk is full");
       }

@@ -13,39 +13,40 @@ inline constexpr std::string_view kObjectStoreErrorDomain = "org.vantrel.objects
 
 /// Codes of kObjectStoreErrorDomain.
 enum class StoreErrorCode {
-  kMissing = 1,        ///< There is no file to open.
-  kNotAStore,          ///< The file is something else.
-  kDamaged,            ///< Parts of the file cannot be read as what they should be.
-  kIncompatible,       ///< Written by another program, and without what is needed from it.
+  kMissing = 1,        ///< The file does not exist.
+  kNotAStore,          ///< The file is not an object store.
+  kDamaged,            ///< Parts of the file cannot be decoded.
+  kIncompatible,       ///< Written by another program, and lacks required attributes.
   kNewer,              ///< Written by a newer version.
-  kCannotCreate,       ///< There is no place to make the file.
+  kCannotCreate,       ///< The file cannot be created.
   kInputOutput,        ///< The system failed to read or write.
-  kDiskFull,           ///< Nothing was written.
-  kLocked,             ///< Another program held the store for too long; try again.
-  kPermission,         ///< The user may not read or write the file.
-  kConflict,           ///< Another program changed the same object since it was read.
-  kDeletionDenied,     ///< Something that is still needed hangs on the object.
+  kDiskFull,           ///< The disk is full; nothing was written.
+  kLocked,             ///< Another process held the store for too long; try again.
+  kPermission,         ///< The user lacks permission to read or write the file.
+  kConflict,           ///< Another process changed the same object since it was read.
+  kDeletionDenied,     ///< A "deny" delete rule forbids the deletion.
   kNoPlace,            ///< The store has no table or column for the value.
-  kDuplicate,          ///< The store keeps a value unique, and it is taken.
-  kInvalidRequest,     ///< The model does not have the entity or key, or not of that kind.
+  kDuplicate,          ///< The value violates a uniqueness constraint of the store.
+  kInvalidRequest,     ///< The model lacks the entity or key, or it has another kind.
   kInvalidURI,         ///< Not the URI of an object of this store.
-  kUnsettledRelation,  ///< How a foreign store keeps a relationship cannot be told.
+  kUnsettledRelation,  ///< It is unknown how a foreign store keeps a relationship.
 };
 
-/// An error of kObjectStoreErrorDomain; `description` is one line for a person.
+/// Returns an error of kObjectStoreErrorDomain. `description` is one line, shown to users.
 Error storeError(StoreErrorCode code, std::string description,
                  std::map<std::string, std::string> userInfo = {});
-/// The code of an error; nothing when it is of another domain.
+/// `nullopt` if the error has another domain.
 std::optional<StoreErrorCode> storeErrorCode(const Error& error);
 
-/// Carries an error out of a transaction to the border of the object store, where it is caught.
+/// Thrown inside the object store; SqliteStore converts it to an `Expected`.
 struct StoreFailure {
   Error error;
+  int sqliteResultCode = 0;  ///< Extended; 0 if SQLite reported no error.
 };
 [[noreturn]] void failStore(StoreErrorCode code, std::string description,
                             std::map<std::string, std::string> userInfo = {});
 
-/// The error for a result code of SQLite's (extended or not) and, where known, the system's errno.
+/// Converts a result code of SQLite, extended or not. `systemError` is an errno, 0 if unknown.
 Error errorFromSqlite(int resultCode, int systemError = 0);
 
 }  // namespace vantrel

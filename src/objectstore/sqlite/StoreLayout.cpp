@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <tuple>
 
-#include "objectstore/model/AttributeValues.h"
-
 namespace vantrel {
 
 namespace {
@@ -44,12 +42,10 @@ ColumnKind kindOf(AttributeType type) {
   return {"BLOB", 8};
 }
 
-std::size_t indexOfEntity(const ManagedObjectModel& model, std::string_view name) {
+bool hasSubentities(const ManagedObjectModel& model, const EntityDescription& entity) {
   const auto& entities = model.entities();
-  const auto found = std::find_if(entities.begin(), entities.end(),
-                                  [&](const EntityDescription& e) { return e.name == name; });
-  return found == entities.end() ? StoreLayout::kNone
-                                 : static_cast<std::size_t>(found - entities.begin());
+  return std::any_of(entities.begin(), entities.end(),
+                     [&](const EntityDescription& other) { return other.superentity == &entity; });
 }
 
 bool isPlainCharacter(char c) {
@@ -67,7 +63,7 @@ std::string storeName(std::string_view name) {
 }
 
 std::string sqlName(std::string_view name) {
-  // Names of stores begin with Z, as no keyword does.
+  // No SQL keyword begins with Z.
   if (name.starts_with('Z') && std::all_of(name.begin(), name.end(), isPlainCharacter)) {
     return std::string(name);
   }
@@ -79,9 +75,13 @@ std::string sqlName(std::string_view name) {
   return result += '"';
 }
 
-StoreLayout::StoreLayout(const ManagedObjectModel& model) : places_(model.entities().size()) {
-  // Super-entities stand before their sub-entities.
-  for (std::size_t index = 0; index < places_.size(); ++index) placeEntity(model, index);
+std::string tableName(const EntityDescription& entity) {
+  return storeName(entity.root->name);
+}
+
+StoreLayout::StoreLayout(const ManagedObjectModel& model) : columns_(model.entities().size()) {
+  // Superentities come before their subentities.
+  for (const auto& entity : model.entities()) addEntity(model, entity);
   for (auto& table : tables_) {
     std::stable_sort(table.columns.begin(), table.columns.end(),
                      [](const Column& a, const Column& b) {
@@ -95,7 +95,7 @@ std::string StoreLayout::addColumn(Table& table, std::string_view property, std:
                                    int group) {
   const std::string wanted = storeName(property);
   std::string name = wanted;
-  // Sub-entities may each have a property of the same name.
+  // Several subentities may have a property of the same name.
   for (int digit = 1; std::any_of(table.columns.begin(), table.columns.end(),
                                   [&](const Column& c) { return c.name == name; });
        ++digit) {
@@ -105,55 +105,40 @@ std::string StoreLayout::addColumn(Table& table, std::string_view property, std:
   return name;
 }
 
-void StoreLayout::placeEntity(const ManagedObjectModel& model, std::size_t index) {
-  const EntityDescription& entity = model.entities()[index];
-  Place& place = places_[index];
-  place.parent =
-      entity.superentityName.empty() ? kNone : indexOfEntity(model, entity.superentityName);
-  if (place.parent != kNone && place.parent < index) {
-    places_[place.parent].hasSubentities = true;
-    place.table = places_[place.parent].table;
-  } else {
-    place.parent = kNone;
-    place.table = tables_.size();
-    tables_.push_back({storeName(entity.name), {}});
-  }
-  const EntityDescription* parent =
-      place.parent == kNone ? nullptr : &model.entities()[place.parent];
-  Table& table = tables_[place.table];
+void StoreLayout::addEntity(const ManagedObjectModel& model, const EntityDescription& entity) {
+  const EntityDescription* parent = entity.superentity;
+  // Depth first: an entity's root has the last table.
+  if (!parent) tables_.push_back({tableName(entity), {}});
+  Table& table = tables_.back();
+  Columns& columns = columns_[entity.index];
   for (const auto& attribute : entity.attributes) {
     std::string column;
-    if (const auto inherited = parent ? slotOfAttribute(*parent, attribute.name) : std::nullopt) {
-      column = places_[place.parent].columns[*inherited];
+    if (const auto inherited = parent ? parent->slotOfAttribute(attribute.name) : std::nullopt) {
+      column = columns_[parent->index].bySlot[*inherited];
     } else if (!attribute.isTransient) {
       const ColumnKind kind = kindOf(attribute.type);
       column = addColumn(table, attribute.name, kind.type, kind.group);
     }
-    place.columns.push_back(column);
-    place.entityColumns.emplace_back();
+    columns.bySlot.push_back(column);
+    columns.entityBySlot.emplace_back();
   }
   for (const auto& relationship : entity.relationships) {
     if (relationship.isToMany) continue;
     std::string column;
     std::string entityColumn;
-    if (const auto inherited = parent ? slotOfToOne(*parent, relationship.name) : std::nullopt) {
-      column = places_[place.parent].columns[*inherited];
-      entityColumn = places_[place.parent].entityColumns[*inherited];
+    if (const auto inherited = parent ? parent->slotOfToOne(relationship.name) : std::nullopt) {
+      column = columns_[parent->index].bySlot[*inherited];
+      entityColumn = columns_[parent->index].entityBySlot[*inherited];
     } else if (!relationship.isTransient) {
       column = addColumn(table, relationship.name, kToOneKey.type, kToOneKey.group);
-      const auto target = indexOfEntity(model, relationship.destinationEntityName);
-      const auto& entities = model.entities();
-      const bool targetHasSubentities =
-          std::any_of(entities.begin(), entities.end(), [&](const EntityDescription& e) {
-            return e.superentityName == relationship.destinationEntityName;
-          });
-      if (target != kNone && targetHasSubentities) {
-        entityColumn = "Z" + std::to_string(target + 1) + "_" + column.substr(1);
+      const auto* target = relationship.destinationEntity;
+      if (target && hasSubentities(model, *target)) {
+        entityColumn = "Z" + std::to_string(target->index + 1) + "_" + column.substr(1);
         table.columns.push_back({entityColumn, kToOneKey.type, kToOneKey.group});
       }
     }
-    place.columns.push_back(column);
-    place.entityColumns.push_back(entityColumn);
+    columns.bySlot.push_back(column);
+    columns.entityBySlot.push_back(entityColumn);
   }
 }
 
@@ -169,18 +154,16 @@ void StoreLayout::addIndexes(const ManagedObjectModel& model) {
       create(table.name + "_" + column.name + "_INDEX", table.name, sqlName(column.name));
     }
   }
-  for (std::size_t index = 0; index < places_.size(); ++index) {
-    const Place& place = places_[index];
-    const EntityDescription& entity = model.entities()[index];
-    const std::string& table = tables_[place.table].name;
-    if (place.parent == kNone && place.hasSubentities) {
+  for (const auto& entity : model.entities()) {
+    const std::string table = tableName(entity);
+    if (!entity.superentity && hasSubentities(model, entity)) {
       create(table + "_Z_ENT_INDEX", table, "Z_ENT");
     }
     for (const auto& key : entity.indexedAttributes) {
-      const auto slot = slotOfAttribute(entity, key);
-      if (!slot || place.columns[*slot].empty()) continue;
+      const auto slot = entity.slotOfAttribute(key);
+      if (!slot || columns(entity).bySlot[*slot].empty()) continue;
       create("Z_" + entity.name + "_" + key, table,
-             sqlName(place.columns[*slot]) + " COLLATE BINARY ASC");
+             sqlName(columns(entity).bySlot[*slot]) + " COLLATE BINARY ASC");
     }
   }
 }

@@ -9,13 +9,15 @@
 
 namespace vantrel {
 
-/// "fooBar" as a table or column is called: "ZFOOBAR".
+/// The name of the table or column for an entity or property: "ZFOOBAR" for "fooBar".
 std::string storeName(std::string_view name);
-/// A name as it stands in SQL: in quotation marks unless it is a plain word.
+/// The table with the rows of an entity: that of its root entity.
+std::string tableName(const EntityDescription& entity);
+/// A name in SQL: quoted unless it is a plain word.
 std::string sqlName(std::string_view name);
 
-/// Where the entities of a model lie in the tables of a store: a table for each root entity, which
-/// its sub-entities share, with a column for each attribute and to-one relationship.
+/// The tables that a store of the model has: one for each root entity, shared by its subentities,
+/// with a column for each attribute and to-one relationship.
 class StoreLayout {
  public:
   explicit StoreLayout(const ManagedObjectModel& model);
@@ -23,37 +25,33 @@ class StoreLayout {
   struct Column {
     std::string name;
     std::string_view type;
-    int group = 0;  ///< Columns of lower groups come first in a new table, by name within one.
+    int group = 0;  ///< In a new table, columns are ordered by group, then by name.
   };
   struct Table {
     std::string name;
-    std::vector<Column> columns;  ///< Beside Z_PK, Z_ENT and Z_OPT; in the order of a new table.
+    std::vector<Column> columns;  ///< Without Z_PK, Z_ENT and Z_OPT; in the order of a new table.
   };
-  struct Place {
-    std::size_t table = 0;
-    std::size_t parent = kNone;  ///< Index of the super-entity.
-    bool hasSubentities = false;
-    std::vector<std::string> columns;  ///< By slot; empty for what is not stored.
-    /// By slot: the column with the entity number of a to-one's target, where it has one.
-    std::vector<std::string> entityColumns;
+  struct Columns {
+    std::vector<std::string> bySlot;  ///< Empty for transient properties.
+    /// By slot: the column with the entity number of a to-one relationship's object. Empty unless
+    /// the destination has subentities.
+    std::vector<std::string> entityBySlot;
   };
-  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
   const std::vector<Table>& tables() const { return tables_; }
-  /// By the entity's index in the model.
-  const Place& place(std::size_t entity) const { return places_[entity]; }
+  const Columns& columns(const EntityDescription& entity) const { return columns_[entity.index]; }
 
   static std::string createTableStatement(const Table& table);
-  /// Makes the indexes that are missing.
+  /// Each creates an index unless it exists.
   const std::vector<std::string>& createIndexStatements() const { return indexes_; }
 
  private:
-  void placeEntity(const ManagedObjectModel& model, std::size_t index);
+  void addEntity(const ManagedObjectModel& model, const EntityDescription& entity);
   void addIndexes(const ManagedObjectModel& model);
   std::string addColumn(Table& table, std::string_view property, std::string_view type, int group);
 
   std::vector<Table> tables_;
-  std::vector<Place> places_;
+  std::vector<Columns> columns_;  ///< By the entity's index.
   std::vector<std::string> indexes_;
 };
 

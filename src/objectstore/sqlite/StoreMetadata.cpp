@@ -1,7 +1,5 @@
 #include "objectstore/sqlite/StoreMetadata.h"
 
-#include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Statement.h>
 #include <nettle/base64.h>
 #include <nettle/sha2.h>
 
@@ -28,7 +26,7 @@ constexpr const char* kIdentifiers = "NSStoreModelVersionIdentifiers";
 constexpr const char* kStoreType = "NSStoreType";
 constexpr const char* kFrameworkVersion = "NSPersistenceFrameworkVersion";
 constexpr const char* kAutoVacuum = "_NSAutoVacuumLevel";
-/// That of the stores whose layout this program writes.
+/// The version of the phone's object store whose layout we write.
 constexpr std::int64_t kWrittenFrameworkVersion = 1344;
 constexpr std::int64_t kWrittenHashesVersion = 3;
 
@@ -42,7 +40,7 @@ const std::uint8_t* asOctets(const void* bytes) {
   return static_cast<const std::uint8_t*>(bytes);
 }
 
-/// Over each entity's name and hash, by name.
+/// SHA-512 of each entity's name and hash, sorted by name.
 std::string hashesDigest(const ManagedObjectModel::VersionHashes& hashes) {
   sha512_ctx context;
   sha512_init(&context);
@@ -55,7 +53,7 @@ std::string hashesDigest(const ManagedObjectModel::VersionHashes& hashes) {
   return base64(digest);
 }
 
-/// Over the hashes alone, in the same order.
+/// SHA-256 of the hashes, in the same order.
 std::string hashesChecksum(const ManagedObjectModel::VersionHashes& hashes) {
   sha256_ctx context;
   sha256_init(&context);
@@ -67,7 +65,7 @@ std::string hashesChecksum(const ManagedObjectModel::VersionHashes& hashes) {
   return base64(digest);
 }
 
-/// Puts what depends on the model into the list.
+/// Sets the keys that depend on the model.
 void describeModel(PropertyList& list, const ManagedObjectModel& model) {
   const auto hashes = model.versionHashes();
   PropertyList byName = PropertyList::dictionary();
@@ -83,14 +81,9 @@ void describeModel(PropertyList& list, const ManagedObjectModel& model) {
   list.set(kIdentifiers, identifiers);
 }
 
-/// Nothing when the store has none, or none that can be read.
-PropertyList readList(SQLite::Statement& row, int column) {
-  const auto content = row.getColumn(column);
-  const auto* bytes = static_cast<const std::byte*>(content.getBlob());
-  if (!bytes) return {};
-  auto list =
-      PropertyList::propertyListWithData({bytes, static_cast<std::size_t>(content.getBytes())});
-  return list ? *list : PropertyList();
+/// Null if the column is absent or damaged.
+PropertyList readList(const Statement& row, int column) {
+  return PropertyList::propertyListWithData(row.bytes(column)).value_or(PropertyList());
 }
 
 constexpr const char* kSelect = "SELECT Z_VERSION, Z_UUID, Z_PLIST FROM Z_METADATA LIMIT 1";
@@ -101,18 +94,18 @@ StoreMetadata readStoreMetadata(StoreConnection& connection) {
   if (!connection.tableExists("Z_METADATA") || !connection.tableExists("Z_PRIMARYKEY")) {
     failStore(StoreErrorCode::kNotAStore, "the file is a database, but not a store");
   }
-  const auto query = connection.statement(kSelect);
-  if (!query->executeStep()) failStore(StoreErrorCode::kDamaged, "the store has no identity");
+  auto query = connection.statement(kSelect);
+  if (!query.next()) failStore(StoreErrorCode::kDamaged, "the store has no identity");
   StoreMetadata metadata;
-  metadata.version = query->getColumn(0).getInt();
-  metadata.uuid = query->getColumn(1).getString();
-  const PropertyList list = readList(*query, 2);
+  metadata.version = static_cast<int>(query.integer(0));
+  metadata.uuid = query.text(1);
+  const PropertyList list = readList(query, 2);
   if (metadata.uuid.empty()) failStore(StoreErrorCode::kDamaged, "the store has no identity");
   for (const auto& [name, value] : list[kHashes].entries()) {
     const auto data = value.asData();
     VersionHash hash{};
     if (!data || data->size() != hash.size()) {
-      // A hash of another kind agrees with none of ours.
+      // A hash of another size fits no model.
       metadata.versionHashes.clear();
       break;
     }
@@ -134,22 +127,20 @@ void insertStoreMetadata(StoreConnection& connection, const ManagedObjectModel& 
   list.set(kAutoVacuum, PropertyList::string("2"));
   describeModel(list, model);
   const Data bytes = list.binaryData();
-  const auto insert =
-      connection.statement("INSERT INTO Z_METADATA (Z_VERSION, Z_UUID, Z_PLIST) VALUES (1, ?, ?)");
-  insert->bind(1, uuidString());
-  insert->bind(2, bytes.data(), static_cast<int>(bytes.size()));
-  insert->exec();
+  const std::string uuid = uuidString();
+  connection.statement("INSERT INTO Z_METADATA (Z_VERSION, Z_UUID, Z_PLIST) VALUES (1, ?, ?)")
+      .bind(uuid)
+      .bind(bytes)
+      .execute();
 }
 
 void updateStoreMetadata(StoreConnection& connection, const ManagedObjectModel& model) {
-  const auto query = connection.statement(kSelect);
-  PropertyList list = query->executeStep() ? readList(*query, 2) : PropertyList();
+  auto query = connection.statement(kSelect);
+  PropertyList list = query.next() ? readList(query, 2) : PropertyList();
   if (!list) list = PropertyList::dictionary();
   describeModel(list, model);
   const Data bytes = list.binaryData();
-  const auto update = connection.statement("UPDATE Z_METADATA SET Z_PLIST = ?");
-  update->bind(1, bytes.data(), static_cast<int>(bytes.size()));
-  update->exec();
+  connection.statement("UPDATE Z_METADATA SET Z_PLIST = ?").bind(bytes).execute();
 }
 
 }  // namespace vantrel

@@ -9,22 +9,20 @@ namespace vantrel {
 
 class StoreConnection;
 
-/// What a store says of itself in Z_METADATA.
+/// The content of Z_METADATA.
 struct StoreMetadata {
   std::string uuid;
   int version = 0;
-  /// Empty when the store does not tell: it then fits no model.
+  /// Empty if the store has no valid hashes: it then fits no model.
   ManagedObjectModel::VersionHashes versionHashes;
   std::vector<std::string> versionIdentifiers;
 };
 
-/// Throws StoreFailure for a file that is no store or whose metadata are damaged, and what
-/// StoreConnection throws.
+/// Throws StoreFailure, also if the file is not a store or its metadata are damaged.
 StoreMetadata readStoreMetadata(StoreConnection& connection);
-/// The row of a new store, with a UUID of its own.
+/// Inserts the row of a new store, with a new UUID.
 void insertStoreMetadata(StoreConnection& connection, const ManagedObjectModel& model);
-/// After a migration: the store is the model's from now on. Its UUID, and all that it says beside,
-/// stays.
+/// Replaces the keys that depend on the model. The UUID and other keys are kept.
 void updateStoreMetadata(StoreConnection& connection, const ManagedObjectModel& model);
 
 }  // namespace vantrel

@@ -6,16 +6,16 @@
 
 namespace vantrel {
 
-/// How a store is added.
+/// How to open a store.
 struct StoreOptions {
   bool readOnly = false;
-  /// Migrate a store written with an older version of the model's bundle.
+  /// Both together: migrate a store that an older version of the model wrote.
   bool migratePersistentStoresAutomatically = false;
   bool inferMappingModelAutomatically = false;
-  /// SQLite pragmas, set when the store is opened ("journal_mode" = "WAL").
+  /// SQLite pragmas to set when the store is opened ("journal_mode" = "WAL"). Not checked.
   std::map<std::string, std::string> sqlitePragmas;
-  /// What a store of another program must have to be served, attributes by entity. When empty, only
-  /// stores that the model's bundle wrote are served.
+  /// The attributes, by entity, that a foreign store must have. If empty, foreign stores are
+  /// rejected.
   std::map<std::string, std::vector<std::string>> requiredAttributes;
 };
 

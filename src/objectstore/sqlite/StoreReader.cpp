@@ -1,12 +1,8 @@
 #include "objectstore/sqlite/StoreReader.h"
 
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <type_traits>
 
 #include "objectstore/model/AttributeValues.h"
 #include "objectstore/sqlite/ExternalData.h"
@@ -16,61 +12,9 @@ namespace vantrel {
 
 namespace {
 
-/// A running statement: lets go of the store when it goes out of scope.
-class Rows {
- public:
-  Rows(StoreConnection& connection, const std::string& sql, const std::vector<Value>& values)
-      : connection_(connection), statement_(connection.reader(sql)) {
-    for (const auto& value : values) bind(value);
-  }
-  ~Rows() { sqlite3_reset(statement_); }
-  Rows(const Rows&) = delete;
-  Rows& operator=(const Rows&) = delete;
-
-  bool next() {
-    const int code = sqlite3_step(statement_);
-    if (code == SQLITE_ROW) return true;
-    if (code == SQLITE_DONE) return false;
-    throw SQLite::Exception(connection_.database().getHandle(), code);
-  }
-  sqlite3_stmt* statement() const { return statement_; }
-
- private:
-  void bind(const Value& value) {
-    const int index = ++bound_;
-    std::visit(
-        [&](const auto& content) {
-          using T = std::decay_t<decltype(content)>;
-          if constexpr (std::is_same_v<T, std::int64_t>) {
-            sqlite3_bind_int64(statement_, index, content);
-          } else if constexpr (std::is_same_v<T, double>) {
-            sqlite3_bind_double(statement_, index, content);
-          } else if constexpr (std::is_same_v<T, Date>) {
-            sqlite3_bind_double(statement_, index, content.timeIntervalSinceReferenceDate());
-          } else if constexpr (std::is_same_v<T, std::string>) {
-            sqlite3_bind_text64(statement_, index, content.data(), content.size(), SQLITE_STATIC,
-                                SQLITE_UTF8);
-          } else if constexpr (std::is_same_v<T, std::vector<std::byte>>) {
-            sqlite3_bind_blob64(statement_, index, content.data(), content.size(), SQLITE_STATIC);
-          }
-        },
-        value);
-  }
-
-  StoreConnection& connection_;
-  sqlite3_stmt* statement_;
-  int bound_ = 0;
-};
-
-std::string_view textOfColumn(sqlite3_stmt* row, int column) {
-  const void* bytes = sqlite3_column_blob(row, column);
-  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
-  return {static_cast<const char*>(bytes), bytes ? size : 0};
-}
-
 constexpr int kUuidSize = 16;
 
-/// Reads a column as its attribute's kind; what cannot be taken for it reads absent.
+/// Reads a column as a value of `type`; absent if the column holds another kind of value.
 void readColumn(sqlite3_stmt* row, int column, AttributeType type, RowBuilder& builder,
                 std::size_t slot) {
   const int stored = sqlite3_column_type(row, column);
@@ -105,7 +49,8 @@ void readColumn(sqlite3_stmt* row, int column, AttributeType type, RowBuilder& b
       return;
     case AttributeType::kUuid:
       if (stored == SQLITE_BLOB && sqlite3_column_bytes(row, column) == kUuidSize) {
-        builder.setText(slot, textOfColumn(row, column));
+        builder.setText(slot,
+                        {static_cast<const char*>(sqlite3_column_blob(row, column)), kUuidSize});
       }
       return;
     case AttributeType::kBinary:
@@ -128,11 +73,6 @@ RowSnapshot readRow(sqlite3_stmt* row, const RowKind& kind, RowBuilder& builder)
   return builder.finish(sqlite3_column_int64(row, 2));
 }
 
-std::vector<std::byte> bytesOf(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const std::byte*>(text.data());
-  return {bytes, bytes + text.size()};
-}
-
 }  // namespace
 
 StoreReader::Query StoreReader::queryForRequest(const FetchRequest& request,
@@ -141,11 +81,11 @@ StoreReader::Query StoreReader::queryForRequest(const FetchRequest& request,
   query.entity = &entity;
   const auto& columns = entities_.stored(entity).columns;
   const auto columnOf = [&](const std::string& key) {
-    const auto slot = slotOfAttribute(entity, key);
+    const auto slot = entity.slotOfAttribute(key);
     if (!slot) {
       failStore(StoreErrorCode::kInvalidRequest, entity.name + " has no attribute \"" + key + "\"");
     }
-    // What the store has no column for is absent in every row.
+    // Without a column, the attribute is absent in every row.
     return columns[*slot].empty() ? std::string("NULL") : sqlName(columns[*slot]);
   };
   if (request.predicate) {
@@ -179,24 +119,25 @@ std::string StoreReader::source(const Query& query) {
   return sql;
 }
 
+Statement StoreReader::statement(const std::string& sql, const Query& query) {
+  auto statement = connection_.statement(sql);
+  for (const auto& value : query.values) statement.bindValue(value);
+  return statement;
+}
+
 void StoreReader::rows(const Query& query, const RowReceiver& receive) {
   if (!entities_.stored(*query.entity).hasTable) return;
   const Selection& selection = entities_.selection(*query.entity);
   std::string sql = "SELECT " + selection.columns + source(query) + " ORDER BY " + query.order;
-  std::vector<Value> values = query.values;
-  if (query.limit > 0) {
-    sql += " LIMIT ?";
-    values.emplace_back(static_cast<std::int64_t>(query.limit));
-  }
-  Rows rows(connection_, sql, values);
+  if (query.limit > 0) sql += " LIMIT " + std::to_string(query.limit);
+  auto rows = statement(sql, query);
   const RowKind* kind = nullptr;
   std::int64_t kindsNumber = 0;
   std::optional<RowBuilder> builder;
   while (rows.next()) {
-    sqlite3_stmt* row = rows.statement();
-    const std::int64_t key = sqlite3_column_int64(row, 0);
-    const std::int64_t number = sqlite3_column_int64(row, 1);
-    // Keys begin at 1; others cannot be named.
+    const std::int64_t key = rows.integer(0);
+    const std::int64_t number = rows.integer(1);
+    // Valid keys begin at 1.
     if (key <= 0) continue;
     if (!kind || number != kindsNumber) {
       const auto found = selection.kinds.find(number);
@@ -205,37 +146,39 @@ void StoreReader::rows(const Query& query, const RowReceiver& receive) {
       builder.emplace(kind->columnOfSlot.size());
     }
     receive({kind->stored->entity, kind->idPrototype.withPrimaryKey(key),
-             readRow(row, *kind, *builder)});
+             readRow(rows.handle(), *kind, *builder)});
   }
 }
 
 std::vector<std::int64_t> StoreReader::keys(const Query& query) {
   std::vector<std::int64_t> result;
   if (!entities_.stored(*query.entity).hasTable) return result;
-  Rows rows(connection_, "SELECT Z_PK" + source(query), query.values);
-  while (rows.next()) result.push_back(sqlite3_column_int64(rows.statement(), 0));
+  auto rows = statement("SELECT Z_PK" + source(query), query);
+  while (rows.next()) result.push_back(rows.integer(0));
   return result;
 }
 
 std::size_t StoreReader::count(const Query& query) {
   if (!entities_.stored(*query.entity).hasTable) return 0;
-  Rows rows(connection_, "SELECT count(*)" + source(query), query.values);
-  return rows.next() ? static_cast<std::size_t>(sqlite3_column_int64(rows.statement(), 0)) : 0;
+  auto rows = statement("SELECT count(*)" + source(query), query);
+  return rows.next() ? static_cast<std::size_t>(rows.integer(0)) : 0;
 }
 
 Value StoreReader::bytes(const EntityDescription& entity, std::size_t slot, std::int64_t key,
                          const std::filesystem::path& storeUrl) {
   const StoredEntity& stored = entities_.stored(entity);
   if (stored.columns[slot].empty()) return {};
-  Rows rows(connection_,
-            "SELECT " + sqlName(stored.columns[slot]) + " FROM " + sqlName(stored.table) +
-                " WHERE Z_PK = ?",
-            {key});
-  if (!rows.next() || sqlite3_column_type(rows.statement(), 0) != SQLITE_BLOB) return {};
-  const std::string_view content = textOfColumn(rows.statement(), 0);
-  if (!entity.attributes[slot].storesExternally) return bytesOf(content);
-  const auto value = unwrappedBytes(content, storeUrl);
-  return value ? Value(bytesOf(*value)) : Value();
+  const std::string column = sqlName(stored.columns[slot]);
+  auto row = connection_.statement("SELECT " + column + " FROM " + sqlName(stored.table) +
+                                   " WHERE Z_PK = ? AND typeof(" + column + ") = 'blob'");
+  row.bind(key);
+  if (!row.next()) return {};
+  const auto content = row.bytes(0);
+  if (!entity.attributes[slot].storesExternally) {
+    return std::vector<std::byte>(content.begin(), content.end());
+  }
+  auto value = unwrappedBytes(content, storeUrl);
+  return value ? Value(std::move(*value)) : Value();
 }
 
 }  // namespace vantrel

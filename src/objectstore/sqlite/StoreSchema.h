@@ -5,13 +5,14 @@
 
 namespace vantrel {
 
-/// Whether the file holds nothing at all yet.
+/// Whether the file has no tables.
 bool isEmptyStore(StoreConnection& connection);
-/// Makes the whole layout of a new store in an empty file. When another program does so at the same
-/// time, its layout stays. Throws what StoreConnection throws.
+/// Creates the tables of a new store, in one transaction. Does nothing if another process has
+/// created some concurrently. Throws StoreFailure.
 void createStoreSchema(StoreConnection& connection, const ManagedObjectModel& model);
-/// Adds the tables, columns and indexes that the model has and the store does not, and makes the
-/// store the model's, all or nothing. Nothing happens when another program has done so meanwhile.
+/// Adds the model's tables, columns and indexes that the store lacks, and writes the model's
+/// metadata, in one transaction. Does nothing if another process has migrated the store
+/// concurrently. Throws StoreFailure.
 void migrateStoreSchema(StoreConnection& connection, const ManagedObjectModel& model);
 
 }  // namespace vantrel

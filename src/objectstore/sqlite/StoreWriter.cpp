@@ -1,13 +1,8 @@
 #include "objectstore/sqlite/StoreWriter.h"
 
-#include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Statement.h>
-
 #include <algorithm>
 #include <limits>
-#include <type_traits>
 
-#include "objectstore/model/AttributeValues.h"
 #include "objectstore/sqlite/ExternalData.h"
 #include "objectstore/sqlite/StoreError.h"
 
@@ -18,11 +13,6 @@ namespace {
 [[noreturn]] void failConflict(const RowChange& change) {
   failStore(StoreErrorCode::kConflict, "another program changed the same object meanwhile",
             {{"entity", change.entity->name}, {"key", std::to_string(change.key)}});
-}
-
-std::optional<std::string> fileNamedBy(const SQLite::Column& column) {
-  const auto* bytes = static_cast<const char*>(column.getBlob());
-  return externalFileName({bytes, bytes ? static_cast<std::size_t>(column.getBytes()) : 0});
 }
 
 bool isAbsent(const Value& value) {
@@ -74,35 +64,31 @@ void StoreWriter::allocateKeys(const std::vector<RowChange>& inserted) {
 
 std::int64_t StoreWriter::takeKeys(const EntityDescription& entity, std::int64_t rootNumber,
                                    std::int64_t count) {
-  const auto largest =
+  auto largest =
       connection_.statement("SELECT max(Z_PK) FROM " + sqlName(entities_.stored(entity).table));
-  const auto query = connection_.statement("SELECT Z_MAX FROM Z_PRIMARYKEY WHERE Z_ENT = ?");
-  query->bind(1, rootNumber);
-  const std::int64_t counted = query->executeStep() ? query->getColumn(0).getInt64() : 0;
-  // Keys of deleted rows are not used again; a careless writer may have left the count behind.
-  const std::int64_t used =
-      std::max(counted, largest->executeStep() ? largest->getColumn(0).getInt64() : 0);
+  auto query = connection_.statement("SELECT Z_MAX FROM Z_PRIMARYKEY WHERE Z_ENT = ?");
+  query.bind(rootNumber);
+  const std::int64_t counted = query.next() ? query.integer(0) : 0;
+  // Keys of deleted rows are never used again. Another program may have added rows without
+  // counting.
+  const std::int64_t used = std::max(counted, largest.next() ? largest.integer(0) : 0);
   if (used > std::numeric_limits<std::int64_t>::max() - count) {
     failStore(StoreErrorCode::kDamaged, "the store has no keys left for new records");
   }
-  const auto guard = connection_.statement(
-      "UPDATE Z_PRIMARYKEY SET Z_MAX = ? WHERE Z_ENT = ? AND coalesce(Z_MAX, 0) = ?");
-  guard->bind(1, used + count);
-  guard->bind(2, rootNumber);
-  guard->bind(3, counted);
-  if (guard->exec() != 1) {
-    failStore(StoreErrorCode::kDamaged, "the store does not count its records");
+  auto update = connection_.statement("UPDATE Z_PRIMARYKEY SET Z_MAX = ? WHERE Z_ENT = ?");
+  if (update.bind(used + count).bind(rootNumber).execute() != 1) {
+    failStore(StoreErrorCode::kDamaged, "the store's table of record numbers is damaged");
   }
   return used + 1;
 }
 
-std::vector<StoreWriter::ColumnValue> StoreWriter::columnValues(const RowChange& change) {
+std::vector<std::pair<std::string, Value>> StoreWriter::columnValues(const RowChange& change) {
   const EntityDescription& entity = *change.entity;
   const StoredEntity& stored = entities_.stored(entity);
-  std::vector<ColumnValue> result;
+  std::vector<std::pair<std::string, Value>> result;
   const auto add = [&](std::size_t slot, const std::string& name, Value value) {
     if (!stored.columns[slot].empty()) {
-      result.push_back({stored.columns[slot], std::move(value)});
+      result.emplace_back(stored.columns[slot], std::move(value));
     } else if (!isAbsent(value)) {
       failStore(StoreErrorCode::kNoPlace,
                 "the store has no place for \"" + name + "\" of a " + entity.name);
@@ -111,78 +97,46 @@ std::vector<StoreWriter::ColumnValue> StoreWriter::columnValues(const RowChange&
   for (const auto& [slot, value] : change.values) {
     const auto& attribute = entity.attributes[slot];
     if (attribute.isTransient) continue;
-    add(slot, attribute.name, value);
-    if (attribute.storesExternally && !result.empty() && !isAbsent(value)) {
-      result.back().isWrapped = true;
-    }
+    const auto* bytes = std::get_if<std::vector<std::byte>>(&value);
+    add(slot, attribute.name,
+        bytes && attribute.storesExternally ? Value(wrappedBytes(*bytes)) : value);
   }
   for (const auto& [slot, reference] : change.references) {
     const std::int64_t key = reference.inserted ? keys_[*reference.inserted] : reference.key;
-    const auto relationship =
-        std::find_if(entity.relationships.begin(), entity.relationships.end(),
-                     [&, at = slot](const auto& r) { return slotOfToOne(entity, r.name) == at; });
-    add(slot, relationship->name, key ? Value(key) : Value());
+    add(slot, entity.toOneInSlot(slot).name, key ? Value(key) : Value());
     if (stored.entityColumns[slot].empty()) continue;
     const auto number = key ? entities_.number(reference.entity->name) : std::nullopt;
-    result.push_back({stored.entityColumns[slot], number ? Value(*number) : Value()});
+    result.emplace_back(stored.entityColumns[slot], number ? Value(*number) : Value());
   }
   return result;
-}
-
-void StoreWriter::bind(SQLite::Statement& statement, int index, const ColumnValue& column) {
-  std::visit(
-      [&](const auto& content) {
-        using T = std::decay_t<decltype(content)>;
-        if constexpr (std::is_same_v<T, std::monostate>) {
-          statement.bind(index);
-        } else if constexpr (std::is_same_v<T, Date>) {
-          statement.bind(index, content.timeIntervalSinceReferenceDate());
-        } else if constexpr (std::is_same_v<T, std::vector<std::byte>>) {
-          std::vector<std::byte> stored;
-          // Large values say by a first byte that they follow.
-          if (column.isWrapped) stored.push_back(std::byte{1});
-          stored.insert(stored.end(), content.begin(), content.end());
-          // Without bytes SQLite would take the null pointer for NULL.
-          statement.bind(index, stored.empty() ? "" : static_cast<const void*>(stored.data()),
-                         static_cast<int>(stored.size()));
-        } else {
-          statement.bind(index, content);
-        }
-      },
-      column.value);
 }
 
 void StoreWriter::insert(const RowChange& change, std::int64_t key) {
   std::string columns = "Z_PK, Z_ENT, Z_OPT";
   std::string places = "?, ?, 1";
   const auto values = columnValues(change);
-  for (const auto& value : values) {
-    columns += ", " + sqlName(value.column);
+  for (const auto& [column, value] : values) {
+    columns += ", " + sqlName(column);
     places += ", ?";
   }
-  const auto statement =
+  auto statement =
       connection_.statement("INSERT INTO " + sqlName(entities_.stored(*change.entity).table) +
                             " (" + columns + ") VALUES (" + places + ")");
-  int index = 0;
-  statement->bind(++index, key);
-  statement->bind(++index, numbers_.at(change.entity));
-  for (const auto& value : values) bind(*statement, ++index, value);
-  statement->exec();
+  statement.bind(key).bind(numbers_.at(change.entity));
+  for (const auto& [column, value] : values) statement.bindValue(value);
+  statement.execute();
 }
 
 void StoreWriter::update(const RowChange& change) {
   std::string assignments;
   const auto values = columnValues(change);
   for (const auto& [slot, value] : change.values) releaseFile(change, slot);
-  for (const auto& value : values) assignments += sqlName(value.column) + " = ?, ";
-  const auto statement = connection_.statement(
+  for (const auto& [column, value] : values) assignments += sqlName(column) + " = ?, ";
+  auto statement = connection_.statement(
       "UPDATE " + sqlName(entities_.stored(*change.entity).table) + " SET " + assignments +
       "Z_OPT = coalesce(Z_OPT, 0) + 1 WHERE Z_PK = ? AND coalesce(Z_OPT, 0) = ?");
-  int index = 0;
-  for (const auto& value : values) bind(*statement, ++index, value);
-  statement->bind(++index, change.key);
-  statement->bind(++index, change.version);
-  if (statement->exec() != 1) failConflict(change);
+  for (const auto& [column, value] : values) statement.bindValue(value);
+  if (statement.bind(change.key).bind(change.version).execute() != 1) failConflict(change);
 }
 
 void StoreWriter::remove(const RowChange& change) {
@@ -190,80 +144,67 @@ void StoreWriter::remove(const RowChange& change) {
   for (std::size_t slot = 0; slot < change.entity->attributes.size(); ++slot) {
     releaseFile(change, slot);
   }
-  const auto statement =
+  auto statement =
       connection_.statement("DELETE FROM " + table + " WHERE Z_PK = ? AND coalesce(Z_OPT, 0) = ?");
-  statement->bind(1, change.key);
-  statement->bind(2, change.version);
-  if (statement->exec() == 1) return;
-  // Someone else may have deleted it too: that is what was wanted.
-  const auto query = connection_.statement("SELECT 1 FROM " + table + " WHERE Z_PK = ?");
-  query->bind(1, change.key);
-  if (query->executeStep()) failConflict(change);
+  if (statement.bind(change.key).bind(change.version).execute() == 1) return;
+  // If another process has deleted it too, the result is the same.
+  auto query = connection_.statement("SELECT 1 FROM " + table + " WHERE Z_PK = ?");
+  if (query.bind(change.key).next()) failConflict(change);
 }
 
 void StoreWriter::releaseFile(const RowChange& change, std::size_t slot) {
   const StoredEntity& stored = entities_.stored(*change.entity);
   const bool isExternal = change.entity->attributes[slot].storesExternally;
   if (!isExternal || stored.columns[slot].empty()) return;
-  const auto query = connection_.statement("SELECT " + sqlName(stored.columns[slot]) + " FROM " +
-                                           sqlName(stored.table) + " WHERE Z_PK = ?");
-  query->bind(1, change.key);
-  const auto name = query->executeStep() ? fileNamedBy(query->getColumn(0)) : std::nullopt;
+  auto query = connection_.statement("SELECT " + sqlName(stored.columns[slot]) + " FROM " +
+                                     sqlName(stored.table) + " WHERE Z_PK = ?");
+  const auto name = query.bind(change.key).next() ? externalFileName(query.bytes(0)) : std::nullopt;
   if (!name) return;
   releasedFiles_.insert(*name);
   releasingColumns_.emplace(stored.table, stored.columns[slot]);
 }
 
-/// Copies of a row may share its file.
+/// Several rows may share a file.
 void StoreWriter::keepSharedFiles() {
   for (const auto& [table, name] : releasingColumns_) {
     const std::string column = sqlName(name);
     std::string sql = "SELECT ";
     sql.append(column).append(" FROM ").append(sqlName(table));
     sql.append(" WHERE length(").append(column).append(") = ?");
-    const auto query = connection_.statement(sql);
-    query->bind(1, static_cast<std::int64_t>(kExternalReferenceSize));
-    while (query->executeStep()) {
-      if (const auto file = fileNamedBy(query->getColumn(0))) releasedFiles_.erase(*file);
+    auto query = connection_.statement(sql);
+    query.bind(kExternalReferenceSize);
+    while (query.next()) {
+      if (const auto file = externalFileName(query.bytes(0))) releasedFiles_.erase(*file);
     }
   }
 }
 
 void StoreWriter::removeReferences(const RowChange& change) {
   const auto run = [&](const std::string& sql) {
-    const auto statement = connection_.statement(sql);
-    statement->bind(1, change.key);
-    statement->exec();
+    connection_.statement(sql).bind(change.key).execute();
   };
-  const auto clear = [&](const std::string& table, const std::string& column) {
-    run("UPDATE " + sqlName(table) + " SET " + sqlName(column) +
-        " = NULL, Z_OPT = coalesce(Z_OPT, 0) + 1 WHERE " + sqlName(column) + " = ?");
+  const auto clear = [&](const RelationshipStorage& storage, const std::string& column) {
+    const std::string table = sqlName(storage.table);
+    const std::string condition = sqlName(column) + " = ?";
+    if (storage.kind == RelationshipStorage::Kind::kJoinTable) {
+      run("DELETE FROM " + table + " WHERE " + condition);
+    } else {
+      run("UPDATE " + table + " SET " + sqlName(column) +
+          " = NULL, Z_OPT = coalesce(Z_OPT, 0) + 1 WHERE " + condition);
+    }
   };
-  const std::string& table = entities_.stored(*change.entity).table;
+  const auto* root = change.entity->root;
   for (const auto& entity : model_.entities()) {
     for (const auto& relationship : entity.relationships) {
       if (!relationship.isToMany) continue;
       const auto& storage = storages_.storage(entity, relationship);
       if (!storage.hasPairs() || storage.deleteRule == DeleteRule::kNoAction) continue;
-      const auto* destination = model_.entityNamed(relationship.destinationEntityName);
-      const bool isJoin = storage.kind == RelationshipStorage::Kind::kJoinTable;
-      const bool isToOne = storage.kind == RelationshipStorage::Kind::kToOneKey;
-      if (entities_.stored(entity).table == table && !isToOne) {
-        if (isJoin) {
-          run("DELETE FROM " + sqlName(storage.table) + " WHERE " + sqlName(storage.ownerColumn) +
-              " = ?");
-        } else {
-          clear(storage.table, storage.ownerColumn);
-        }
-      }
-      if (storage.isDestinationInModel && destination &&
-          entities_.stored(*destination).table == table) {
-        if (isJoin) {
-          run("DELETE FROM " + sqlName(storage.table) + " WHERE " +
-              sqlName(storage.destinationColumn) + " = ?");
-        } else if (isToOne) {
-          clear(storage.table, storage.destinationColumn);
-        }
+      const auto* destination = relationship.destinationEntity;
+      // The other column is the primary key of the row that has the reference.
+      if (entity.root == root && storage.ownerColumn != "Z_PK") clear(storage, storage.ownerColumn);
+      if (storage.isDestinationInModel && destination && destination->root == root &&
+          storage.destinationColumn != "Z_PK") {
+        clear(storage, storage.destinationColumn);
       }
     }
   }

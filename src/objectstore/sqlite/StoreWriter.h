@@ -13,17 +13,17 @@
 
 namespace vantrel {
 
-/// Writes one set of changes into an open store, inside a transaction of the caller's. Throws what
-/// StoreConnection throws, and StoreFailure for conflicts and for values that have no place.
+/// Writes the changes of one save; the caller holds the transaction. A row that another process
+/// changed since it was read is detected by its version: each update and deletion names the Z_OPT
+/// that was read, and fails with kConflict unless the row still has it. Throws StoreFailure.
 class StoreWriter {
  public:
   StoreWriter(StoreConnection& connection, StoredEntities& entities, RelationshipStorages& storages,
               const ManagedObjectModel& model);
 
-  /// Gives the keys of the inserted rows in order.
+  /// Returns the keys of the inserted rows, in order.
   std::vector<std::int64_t> write(const ChangeSet& changes);
-  /// Names of the files with large values that no row refers to any more: to be removed once the
-  /// transaction is committed.
+  /// External files that no row refers to after `write`. Remove them after the commit.
   const std::set<std::string>& releasedFiles() const { return releasedFiles_; }
 
  private:
@@ -36,14 +36,8 @@ class StoreWriter {
   void removeReferences(const RowChange& change);
   void releaseFile(const RowChange& change, std::size_t slot);
   void keepSharedFiles();
-  struct ColumnValue {
-    std::string column;
-    Value value;
-    bool isWrapped = false;  ///< Bears the first byte of large values.
-  };
-  /// Refuses values for which there is no column.
-  std::vector<ColumnValue> columnValues(const RowChange& change);
-  void bind(SQLite::Statement& statement, int index, const ColumnValue& value);
+  /// Throws kNoPlace for values that have no column.
+  std::vector<std::pair<std::string, Value>> columnValues(const RowChange& change);
 
   StoreConnection& connection_;
   StoredEntities& entities_;

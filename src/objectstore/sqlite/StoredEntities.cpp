@@ -1,8 +1,5 @@
 #include "objectstore/sqlite/StoredEntities.h"
 
-#include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Statement.h>
-
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -13,7 +10,7 @@ namespace vantrel {
 
 namespace {
 
-/// The entities of a store's history are numbered from here.
+/// Entity numbers of the tables of the persistent history begin here.
 constexpr std::int64_t kFirstHistoryNumber = 16000;
 
 }  // namespace
@@ -30,10 +27,9 @@ void StoredEntities::forget() {
 
 const std::map<std::int64_t, StoredEntities::PrimaryKeyRow>& StoredEntities::primaryKeyRows() {
   if (!primaryKeyRows_.empty()) return primaryKeyRows_;
-  const auto query = connection_.statement("SELECT Z_ENT, Z_NAME, Z_SUPER FROM Z_PRIMARYKEY");
-  while (query->executeStep()) {
-    primaryKeyRows_[query->getColumn(0).getInt64()] = {query->getColumn(1).getString(),
-                                                       query->getColumn(2).getInt64()};
+  auto query = connection_.statement("SELECT Z_ENT, Z_NAME, Z_SUPER FROM Z_PRIMARYKEY");
+  while (query.next()) {
+    primaryKeyRows_[query.integer(0)] = {std::string(query.text(1)), query.integer(2)};
   }
   return primaryKeyRows_;
 }
@@ -47,7 +43,7 @@ std::optional<std::int64_t> StoredEntities::number(std::string_view entityName) 
 
 const EntityDescription* StoredEntities::modelEntity(std::int64_t number) {
   const auto& rows = primaryKeyRows();
-  // A damaged tree may be a ring: no honest one is deeper than its rows.
+  // The tree of a damaged store may be a cycle.
   for (std::size_t depth = 0; depth <= rows.size(); ++depth) {
     const auto row = rows.find(number);
     if (row == rows.end()) return nullptr;
@@ -63,37 +59,21 @@ const EntityDescription* StoredEntities::modelEntity(std::string_view storedName
   return named ? modelEntity(*named) : nullptr;
 }
 
-bool StoredEntities::isKindOf(const EntityDescription& entity,
-                              const EntityDescription& ancestor) const {
-  const StoreLayout::Place* place =
-      &layout_.place(static_cast<std::size_t>(&entity - model_.entities().data()));
-  const EntityDescription* current = &entity;
-  while (current != &ancestor) {
-    if (place->parent == StoreLayout::kNone) return false;
-    current = &model_.entities()[place->parent];
-    place = &layout_.place(place->parent);
-  }
-  return true;
-}
-
 const StoredEntity& StoredEntities::stored(const EntityDescription& entity) {
   const auto known = stored_.find(&entity);
   if (known != stored_.end()) return known->second;
   StoredEntity stored;
   stored.entity = &entity;
-  stored.index = static_cast<std::size_t>(&entity - model_.entities().data());
-  const StoreLayout::Place& place = layout_.place(stored.index);
-  stored.tableIndex = place.table;
-  stored.table = layout_.tables()[place.table].name;
+  stored.table = tableName(entity);
   const auto& present = connection_.columnsOfTable(stored.table);
   stored.hasTable = !present.empty();
   const auto ifPresent = [&](const std::string& column) {
     return std::find(present.begin(), present.end(), column) == present.end() ? std::string()
                                                                               : column;
   };
-  std::transform(place.columns.begin(), place.columns.end(), std::back_inserter(stored.columns),
-                 ifPresent);
-  std::transform(place.entityColumns.begin(), place.entityColumns.end(),
+  const auto& [columns, entityColumns] = layout_.columns(entity);
+  std::transform(columns.begin(), columns.end(), std::back_inserter(stored.columns), ifPresent);
+  std::transform(entityColumns.begin(), entityColumns.end(),
                  std::back_inserter(stored.entityColumns), ifPresent);
   return stored_.emplace(&entity, std::move(stored)).first->second;
 }
@@ -101,12 +81,12 @@ const StoredEntity& StoredEntities::stored(const EntityDescription& entity) {
 std::optional<std::int64_t> StoredEntities::numberOfNamelessRows(const EntityDescription& entity) {
   const StoredEntity& place = stored(entity);
   if (!place.hasTable) return std::nullopt;
-  const auto query = connection_.statement("SELECT DISTINCT Z_ENT FROM " + sqlName(place.table) +
-                                           " WHERE Z_ENT IS NOT NULL");
+  auto query = connection_.statement("SELECT DISTINCT Z_ENT FROM " + sqlName(place.table) +
+                                     " WHERE Z_ENT IS NOT NULL");
   std::optional<std::int64_t> found;
   bool isUnique = true;
-  while (query->executeStep()) {
-    const std::int64_t number = query->getColumn(0).getInt64();
+  while (query.next()) {
+    const std::int64_t number = query.integer(0);
     const auto row = primaryKeyRows_.find(number);
     if (row != primaryKeyRows_.end() && model_.entityNamed(row->second.name)) continue;
     isUnique = !found;
@@ -133,7 +113,7 @@ const Selection& StoredEntities::selection(const EntityDescription& entity) {
   Selection selection;
   std::vector<const EntityDescription*> family;
   for (const auto& candidate : model_.entities()) {
-    if (isKindOf(candidate, entity)) family.push_back(&candidate);
+    if (candidate.isKindOf(entity)) family.push_back(&candidate);
   }
   selection.columns = "Z_PK, Z_ENT, Z_OPT";
   int next = 3;
@@ -150,7 +130,7 @@ const Selection& StoredEntities::selection(const EntityDescription& entity) {
   }
   for (const auto& [number, row] : primaryKeyRows()) {
     const auto* member = modelEntity(number);
-    if (!member || !isKindOf(*member, entity)) continue;
+    if (!member || !member->isKindOf(entity)) continue;
     selection.kinds.emplace(number, makeKind(*member, row.name, selected));
   }
   for (const auto* member : family) {
@@ -165,17 +145,15 @@ const Selection& StoredEntities::selection(const EntityDescription& entity) {
     }
     selection.filter = "Z_ENT IN (" + selection.filter + ")";
   }
-  // Kept only when all of it could be read.
+  // Cached only if everything could be read.
   return selections_.emplace(&entity, std::move(selection)).first->second;
 }
 
 StoredEntities::Numbers StoredEntities::numbersForInserting(const EntityDescription& entity) {
   Numbers numbers;
   std::int64_t super = 0;
-  const auto parent =
-      layout_.place(static_cast<std::size_t>(&entity - model_.entities().data())).parent;
-  if (parent != StoreLayout::kNone) {
-    const Numbers parents = numbersForInserting(model_.entities()[parent]);
+  if (entity.superentity) {
+    const Numbers parents = numbersForInserting(*entity.superentity);
     numbers.root = parents.root;
     super = parents.own;
   }
@@ -188,17 +166,17 @@ StoredEntities::Numbers StoredEntities::numbersForInserting(const EntityDescript
     const auto last = history == rows.begin() ? 0 : std::prev(history)->first;
     numbers.own = nameless.value_or(std::max<std::int64_t>(last, 0) + 1);
     if (!rows.contains(numbers.own)) {
-      const auto insert = connection_.statement(
-          "INSERT INTO Z_PRIMARYKEY (Z_ENT, Z_NAME, Z_SUPER, Z_MAX) VALUES (?, ?, ?, 0)");
-      insert->bind(1, numbers.own);
-      insert->bind(2, entity.name);
-      insert->bind(3, super);
-      insert->exec();
-      // Its rows, if it has any, are read by the new number from now on.
+      connection_
+          .statement("INSERT INTO Z_PRIMARYKEY (Z_ENT, Z_NAME, Z_SUPER, Z_MAX) VALUES (?, ?, ?, 0)")
+          .bind(numbers.own)
+          .bind(entity.name)
+          .bind(super)
+          .execute();
+      // From now on, rows of the entity are recognised by the new number.
       forget();
     }
   }
-  if (parent == StoreLayout::kNone) numbers.root = numbers.own;
+  if (!entity.superentity) numbers.root = numbers.own;
   return numbers;
 }
 

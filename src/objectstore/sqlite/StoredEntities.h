@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,55 +14,55 @@
 
 namespace vantrel {
 
-/// One entity as an open store keeps it.
+/// The table and columns of an entity in an open store.
 struct StoredEntity {
   const EntityDescription* entity = nullptr;
-  std::size_t index = 0;       ///< In the model.
-  std::size_t tableIndex = 0;  ///< The same for entities that share a table.
   std::string table;
   bool hasTable = false;
-  std::vector<std::string> columns;        ///< By slot; empty for those the store does not have.
-  std::vector<std::string> entityColumns;  ///< By slot; mostly empty.
+  /// As in StoreLayout::Columns; empty for columns that the store does not have.
+  std::vector<std::string> columns;
+  std::vector<std::string> entityColumns;
 };
 
-/// What a row of a fetched entity is made into, by the entity number it carries.
+/// How to read a row with a certain entity number.
 struct RowKind {
   const StoredEntity* stored = nullptr;
-  ManagedObjectID idPrototype;    ///< Bears the name of the row's own entity.
-  std::vector<int> columnOfSlot;  ///< In the selection; -1 for what is not read.
+  ManagedObjectID idPrototype;    ///< Has the name of the row's entity in the store.
+  std::vector<int> columnOfSlot;  ///< Index in the selection; -1 for a slot that is not read.
 };
 
-/// Which columns a fetch of an entity selects, and how its rows are read.
+/// The columns that a fetch of an entity selects, and how to read its rows.
 struct Selection {
   std::string columns;  ///< "Z_PK, Z_ENT, Z_OPT, …"
-  std::string filter;   ///< Rows of the entity and its sub-entities; empty when all are.
+  std::string filter;   ///< Condition for the entity and its subentities; empty for a root.
   std::map<std::int64_t, RowKind> kinds;
-  RowKind ownKind;  ///< For rows with a number that Z_PRIMARYKEY does not know.
+  RowKind ownKind;  ///< For rows with a number that is not in Z_PRIMARYKEY.
 };
 
-/// How the entities of a model are found in an open store: their tables and columns as they are,
-/// their numbers by name. Looked up on first use. Throws what StoreConnection throws.
+/// Maps the entities of a model to an open store: the tables and columns that exist, and the entity
+/// numbers that Z_PRIMARYKEY assigns to names. Results are cached. Throws StoreFailure.
 class StoredEntities {
  public:
   StoredEntities(StoreConnection& connection, const ManagedObjectModel& model,
                  std::string storeUuid);
 
-  /// For an entity of the model.
+  /// `entity` is one of the model.
   const StoredEntity& stored(const EntityDescription& entity);
   const Selection& selection(const EntityDescription& entity);
-  /// The entity's number in this store; nothing when it has none yet.
+  /// The entity's number in this store; `nullopt` if it has none.
   std::optional<std::int64_t> number(std::string_view entityName);
-  /// The number for new rows of the entity and that of its root; adds rows to Z_PRIMARYKEY for
-  /// those without. To be called in a transaction.
+  /// The numbers of the entity and of its root. Adds missing ones to Z_PRIMARYKEY: call it in a
+  /// transaction.
   struct Numbers {
     std::int64_t own = 0;
     std::int64_t root = 0;
   };
   Numbers numbersForInserting(const EntityDescription& entity);
-  /// The model's entity that objects of the named entity of the store are made as; null if none.
+  /// The model's entity for rows of an entity of the store: the entity itself or its nearest
+  /// ancestor in the store that the model has. Null if there is none.
   const EntityDescription* modelEntity(std::string_view storedName);
   const EntityDescription* modelEntity(std::int64_t number);
-  /// Drops what was looked up, after another program may have changed it.
+  /// Clears the cache.
   void forget();
 
  private:
@@ -71,7 +71,8 @@ class StoredEntities {
     std::int64_t super = 0;
   };
   const std::map<std::int64_t, PrimaryKeyRow>& primaryKeyRows();
-  bool isKindOf(const EntityDescription& entity, const EntityDescription& ancestor) const;
+  /// The only number in the entity's table that Z_PRIMARYKEY does not assign to an entity of the
+  /// model; `nullopt` if there are none or several.
   std::optional<std::int64_t> numberOfNamelessRows(const EntityDescription& entity);
   RowKind makeKind(const EntityDescription& entity, std::string_view name,
                    const std::map<std::string, int>& selected);

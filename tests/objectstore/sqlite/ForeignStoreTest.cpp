@@ -63,7 +63,8 @@ std::string pictureCounts(OpenStore& store) {
   return std::to_string(counts->at(0)) + " " + std::to_string(counts->at(1));
 }
 
-// How the pictures hang on the plans; what is left of them when the first plan goes.
+// How plans refer to their pictures, and what remains when the first plan is deleted. Pairs may
+// refer to a picture that does not exist.
 TEST_F(ForeignStoreTest, FindsPicturesHoweverTheyAreStored) {
   const std::string images = kImages;
   const std::string inverse =
@@ -77,12 +78,12 @@ TEST_F(ForeignStoreTest, FindsPicturesHoweverTheyAreStored) {
   const std::string ownersPairs = neither +
                                   "CREATE TABLE Z_7IMAGES (Z_7PLANNINGS INTEGER, Z_3IMAGES INTEGER,"
                                   " PRIMARY KEY(Z_7PLANNINGS, Z_3IMAGES));"
-                                  "INSERT INTO Z_7IMAGES VALUES (1, 1), (1, 2), (2, 2);";
+                                  "INSERT INTO Z_7IMAGES VALUES (1, 1), (1, 2), (2, 2), (2, 9);";
   const std::string othersPairs =
       neither +
       "CREATE TABLE Z_3PLANNINGS (Z_3IMAGES INTEGER, Z_7PLANNINGS1 INTEGER, Z_FOK_3IMAGES INTEGER,"
       " PRIMARY KEY(Z_7PLANNINGS1, Z_3IMAGES));"
-      "INSERT INTO Z_3PLANNINGS VALUES (1, 1, 2048), (2, 1, 3072), (2, 2, 2048);";
+      "INSERT INTO Z_3PLANNINGS VALUES (1, 1, 2048), (2, 1, 3072), (2, 2, 2048), (9, 2, 0);";
   const std::string inPlan = neither +
                              "ALTER TABLE ZPLANNING ADD COLUMN ZIMAGES INTEGER;"
                              "UPDATE ZPLANNING SET ZIMAGES = 3 WHERE Z_PK = 2;";
@@ -101,9 +102,10 @@ TEST_F(ForeignStoreTest, FindsPicturesHoweverTheyAreStored) {
       {"hidden key in the picture", hidden, "2 1", keys, "3"},
       {"hidden key in another table", hidden + asPicture, "2 1",
        "SELECT Z_PK, Z7IMAGES FROM ZPICTURE", "1|\n2|\n3|2"},
-      {"table of pairs", ownersPairs, "2 1", "SELECT * FROM Z_7IMAGES; " + keys, "2|2\n1\n2\n3"},
+      {"table of pairs", ownersPairs, "2 1", "SELECT * FROM Z_7IMAGES; " + keys,
+       "2|2\n2|9\n1\n2\n3"},
       {"table of pairs named from the other side", othersPairs, "2 1", "SELECT * FROM Z_3PLANNINGS",
-       "2|2|2048"},
+       "2|2|2048\n9|2|0"},
       {"key in the plan", inPlan, "0 1", "SELECT Z_PK, ZIMAGES FROM ZPLANNING", "2|3"},
       {"no pictures at all", "", "0 0", "SELECT Z_PK FROM ZPLANNING", "2"},
       {"pictures that hang on something unknown", neither, "unsettled", keys, "1\n2\n3"},
