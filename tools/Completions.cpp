@@ -10,7 +10,7 @@ namespace {
 using Lines = std::string;
 
 /// In single quotes, for any of the shells.
-std::string quoted(const std::string& text, const std::string& quote = "'\\''") {
+std::string shellQuoted(const std::string& text, const std::string& quote = "'\\''") {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? quote : std::string(1, c);
   return result + "'";
@@ -52,7 +52,7 @@ std::vector<std::string> optionsWithValue(const CommandTable& table) {
 std::vector<std::string> pathsBelowProgram(const CommandTable& table) {
   std::vector<std::string> paths;
   for (const auto& command : table) {
-    if (!command.above().empty()) paths.push_back(quoted(command.path));
+    if (!command.above().empty()) paths.push_back(shellQuoted(command.path));
   }
   return paths;
 }
@@ -78,7 +78,7 @@ struct Offers {
 
 std::string bashOffer(const TableOption& option) {
   static const Offers kOffers = {":nothing", ":file", ":plan", ":zone"};
-  return option.offer == Offer::kWords ? quoted(joined(option.words, " "))
+  return option.offer == Offer::kWords ? shellQuoted(joined(option.words, " "))
                                        : kOffers.of(option.offer);
 }
 
@@ -89,7 +89,7 @@ Lines bashValues(const TableCommand& command) {
     if (option.value.empty()) continue;
     std::vector<std::string> patterns;
     for (const auto& name : option.names) {
-      patterns.push_back(quoted(command.path) + "*" + quoted(" " + name));
+      patterns.push_back(shellQuoted(command.path) + "*" + shellQuoted(" " + name));
     }
     lines += "    " + joined(patterns, "|") + ") offer=" + bashOffer(option) + " ;;\n";
   }
@@ -103,9 +103,9 @@ Lines bashWords(const CommandTable& table, const TableCommand& command) {
   }
   std::vector<std::string> commands;
   for (const auto& below : commandsBelow(table, command)) commands.push_back(below.name());
-  Lines lines = "    " + quoted(command.path + " ") + "*)\n";
-  if (!options.empty()) lines += "      options+=" + quoted(" " + joined(options, " ")) + "\n";
-  lines += "      commands=" + quoted(joined(commands, " ")) + "\n      argument=:nothing\n";
+  Lines lines = "    " + shellQuoted(command.path + " ") + "*)\n";
+  if (!options.empty()) lines += "      options+=" + shellQuoted(" " + joined(options, " ")) + "\n";
+  lines += "      commands=" + shellQuoted(joined(commands, " ")) + "\n      argument=:nothing\n";
   for (const auto& argument : command.arguments) {
     if (argument.offer != Offer::kNothing) {
       lines += "      argument=" + bashOffer(argument) + "\n";
@@ -166,7 +166,7 @@ Lines zshOptions(const TableCommand& command) {
         spec += optional + zshText(option.words.empty() ? option.value : "value") + ":" +
                 zshAction(option);
       }
-      lines += " \\\n    " + quoted(spec);
+      lines += " \\\n    " + shellQuoted(spec);
     }
   }
   return lines;
@@ -177,7 +177,7 @@ Lines zshArguments(const TableCommand& command) {
   for (const auto& argument : command.arguments) {
     const std::string optional = argument.isRequired ? ":" : "::";
     lines += " \\\n    " +
-             quoted(optional + zshText(argument.names.front()) + ":" + zshAction(argument));
+             shellQuoted(optional + zshText(argument.names.front()) + ":" + zshAction(argument));
   }
   return lines;
 }
@@ -203,7 +203,7 @@ Lines zshFunction(const CommandTable& table, const TableCommand& command) {
            " \\\n    '(-): :->command' \\\n    '(-)*:: :->rest' && return\n"
            "  case $state in\n    command)\n      local -a commands=(\n";
   for (const auto& one : below) {
-    lines += "        " + quoted(one.name() + ":" + one.description) + "\n";
+    lines += "        " + shellQuoted(one.name() + ":" + one.description) + "\n";
   }
   lines +=
       "      )\n      _describe -t commands command commands\n      ;;\n"
@@ -225,7 +225,7 @@ constexpr const char* kZshPlans = R"sh(_vantrel_plans() {
 std::string fishQuoted(const std::string& text) {
   std::string escaped;
   for (const char c : text) escaped += c == '\\' ? "\\\\" : std::string(1, c);
-  return quoted(escaped, "\\'");
+  return shellQuoted(escaped, "\\'");
 }
 
 std::string fishOffer(const TableOption& option) {

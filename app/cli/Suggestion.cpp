@@ -1,5 +1,6 @@
 #include "cli/Suggestion.h"
 
+#include "base/Ascii.h"
 #include "common/ExitCode.h"
 
 #include <algorithm>
@@ -52,10 +53,8 @@ std::string folded(const std::string& name) {
     if (name.compare(i, kTimes.size(), kTimes) == 0) {
       result += 'x';
       i += kTimes.size() - 1;
-    } else if (c >= 'A' && c <= 'Z') {
-      result += static_cast<char>(c - 'A' + 'a');
     } else if (c != ' ' && c != '-' && c != '_') {
-      result += c;
+      result += asciiLower(c);
     }
   }
   return result;

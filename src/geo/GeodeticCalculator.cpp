@@ -14,14 +14,6 @@ constexpr double kRadiusMinor = 6356752.3142;
 constexpr double kRadiusMajorSquared = 40680631590769.0;
 constexpr double kRadiusMinorSquared = 40408299984087.055;
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kRadians = 0.017453292519943295;
-constexpr double kDegrees = 57.29577951308232;
-
-double squared(double x) {
-  return x * x;
-}
-
 }  // namespace
 
 GeodeticCurve GeodeticCalculator::geodeticCurveBetweenSource(LocationCoordinate2D source,

@@ -14,8 +14,6 @@ namespace vantrel {
 
 namespace {
 
-constexpr float kFeetPerMetre = 3.28084f;
-
 std::string label(std::string_view key) {
   return Bundle::mainBundle().localizedString(key, "", "Ephemeris");
 }

@@ -9,10 +9,8 @@ namespace vantrel {
 
 namespace {
 
-constexpr double kFeetPerMetre = 3.28084f;
-
 std::int32_t wholeFeet(float metres) {
-  const std::int32_t feet = truncatedInt32(std::fabs(double{metres}) * kFeetPerMetre + 0.5);
+  const std::int32_t feet = truncatedInt32(std::fabs(double{metres}) * double{kFeetPerMetre} + 0.5);
   return metres < 0 ? -feet : feet;
 }
 

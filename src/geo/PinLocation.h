@@ -9,8 +9,9 @@
 
 namespace vantrel {
 
-/// The 32-bit integer that is left when the fraction is cut off; out of range the nearest one, and
-/// 0 for NaN.
+inline constexpr float kFeetPerMetre = 3.28084f;
+
+/// Truncates towards zero. Returns the nearest 32-bit integer for values out of range, 0 for NaN.
 std::int32_t truncatedInt32(double value);
 
 /// A map pin: a coordinate with the altitude of its ground and a height on top. Altitudes are

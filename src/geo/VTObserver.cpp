@@ -12,8 +12,6 @@ namespace vantrel {
 
 namespace {
 
-constexpr float kFeetPerMetre = 3.28084f;
-
 constexpr std::string_view kClassName = "VTObserver";
 
 constexpr std::string_view kLatitudeKey = "position_latitude";

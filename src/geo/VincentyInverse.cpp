@@ -14,17 +14,9 @@ constexpr double kSixteenthOfFlattening = 0.00020955066654671753;
 constexpr double kEccentricitySquared = 0.0066943799901413165;
 constexpr double kOneMinusEccentricitySquared = 0.9933056200098587;
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kRadians = 0.017453292519943295;
-constexpr double kDegrees = 57.29577951308232;
-
 constexpr int kMostPasses = 20;
 constexpr int kFirstPassToStop = 2;
 constexpr double kSettled = 1e-13;
-
-double squared(double x) {
-  return x * x;
-}
 
 /// The reduced latitudes, those of the pins' images on the auxiliary sphere.
 struct ReducedLatitudes {

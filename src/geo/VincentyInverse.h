@@ -6,6 +6,14 @@
 
 namespace vantrel {
 
+inline constexpr double kPi = 3.14159265358979323846;
+inline constexpr double kRadians = 0.017453292519943295;  ///< Per degree.
+inline constexpr double kDegrees = 57.29577951308232;     ///< Per radian.
+
+constexpr double squared(double x) {
+  return x * x;
+}
+
 /// Vincenty's inverse method between two pins, in radians and metres, in two arrangements that give
 /// the same curve. What it answers where, GeodeticCalculator tells.
 struct VincentyInverse {

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/Log.h"
 #include "base/PercentEncoding.h"
 #include "base/StringFormat.h"
@@ -23,10 +24,6 @@ constexpr const char* kToken = "xwQ_2016torrelabas";
   throw std::logic_error(stringWithFormat("You must override %@ in a subclass", {operation}));
 }
 
-bool isWordCharacter(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
-
 /// Replaces `word` where no larger word holds it.
 void hide(std::string_view word, std::string& text) {
   constexpr std::string_view kHidden = "***";
@@ -34,8 +31,8 @@ void hide(std::string_view word, std::string& text) {
   std::size_t at = 0;
   while ((at = text.find(word, at)) != std::string::npos) {
     const std::size_t end = at + word.size();
-    const bool inside = (at > 0 && isWordCharacter(text[at - 1])) ||
-                        (end < text.size() && isWordCharacter(text[end]));
+    const bool inside = (at > 0 && isAsciiWordCharacter(text[at - 1])) ||
+                        (end < text.size() && isAsciiWordCharacter(text[end]));
     if (!inside) text.replace(at, word.size(), kHidden);
     at += inside ? 1 : kHidden.size();
   }

@@ -14,7 +14,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr double kFontSize = 15;
+constexpr double kMessageFontSize = 15;
 constexpr double kTwoColumnsMinimumWidth = 600;
 
 /// The system's colour for labels follows the interface style from version 13; before 10 the host
@@ -39,7 +39,7 @@ std::unique_ptr<Label> TodayUtils::textLabel() {
 
 std::unique_ptr<Label> TodayUtils::titleLabel() {
   auto label = textLabel();
-  label->setFont(Font::boldSystemFontOfSize(kFontSize));
+  label->setFont(Font::boldSystemFontOfSize(kMessageFontSize));
   return label;
 }
 
@@ -86,7 +86,7 @@ void TodayUtils::setPlannerMilkyWayVisible(bool visible) {
 
 void TodayUtils::applyTextStyle(Label& label) {
   label.setTextColor(textColor());
-  label.setFont(Font::systemFontOfSize(kFontSize));
+  label.setFont(Font::systemFontOfSize(kMessageFontSize));
   label.setAdjustsFontSizeToFitWidth(true);
   label.setMinimumScaleFactor(2.0 / 3);
 }

@@ -5,13 +5,14 @@
 #include <string>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-constexpr std::size_t kDeepest = 16;
+constexpr std::size_t kMaxNestedComponents = 16;
 /// STANDARD and DAYLIGHT, of which a zone is made.
 constexpr std::size_t kDepthOfObservances = 3;
 constexpr std::size_t kLongestLine = std::size_t{1} << 20;
@@ -23,13 +24,6 @@ constexpr std::array<std::string_view, 16> kProperties = {
     "UID",          "SUMMARY",    "DESCRIPTION",    "LOCATION",      "GEO",    "DTSTART",
     "DUE",          "RRULE",      "RDATE",          "RECURRENCE-ID", "STATUS", "TZID",
     "TZOFFSETFROM", "TZOFFSETTO", "X-LIC-LOCATION", kValuesProperty};
-
-std::string upperCase(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
-  return result;
-}
 
 struct PropertyLine {
   std::string head;  ///< The name with its parameters.
@@ -50,7 +44,7 @@ PropertyLine propertyOfLine(std::string_view line, std::size_t nameEnd) {
       if (!isQuoted && (line[end] == ';' || line[end] == ':')) break;
     }
     const std::string_view parameter = line.substr(at, end - at);
-    const std::string name = upperCase(parameter.substr(0, parameter.find('=')));
+    const std::string name = asciiUpper(parameter.substr(0, parameter.find('=')));
     const bool isKept = (name == ";TZID" && !std::exchange(hasZone, true)) ||
                         (name == ";VALUE" && !std::exchange(hasKind, true));
     if (isKept) property.head += parameter;
@@ -70,12 +64,12 @@ class CalendarLines {
  public:
   CalendarLines() : parser_(icalparser_new(), &icalparser_free) {}
 
-  Expected<void> add(std::string line) {
+  Expected<void> add(const std::string& line) {
     const std::size_t nameEnd = std::min(line.find_first_of(";:"), line.size());
-    const std::string name = upperCase(std::string_view(line).substr(0, nameEnd));
+    const std::string name = asciiUpper(std::string_view(line).substr(0, nameEnd));
     if (name == "BEGIN" || name == "END") {
       const std::string component =
-          upperCase(std::string_view(line).substr(std::min(nameEnd + 1, line.size())));
+          asciiUpper(std::string_view(line).substr(std::min(nameEnd + 1, line.size())));
       return name == "BEGIN" ? begin(component) : end(component);
     }
     if (path_.empty()) return line.empty() ? Expected<void>() : refused("calendar", kNoCalendar);
@@ -125,7 +119,7 @@ class CalendarLines {
   }
 
   Expected<void> begin(const std::string& component) {
-    if (path_.size() >= kDeepest) return refused(component, "nested too deeply");
+    if (path_.size() >= kMaxNestedComponents) return refused(component, "nested too deeply");
     if (path_.empty() && component != "VCALENDAR") return refused("calendar", kNoCalendar);
     if (!path_.empty() && !isDropped() && !isWanted(component)) droppedAt_ = path_.size();
     path_.push_back(component);

@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 
+#include "base/Ascii.h"
 #include "cli/Command.h"
 #include "cli/CommandGroup.h"
 #include "common/ExitCode.h"
@@ -51,9 +52,7 @@ std::string_view nameOfFormat(ExchangeFormat format) {
 }
 
 std::optional<ExchangeFormat> formatOfFileName(const std::string& name) {
-  std::string extension = std::filesystem::path(name).extension();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  const std::string extension = asciiLower(std::filesystem::path(name).extension().string());
   return extension.empty() ? std::nullopt : formatNamed(std::string_view(extension).substr(1));
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr int kDeepest = 4;
+constexpr int kMaxDepth = 4;
 /// For each plan there is room for a dozen of attributes and some.
 constexpr std::size_t kMostValues = kMostPlansRead * 20;
 constexpr std::array kDescriptions = {"uri",     "link", "localDate", "images",
@@ -60,7 +60,8 @@ class ShapeCheck : public nlohmann::json_sax<json> {
     return ++values_ <= kMostValues || fail("JSON", "more values than any list of plans has");
   }
   bool enter() {
-    return ++depth_ <= kDeepest ? count() : fail("JSON", "nested too deeply to be a list of plans");
+    return ++depth_ <= kMaxDepth ? count()
+                                 : fail("JSON", "nested too deeply to be a list of plans");
   }
   bool leave() {
     --depth_;

@@ -12,7 +12,7 @@ namespace vantrel::cli {
 namespace {
 
 /// What `observer set` is given; nothing stays as it is.
-struct Changes {
+struct ObserverChanges {
   PinChanges pin;
   std::optional<double> horizonLatitude;
   std::optional<double> horizonLongitude;
@@ -26,7 +26,7 @@ struct Changes {
   }
 };
 
-Expected<void> apply(const Changes& changes, VTObserver& observer) {
+Expected<void> apply(const ObserverChanges& changes, VTObserver& observer) {
   changes.pin.apply(observer);
   if (changes.clearHorizon) observer.resetHorizon();
   LocationCoordinate2D horizon = observer.horizonPosition();
@@ -48,8 +48,8 @@ Expected<StoredObserver> currentObserver() {
   return settingsForReading().and_then([](auto* defaults) { return storedObserver(*defaults); });
 }
 
-int setObserver(const Changes& given, Console& console) {
-  Changes changes = given;
+int setObserver(const ObserverChanges& given, Console& console) {
+  ObserverChanges changes = given;
   if (!changes.any()) {
     return console.fail(
         failure(kExitUsage, "observer set", "nothing to change; see vantrel observer set --help"));

@@ -115,7 +115,7 @@ int showObstacle(Console& console) {
   return kExitDone;
 }
 
-struct Changes {
+struct ObstacleChanges {
   PinChanges pin;
   std::optional<bool> visible;
 };
@@ -127,8 +127,8 @@ double placeableLongitude(double longitude) {
                                                                : longitude;
 }
 
-int setObstacle(const Changes& given, Console& console) {
-  Changes changes = given;
+int setObstacle(const ObstacleChanges& given, Console& console) {
+  ObstacleChanges changes = given;
   if (!changes.pin.any() && !changes.visible) {
     return console.fail(
         failure(kExitUsage, "obstacle set", "nothing to change; see vantrel obstacle set --help"));

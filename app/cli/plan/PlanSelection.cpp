@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/Ascii.h"
 #include "base/Iso8601.h"
 #include "cli/Arguments.h"
 #include "cli/Suggestion.h"
@@ -63,12 +64,6 @@ constexpr std::size_t kMostFetched = 11;
 constexpr std::string_view kUriScheme = "x-coredata://";
 constexpr const char* kIdentifierKey = "uniqueIdentifier";
 
-std::string upperCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
-  return text;
-}
-
 Expected<Plans> plansWithIdentifier(ManagedObjectContext& context, const std::string& identifier) {
   FetchRequest request;
   request.predicate = Predicate::equal(kIdentifierKey, identifier);
@@ -93,7 +88,7 @@ Expected<Plans> plansWithPrefix(ManagedObjectContext& context, const std::string
 /// The exact matches, else those that begin so; as typed, else in the upper case of new plans.
 Expected<Plans> candidates(ManagedObjectContext& context, const std::string& text) {
   std::vector<std::string> spellings = {text};
-  if (upperCase(text) != text) spellings.push_back(upperCase(text));
+  if (asciiUpper(text) != text) spellings.push_back(asciiUpper(text));
   Expected<Plans> plans;
   for (const auto& find : {plansWithIdentifier, plansWithPrefix}) {
     for (const auto& spelling : spellings) {
@@ -152,7 +147,7 @@ Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
   const auto plans = candidates(context, text);
   if (!plans) return tl::unexpected(plans.error());
   const bool exact =
-      plans->size() == 1 && upperCase(*plans->front()->uniqueIdentifier()) == upperCase(text);
+      plans->size() == 1 && asciiUpper(*plans->front()->uniqueIdentifier()) == asciiUpper(text);
   if (text.size() < kShortestPrefix && !exact) {
     return tl::unexpected(
         ambiguous(text, "too short to name a plan; give at least four characters of its identifier",

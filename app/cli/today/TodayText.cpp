@@ -53,7 +53,8 @@ std::string inMarkup(const std::string& text) {
   return result;
 }
 
-std::string barLine(const std::string& text, const std::string& tooltip, const std::string& state) {
+std::string barObject(const std::string& text, const std::string& tooltip,
+                      const std::string& state) {
   return jsonLine({{"text", text}, {"tooltip", tooltip}, {"class", state}, {"alt", state}});
 }
 
@@ -106,13 +107,13 @@ std::string barLine(const TodayList& today) {
     tooltip += "<b>" + inMarkup(shown(row.title)) + "</b>\n" + inMarkup(row.dateText);
     if (const auto local = localText(*row.plan, formatter)) tooltip += "  " + inMarkup(*local);
   }
-  return barLine(next ? inMarkup(rowLine(*next)) : "", tooltip, stateOf(next));
+  return barObject(next ? inMarkup(rowLine(*next)) : "", tooltip, stateOf(next));
 }
 
 std::string barLine(const Error& error) {
   const std::string text =
       Bundle::mainBundle().localizedString("persistent_store_unresolved_error_title", "", "Common");
-  return barLine(inMarkup(text), inMarkup(printable(error.localizedDescription)), "error");
+  return barObject(inMarkup(text), inMarkup(printable(error.localizedDescription)), "error");
 }
 
 }  // namespace vantrel::cli

@@ -10,8 +10,9 @@ namespace vantrel {
 namespace {
 
 const QString kName = QString::fromLatin1(kApplicationId);
-const QString kPath = QLatin1Char('/') + QString(kName).replace(QLatin1Char('.'), QLatin1Char('/'));
-const QString kInterface = QStringLiteral("org.freedesktop.Application");
+const QString kObjectPath =
+    QLatin1Char('/') + QString(kName).replace(QLatin1Char('.'), QLatin1Char('/'));
+const QString kApplicationInterface = QStringLiteral("org.freedesktop.Application");
 const QString kStore = QStringLiteral("x-vantrel-store");
 constexpr int kPatienceMilliseconds = 5000;
 
@@ -32,9 +33,9 @@ ApplicationService::Role ApplicationService::start(const std::string& link, cons
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return Role::kAlone;
   // The object before the name: whoever sees the name can use it.
-  bus.registerObject(kPath, this, QDBusConnection::ExportAllSlots);
+  bus.registerObject(kObjectPath, this, QDBusConnection::ExportAllSlots);
   if (bus.registerService(kName)) return Role::kFirst;
-  bus.unregisterObject(kPath);
+  bus.unregisterObject(kObjectPath);
   return askFirst(link, action) ? Role::kServed : Role::kAlone;
 }
 
@@ -47,7 +48,7 @@ bool ApplicationService::askFirst(const std::string& link, const QString& action
   const QString method = !link.empty()       ? QStringLiteral("Open")
                          : !action.isEmpty() ? QStringLiteral("ActivateAction")
                                              : QStringLiteral("Activate");
-  auto call = QDBusMessage::createMethodCall(kName, kPath, kInterface, method);
+  auto call = QDBusMessage::createMethodCall(kName, kObjectPath, kApplicationInterface, method);
   if (!link.empty()) call << QStringList(QString::fromStdString(link));
   if (link.empty() && !action.isEmpty()) call << action << QVariantList();
   call << platformData;

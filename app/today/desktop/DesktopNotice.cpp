@@ -29,8 +29,8 @@ void showNotice(const std::string& text) {
   call << QStringLiteral("Vantrel") << 0u << id << QString::fromStdString(text) << QString()
        << QStringList() << QVariantMap{{QStringLiteral("desktop-entry"), id}} << kDesktopsOwnTime;
   // The program ends with this: the notice has to be handed over before.
-  constexpr int kPatienceMilliseconds = 2000;
-  bus.call(call, QDBus::Block, kPatienceMilliseconds);
+  constexpr int kNoticePatienceMilliseconds = 2000;
+  bus.call(call, QDBus::Block, kNoticePatienceMilliseconds);
 }
 
 }  // namespace vantrel

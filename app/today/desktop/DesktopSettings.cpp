@@ -16,8 +16,8 @@ namespace vantrel {
 namespace {
 
 const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString kPortalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString kSettingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString kAppearance = QStringLiteral("org.freedesktop.appearance");
 const QString kGnome = QStringLiteral("org.gnome.desktop.interface");
 const QString kColorScheme = QStringLiteral("color-scheme");
@@ -53,7 +53,7 @@ DesktopSettings::DesktopSettings(QObject* parent) : QObject(parent) {
     QTimer::singleShot(0, this, &DesktopSettings::answered);
     return;
   }
-  bus.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
+  bus.connect(kService, kPortalPath, kSettingsInterface, QStringLiteral("SettingChanged"), this,
               SLOT(settingChanged(QDBusMessage)));
   ask(kAppearance, kColorScheme);
   ask(kAppearance, kContrast);
@@ -74,7 +74,8 @@ double DesktopSettings::textScale() const {
 }
 
 void DesktopSettings::ask(const QString& group, const QString& key) {
-  auto call = QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Read"));
+  auto call = QDBusMessage::createMethodCall(kService, kPortalPath, kSettingsInterface,
+                                             QStringLiteral("Read"));
   call << group << key;
   auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
   connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {

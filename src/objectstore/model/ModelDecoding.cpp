@@ -4,6 +4,8 @@
 #include <map>
 #include <optional>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
@@ -150,9 +152,7 @@ std::vector<Node> entityNodes(const Node& entities) {
 }
 
 bool lessWithoutCase(const std::string& left, const std::string& right) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
-                                      [&](char a, char b) { return lower(a) < lower(b); });
+  return asciiLower(left) < asciiLower(right);
 }
 
 template <typename Property>

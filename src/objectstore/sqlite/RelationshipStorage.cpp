@@ -6,6 +6,8 @@
 #include <charconv>
 #include <span>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
@@ -39,16 +41,12 @@ std::string numbered(std::int64_t number) {
   return "Z_" + std::to_string(number);
 }
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 /// "PLANNINGS" for "Z_4PLANNINGS" and the number 4; empty if the column has another number.
 std::string_view nameAfterNumber(std::string_view column, std::int64_t number) {
   const std::string start = numbered(number);
   if (!column.starts_with(start) || column.size() == start.size()) return {};
   column.remove_prefix(start.size());
-  return isDigit(column.front()) ? std::string_view() : column;
+  return isAsciiDigit(column.front()) ? std::string_view() : column;
 }
 
 /// 3 for "Z_3IMAGES" and the name "IMAGES", which may be followed by a digit.
@@ -60,8 +58,8 @@ std::optional<std::int64_t> numberBefore(std::string_view column, std::string_vi
   std::string_view rest(stop, static_cast<std::size_t>(end - stop));
   if (error != std::errc() || !rest.starts_with(name)) return std::nullopt;
   rest.remove_prefix(name.size());
-  return rest.empty() || (rest.size() == 1 && isDigit(rest[0])) ? std::optional(number)
-                                                                : std::nullopt;
+  return rest.empty() || (rest.size() == 1 && isAsciiDigit(rest[0])) ? std::optional(number)
+                                                                     : std::nullopt;
 }
 
 }  // namespace
@@ -178,8 +176,8 @@ std::optional<RelationshipStorage> RelationshipStorages::joinTable(const std::st
   if (keys.size() != kPair) return std::nullopt;
   // A digit follows if two columns would otherwise have the same name.
   const auto isOwners = [&](const std::string& key) {
-    const bool isLonger =
-        key.size() == ownerColumn.size() + 1 && isDigit(key.back()) && key.starts_with(ownerColumn);
+    const bool isLonger = key.size() == ownerColumn.size() + 1 && isAsciiDigit(key.back()) &&
+                          key.starts_with(ownerColumn);
     return key == ownerColumn || isLonger;
   };
   const bool first = isOwners(keys[0]);

@@ -160,7 +160,9 @@ void SqliteStore::openFile(const StoreOptions& options) {
   }
   if (!connection_->isReadOnly()) {
     for (const auto& [name, value] : options.sqlitePragmas) {
-      connection_->execute("PRAGMA " + name + " = " + value);
+      std::string pragma = "PRAGMA ";
+      pragma.append(name).append(" = ").append(value);
+      connection_->execute(pragma);
     }
   }
   metadata_ = readStoreMetadata(*connection_);

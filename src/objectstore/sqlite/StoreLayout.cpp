@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <tuple>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
@@ -48,23 +50,15 @@ bool hasSubentities(const ManagedObjectModel& model, const EntityDescription& en
                      [&](const EntityDescription& other) { return other.superentity == &entity; });
 }
 
-bool isPlainCharacter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 }  // namespace
 
 std::string storeName(std::string_view name) {
-  std::string result = "Z";
-  for (const char c : name) {
-    result += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  }
-  return result;
+  return "Z" + asciiUpper(name);
 }
 
 std::string sqlName(std::string_view name) {
   // No SQL keyword begins with Z.
-  if (name.starts_with('Z') && std::all_of(name.begin(), name.end(), isPlainCharacter)) {
+  if (name.starts_with('Z') && std::all_of(name.begin(), name.end(), isAsciiWordCharacter)) {
     return std::string(name);
   }
   std::string result = "\"";

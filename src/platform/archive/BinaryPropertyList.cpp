@@ -41,9 +41,9 @@ bool isAscii(std::string_view text) {
   return seen < 0x80;
 }
 
-class Reader {
+class BinaryReader {
  public:
-  explicit Reader(std::span<const std::byte> data) : data_(data) {}
+  explicit BinaryReader(std::span<const std::byte> data) : data_(data) {}
   std::optional<PropertyList> list();
 
  private:
@@ -82,7 +82,7 @@ class Reader {
   bool isDamaged_ = false;
 };
 
-bool Reader::readTrailer() {
+bool BinaryReader::readTrailer() {
   if (data_.size() < kMark.size() + kTrailerSize) return false;
   const std::size_t at = data_.size() - kTrailerSize;
   offsetSize_ = number(at + 6, 1);
@@ -99,7 +99,7 @@ bool Reader::readTrailer() {
 }
 
 /// `nullopt` if the object is of an unknown type or does not fit before the table.
-std::optional<Reader::Object> Reader::objectAt(std::size_t at) const {
+std::optional<BinaryReader::Object> BinaryReader::objectAt(std::size_t at) const {
   if (at < kMark.size() || at >= table_) return std::nullopt;
   const auto marker = number(at++, 1);
   Object object{.type = marker >> 4, .count = marker & 0xf};
@@ -150,7 +150,7 @@ std::optional<Reader::Object> Reader::objectAt(std::size_t at) const {
 
 /// Finds an object and all below it, each once, before any is built: a small list can refer to
 /// itself, or share values so often that they fill the memory. False if it is beyond the limits.
-bool Reader::measure(std::size_t index, std::size_t depth) {
+bool BinaryReader::measure(std::size_t index, std::size_t depth) {
   // A circle ends here as well.
   if (index >= objects_.size() || depth >= PropertyList::kMaxDepth) return false;
   if (objects_[index].cost == 0) {
@@ -171,7 +171,7 @@ bool Reader::measure(std::size_t index, std::size_t depth) {
   return depth + objects_[index].height <= PropertyList::kMaxDepth;
 }
 
-PropertyList Reader::integer(const Object& object) {
+PropertyList BinaryReader::integer(const Object& object) {
   if (object.count < 16) {
     return PropertyList::integer(static_cast<std::int64_t>(number(object.at, object.count)));
   }
@@ -185,7 +185,7 @@ PropertyList Reader::integer(const Object& object) {
 
 /// Damage is whatever is no text, half a surrogate pair, or a byte beyond ASCII: who wrote it could
 /// mean any encoding.
-std::string Reader::text(const Object& object) {
+std::string BinaryReader::text(const Object& object) {
   std::string result;
   if (object.type == kAscii) {
     result.assign(reinterpret_cast<const char*>(data_.data()) + object.at, object.count);
@@ -211,7 +211,7 @@ std::string Reader::text(const Object& object) {
   return result;
 }
 
-PropertyList Reader::value(const Object& object) {
+PropertyList BinaryReader::value(const Object& object) {
   const auto bits = [&] { return number(object.at, object.count); };
   switch (object.type) {
     case kConstant:
@@ -250,7 +250,7 @@ PropertyList Reader::value(const Object& object) {
   }
 }
 
-std::optional<PropertyList> Reader::list() {
+std::optional<PropertyList> BinaryReader::list() {
   if (!readTrailer() || !measure(root_, 0)) return std::nullopt;
   auto result = value(objects_[root_]);
   return isDamaged_ ? std::nullopt : std::optional(std::move(result));
@@ -268,7 +268,7 @@ std::string bigEndian(std::uint64_t value, std::size_t size) {
 }
 
 std::string marker(Type type, std::size_t low) {
-  return {static_cast<char>(type << 4 | low)};
+  return {static_cast<char>(static_cast<std::size_t>(type) << 4 | low)};
 }
 
 /// A number of 2^n bytes.
@@ -390,7 +390,7 @@ Data Writer::list(const PropertyList& root) {
 }  // namespace
 
 std::optional<PropertyList> propertyListWithBinary(std::span<const std::byte> data) {
-  return Reader(data).list();
+  return BinaryReader(data).list();
 }
 
 Data binaryWithPropertyList(const PropertyList& list) {

@@ -6,7 +6,7 @@ namespace vantrel {
 
 namespace {
 
-std::shared_ptr<MainQueue>& installed() {
+std::shared_ptr<MainQueue>& installedQueue() {
   static std::shared_ptr<MainQueue> queue;
   return queue;
 }
@@ -14,13 +14,13 @@ std::shared_ptr<MainQueue>& installed() {
 }  // namespace
 
 MainQueue& MainQueue::sharedQueue() {
-  if (installed()) return *installed();
+  if (installedQueue()) return *installedQueue();
   static SerialMainQueue serial;
   return serial;
 }
 
 void MainQueue::install(std::shared_ptr<MainQueue> queue) {
-  installed() = std::move(queue);
+  installedQueue() = std::move(queue);
 }
 
 }  // namespace vantrel

@@ -58,16 +58,16 @@ bool isBlank(char16_t unit) {
   return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == u'\u2028' || unit == u'\u2029';
 }
 
-bool isPlain(char16_t unit) {
+bool isUnquoted(char16_t unit) {
   return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
          (unit >= u'0' && unit <= u'9') ||
          std::u16string_view(u"_$+/:.-").find(unit) != std::u16string_view::npos;
 }
 
 /// The text form, read by UTF-16 units so that two escaped surrogates join into one character.
-class Reader {
+class StringsReader {
  public:
-  explicit Reader(std::u16string_view text) : text_(text) {}
+  explicit StringsReader(std::u16string_view text) : text_(text) {}
   Expected<StringTable> table();
 
  private:
@@ -85,19 +85,19 @@ class Reader {
   std::size_t at_ = 0;
 };
 
-tl::unexpected<Error> Reader::failure(const std::string& what) const {
+tl::unexpected<Error> StringsReader::failure(const std::string& what) const {
   const auto lines =
       std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), u'\n');
   return damaged(what + " in line " + std::to_string(lines + 1) + ".");
 }
 
-bool Reader::take(char16_t unit) {
+bool StringsReader::take(char16_t unit) {
   const bool found = at_ < text_.size() && text_[at_] == unit;
   if (found) ++at_;
   return found;
 }
 
-bool Reader::skipBlanks() {
+bool StringsReader::skipBlanks() {
   while (at_ < text_.size()) {
     if (isBlank(text_[at_])) {
       ++at_;
@@ -114,7 +114,7 @@ bool Reader::skipBlanks() {
   return true;
 }
 
-char16_t Reader::number(int base, int mostDigits) {
+char16_t StringsReader::number(int base, int mostDigits) {
   int value = 0;
   for (int i = 0; i < mostDigits && at_ < text_.size() && hexDigitValue(text_[at_]) < base; ++i) {
     value = value * base + hexDigitValue(text_[at_++]);
@@ -122,7 +122,7 @@ char16_t Reader::number(int base, int mostDigits) {
   return static_cast<char16_t>(value);
 }
 
-char16_t Reader::escaped() {
+char16_t StringsReader::escaped() {
   constexpr std::u16string_view kLetters = u"abfnrtv";
   constexpr std::u16string_view kControls = u"\a\b\f\n\r\t\v";
   const char16_t unit = text_[at_++];
@@ -135,7 +135,7 @@ char16_t Reader::escaped() {
   return number(8, 3);
 }
 
-std::optional<std::u16string> Reader::quoted() {
+std::optional<std::u16string> StringsReader::quoted() {
   const char16_t quote = text_[at_++];
   std::u16string result;
   while (at_ < text_.size()) {
@@ -150,15 +150,15 @@ std::optional<std::u16string> Reader::quoted() {
   return std::nullopt;
 }
 
-std::optional<std::u16string> Reader::string() {
+std::optional<std::u16string> StringsReader::string() {
   if (at(u"\"") || at(u"'")) return quoted();
   const auto begin = at_;
-  while (at_ < text_.size() && isPlain(text_[at_])) ++at_;
+  while (at_ < text_.size() && isUnquoted(text_[at_])) ++at_;
   if (at_ == begin) return std::nullopt;
   return std::u16string(text_.substr(begin, at_ - begin));
 }
 
-Expected<StringTable> Reader::table() {
+Expected<StringTable> StringsReader::table() {
   StringTable result;
   for (;;) {
     if (!skipBlanks()) return failure("a comment without an end");
@@ -198,7 +198,7 @@ Expected<StringTable> stringTableWithData(std::span<const std::byte> data) {
   }
   const auto text = decodedText(bytes);
   if (!text) return damaged("it is neither UTF-8 nor UTF-16.");
-  return Reader(*text).table();
+  return StringsReader(*text).table();
 }
 
 }  // namespace vantrel

@@ -15,7 +15,7 @@ class NoSession : public UrlSession {
   }
 };
 
-std::shared_ptr<UrlSession>& installed() {
+std::shared_ptr<UrlSession>& installedSession() {
   static std::shared_ptr<UrlSession> session;
   return session;
 }
@@ -23,13 +23,13 @@ std::shared_ptr<UrlSession>& installed() {
 }  // namespace
 
 UrlSession& UrlSession::sharedSession() {
-  if (installed()) return *installed();
+  if (installedSession()) return *installedSession();
   static NoSession none;
   return none;
 }
 
 void UrlSession::install(std::shared_ptr<UrlSession> session) {
-  installed() = std::move(session);
+  installedSession() = std::move(session);
 }
 
 }  // namespace vantrel

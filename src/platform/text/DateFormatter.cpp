@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Ascii.h"
 #include "platform/text/NumericDatePattern.h"
 
 namespace vantrel {
@@ -23,11 +24,11 @@ namespace {
 
 using Style = DateFormatter::Style;
 
-struct Configuration {
+struct DateStyleSettings {
   Style dateStyle = Style::kNone;
   Style timeStyle = Style::kNone;
   std::optional<std::string> pattern;
-  friend bool operator==(const Configuration&, const Configuration&) = default;
+  friend bool operator==(const DateStyleSettings&, const DateStyleSettings&) = default;
 };
 
 icu::SimpleTimeZone fixedZone(int seconds) {
@@ -51,7 +52,7 @@ icu::DateFormat::EStyle icuStyle(Style style) {
   return icu::DateFormat::kNone;
 }
 
-std::unique_ptr<icu::SimpleDateFormat> build(const Configuration& configuration,
+std::unique_ptr<icu::SimpleDateFormat> build(const DateStyleSettings& configuration,
                                              const icu::Locale& locale) {
   // Every new formatter asks for the default zone; finding the device's own would cost more than
   // building the formatter, and its rules are not used.
@@ -66,7 +67,7 @@ std::unique_ptr<icu::SimpleDateFormat> build(const Configuration& configuration,
     return formatter;
   }
   // The library would write both.
-  if (configuration == Configuration{}) return nullptr;
+  if (configuration == DateStyleSettings{}) return nullptr;
   std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
       icuStyle(configuration.dateStyle), icuStyle(configuration.timeStyle), locale));
   auto* simple = dynamic_cast<icu::SimpleDateFormat*>(formatter.get());
@@ -90,7 +91,7 @@ std::string fieldsOf(std::string_view pattern) {
   bool quoted = false;
   for (const char c : pattern) {
     if (c == '\'') quoted = !quoted;
-    if (!quoted && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) fields += c;
+    if (!quoted && isAsciiLetter(c)) fields += c;
   }
   return fields;
 }
@@ -103,7 +104,7 @@ std::string endingOf(std::string_view pattern) {
     const char c = pattern[i];
     if (c == '\'' && pattern.substr(i + 1, 1) != "'") {
       quoted = !quoted;
-    } else if (!quoted && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) {
+    } else if (!quoted && isAsciiLetter(c)) {
       ending.clear();
     } else {
       ending += c;
@@ -153,7 +154,7 @@ std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& fo
 
 struct DateFormatter::State {
   struct Built {
-    Built(Configuration c, std::unique_ptr<icu::SimpleDateFormat> f)
+    Built(DateStyleSettings c, std::unique_ptr<icu::SimpleDateFormat> f)
         : configuration(std::move(c)),
           formatter(std::move(f)),
           numeric(numericPattern(*formatter)),
@@ -186,7 +187,7 @@ struct DateFormatter::State {
       return utf8(formatter->format(*calendar, result, none));
     }
 
-    Configuration configuration;
+    DateStyleSettings configuration;
     std::unique_ptr<icu::SimpleDateFormat> formatter;
     std::optional<NumericDatePattern> numeric;
     bool tellsZone;
@@ -197,7 +198,7 @@ struct DateFormatter::State {
 
   Locale locale = Locale::currentLocale();
   std::optional<TimeZone> zone;
-  Configuration configuration;
+  DateStyleSettings configuration;
   std::vector<Built> built;
 
   TimeZone timeZone() const { return zone ? *zone : TimeZone::defaultTimeZone(); }

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
@@ -31,10 +33,6 @@ std::string_view scriptForModifier(std::string_view modifier) {
   return {};
 }
 
-bool isPlain(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 /// "sr_RS.UTF-8@latin" as "sr_Latn_RS": the code set goes, a modifier counts when it names a script
 /// or a variant.
 std::string identifierFromPosix(std::string_view name) {
@@ -43,7 +41,7 @@ std::string identifierFromPosix(std::string_view name) {
   std::string identifier(name.substr(0, name.find_first_of(".@")));
   std::replace(identifier.begin(), identifier.end(), '-', '_');
   if (identifier.empty() || identifier == "C" || identifier == "POSIX" ||
-      !std::all_of(identifier.begin(), identifier.end(), isPlain)) {
+      !std::all_of(identifier.begin(), identifier.end(), isAsciiWordCharacter)) {
     return std::string(kPosixLocale);
   }
   if (const auto script = scriptForModifier(modifier); !script.empty()) {

@@ -12,17 +12,17 @@ namespace vantrel {
 
 namespace {
 
-struct Configuration {
+struct NumberSettings {
   NumberFormatter::RoundingMode roundingMode = NumberFormatter::RoundingMode::kHalfEven;
   double roundingIncrement = 0;
   bool usesGroupingSeparator = true;
   int minimumIntegerDigits = 1;
   int minimumFractionDigits = 0;
   int maximumFractionDigits = 3;
-  friend bool operator==(const Configuration&, const Configuration&) = default;
+  friend bool operator==(const NumberSettings&, const NumberSettings&) = default;
 };
 
-std::unique_ptr<icu::DecimalFormat> build(const Configuration& configuration,
+std::unique_ptr<icu::DecimalFormat> build(const NumberSettings& configuration,
                                           const icu::Locale& locale) {
   UErrorCode status = U_ZERO_ERROR;
   std::unique_ptr<icu::NumberFormat> made(
@@ -59,8 +59,8 @@ struct NumberFormatter::State {
   }
 
   icu::Locale locale;
-  Configuration configuration;
-  Configuration builtFrom;
+  NumberSettings configuration;
+  NumberSettings builtFrom;
   std::unique_ptr<icu::DecimalFormat> built;
 };
 

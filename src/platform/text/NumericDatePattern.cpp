@@ -5,19 +5,17 @@
 #include <cmath>
 #include <utility>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
 
-constexpr int kSecondsPerDay = 86400;
+constexpr int kDaySeconds = 86400;
 constexpr int kSecondsPerHour = 3600;
 constexpr int kSecondsPerMinute = 60;
 constexpr std::int64_t kFirstDay = -141'349;  // 1583-01-01
 constexpr std::int64_t kLastDay = 2'932'896;  // 9999-12-31
-
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
 
 }  // namespace
 
@@ -33,7 +31,7 @@ std::optional<NumericDatePattern> NumericDatePattern::parsed(std::string_view pa
       // Two in a row are one to be written, within quotes too.
       for (std::size_t pair = 0; pair < length / 2; ++pair) result.addLiteral(c);
       quoted = quoted != (length % 2 == 1);
-    } else if (isLetter(c) && !quoted) {
+    } else if (isAsciiLetter(c) && !quoted) {
       if (!result.add(c, length)) return std::nullopt;
     } else {
       for (std::size_t k = 0; k < length; ++k) result.addLiteral(c);
@@ -67,11 +65,11 @@ void NumericDatePattern::write(int number, std::size_t least, std::string& text)
 }
 
 std::optional<std::string> NumericDatePattern::text(double wallSeconds) const {
-  const double days = std::floor(wallSeconds / kSecondsPerDay);
+  const double days = std::floor(wallSeconds / kDaySeconds);
   if (!(days >= kFirstDay && days <= kLastDay)) return std::nullopt;
   const std::chrono::year_month_day day(
       std::chrono::sys_days(std::chrono::days(static_cast<std::int32_t>(days))));
-  const int second = static_cast<int>(std::floor(wallSeconds - days * kSecondsPerDay));
+  const int second = static_cast<int>(std::floor(wallSeconds - days * kDaySeconds));
   const int hour = second / kSecondsPerHour;
   std::string text;
   for (const auto& [field, length, literal] : pieces_) {

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <utility>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
@@ -11,14 +13,6 @@ namespace {
 constexpr int kHour = 3600;
 /// The Gregorian calendar, weekdays included, repeats after 400 years.
 constexpr std::int64_t kCalendarCycle = std::int64_t{146097} * 86400;
-
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 }  // namespace
 
@@ -52,7 +46,7 @@ class PosixZoneParser {
     constexpr std::size_t kMostDigits = 3;
     int value = 0;
     std::size_t length = 0;
-    for (; length < rest_.size() && length < kMostDigits && isDigit(rest_[length]); ++length) {
+    for (; length < rest_.size() && length < kMostDigits && isAsciiDigit(rest_[length]); ++length) {
       value = value * 10 + (rest_[length] - '0');
     }
     rest_.remove_prefix(length);
@@ -63,9 +57,10 @@ class PosixZoneParser {
     constexpr std::size_t kLeastLength = 3;
     const bool isQuoted = skip('<');
     std::size_t length = 0;
-    while (length < rest_.size() && (isLetter(rest_[length]) ||
-                                     (isQuoted && (isDigit(rest_[length]) || rest_[length] == '+' ||
-                                                   rest_[length] == '-')))) {
+    while (length < rest_.size() &&
+           (isAsciiLetter(rest_[length]) ||
+            (isQuoted &&
+             (isAsciiDigit(rest_[length]) || rest_[length] == '+' || rest_[length] == '-')))) {
       ++length;
     }
     name = rest_.substr(0, length);

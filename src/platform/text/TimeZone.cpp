@@ -13,6 +13,7 @@
 #include <sstream>
 #include <vector>
 
+#include "base/Ascii.h"
 #include "base/Clock.h"
 #include "base/FileDescriptor.h"
 #include "platform/text/ZoneRules.h"
@@ -29,13 +30,14 @@ struct TimeZone::Rules {
 namespace {
 
 /// Far beyond all rules, well within the range of `ZoneRules`.
-constexpr double kLastSecond = 1e14;
+constexpr double kLastRuleSecond = 1e14;
 constexpr std::size_t kLongestName = 255;
 constexpr auto kReferenceSecond = static_cast<std::int64_t>(Date::kReferenceDateSince1970);
 
 std::int64_t wholeSeconds(double seconds) {
   if (std::isnan(seconds)) return 0;
-  return static_cast<std::int64_t>(std::floor(std::clamp(seconds, -kLastSecond, kLastSecond)));
+  return static_cast<std::int64_t>(
+      std::floor(std::clamp(seconds, -kLastRuleSecond, kLastRuleSecond)));
 }
 
 std::int64_t instantOf(Date date) {
@@ -47,8 +49,7 @@ bool isZoneName(std::string_view text) {
   char before = '/';
   if (text.size() > kLongestName) return false;
   for (const char c : text) {
-    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                       c == '_' || c == '+' || c == '-';
+    const bool plain = isAsciiWordCharacter(c) || c == '+' || c == '-';
     if (!plain && (c != '/' || before == '/')) return false;
     before = c;
   }

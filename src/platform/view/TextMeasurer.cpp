@@ -8,7 +8,7 @@ namespace vantrel {
 
 namespace {
 
-std::shared_ptr<TextMeasurer>& installed() {
+std::shared_ptr<TextMeasurer>& installedMeasurer() {
   static std::shared_ptr<TextMeasurer> measurer;
   return measurer;
 }
@@ -16,13 +16,13 @@ std::shared_ptr<TextMeasurer>& installed() {
 }  // namespace
 
 TextMeasurer& TextMeasurer::sharedMeasurer() {
-  if (installed()) return *installed();
+  if (installedMeasurer()) return *installedMeasurer();
   static FixedTextMeasurer fixed;
   return fixed;
 }
 
 void TextMeasurer::install(std::shared_ptr<TextMeasurer> measurer) {
-  installed() = std::move(measurer);
+  installedMeasurer() = std::move(measurer);
 }
 
 }  // namespace vantrel
