@@ -22,7 +22,9 @@ Color Color::colorWithWhite(double white, double alpha) {
 
 // The hexcone model: A. R. Smith, "Color Gamut Transform Pairs", SIGGRAPH 1978.
 Color Color::colorWithHue(double hue, double saturation, double brightness, double alpha) {
-  const double sector = (hue - std::floor(hue)) * 6;
+  const double turn = hue - std::floor(hue);
+  // A tiny negative hue rounds up to 1, and an infinite hue or NaN to NaN: both count as 0.
+  const double sector = turn < 1 ? turn * 6 : 0;
   const int index = static_cast<int>(sector);
   const double fraction = sector - index;
   const double p = brightness * (1 - saturation);

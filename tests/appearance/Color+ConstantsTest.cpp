@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 
 #include "platform/system/Device.h"
@@ -114,6 +115,9 @@ TEST(Palette, TurnsRgbIntoHsv) {
     EXPECT_DOUBLE_EQ(hsv.hue, c.hsv.hue);
     EXPECT_DOUBLE_EQ(hsv.saturation, c.hsv.saturation);
     EXPECT_DOUBLE_EQ(hsv.value, c.hsv.value);
+  }
+  for (const double hue : {0.0, 2.0, -1e-17, std::nan(""), HUGE_VAL}) {
+    EXPECT_EQ(Color::colorWithHue(hue, 1, 1, 1), Color::colorWithRed(1, 0, 0, 1)) << hue;
   }
   // By Python's colorsys.hsv_to_rgb(191/360, 0.72, 0.445).
   expectComponents(interpolatedMoonShadowColor(0.5), 0.1246, 0.38626, 0.445, 1);
