@@ -11,7 +11,7 @@
 
 #include "objectstore/PersistentStoreCoordinator.h"
 #include "store/Database.h"
-#include "store/DuplicateSearch.h"
+#include "store/DuplicateRule.h"
 
 namespace {
 
@@ -119,7 +119,7 @@ void findDuplicates(benchmark::State& state) {
   const auto plans = context.executeFetchRequest({.entityName = "Planning"});
   for (auto _ : state) {
     const auto counts = context.countsOfRelatedObjects(*plans, kImagesKey);
-    const auto found = DuplicateSearch(kPlanningRule, *plans, *counts).indexes();
+    const auto found = duplicateIndexes(kPlanningRule, *plans, *counts);
     if (found.size() != duplicatesIn(state)) state.SkipWithError("not the duplicates");
   }
 }

@@ -11,17 +11,15 @@ namespace vantrel {
 
 class ManagedObjectContext;
 
-/// A custom camera of the main store. Lengths are
-/// millimetres; absent sizes count as 0. All arithmetic is in single precision.
+/// A custom camera of the main store. Lengths are millimetres; absent sizes count as 0. All arithmetic
+/// is in single precision.
 class CustomCamera : public IdentifiedObject {
  public:
-  /// The name of the entity in the model.
   static constexpr const char* kEntityName = "CustomCamera";
 
   using Cameras = std::vector<std::shared_ptr<CustomCamera>>;
 
-  /// A new camera without an identifier gets one, and no lens: neither `aperture` nor `focalLength`
-  /// nor `isFilm`.
+  /// If the camera has no identifier, sets one and clears `aperture`, `focalLength` and `isFilm`.
   void awakeFromInsert() override;
 
   std::optional<std::string> model() const { return textForKey("model"); }
@@ -34,7 +32,7 @@ class CustomCamera : public IdentifiedObject {
   void setMegapixels(std::optional<float> megapixels) {
     setOptionalForKey(megapixels, "megapixels");
   }
-  /// The circle of confusion that the photographer chose.
+  /// The circle of confusion chosen by the photographer.
   std::optional<float> coc() const { return floatForKey("coc"); }
   void setCoc(std::optional<float> coc) { setOptionalForKey(coc, "coc"); }
   std::optional<float> aperture() const { return floatForKey("aperture"); }
@@ -42,20 +40,22 @@ class CustomCamera : public IdentifiedObject {
   std::optional<bool> isFilm() const;
 
   float sensorDiagonal() const;
-  /// The chosen circle of confusion, even 0; the calculated one when none was chosen.
+  /// Returns coc(), even if it is 0; calculateCocValue() if it is absent.
   float CoC() const;
-  /// A 1440th of the diagonal.
+  /// sensorDiagonal() / 1440.
   float calculateCocValue() const;
-  /// How many times the diagonal fits into that of the 36 mm x 24 mm frame; 0 without a diagonal.
+  /// Diagonal of the 36 mm x 24 mm frame / sensorDiagonal(); 0 if the latter is 0.
   float cropFactor() const;
 
-  /// All cameras by model; nothing when they cannot be read.
+  /// Returns all cameras ordered by model; `nullopt` if the fetch fails.
   static std::optional<Cameras> loadCustomCamerasInManagedObjectContext(
       ManagedObjectContext& context);
-  /// The first camera of the store's order with just that model; null when there is none.
+  /// Returns the first camera in the store's order whose model is `model`; null if there is none or
+  /// the fetch fails.
   static std::shared_ptr<CustomCamera> loadCameraWithModel(const std::string& model,
                                                            ManagedObjectContext& context);
-  /// Whether another camera than the given one has its model; never for one without a model.
+  /// Whether a camera other than `camera` has its model. False for a camera without a model and if the
+  /// fetch fails.
   static bool existsCameraWithModel(const CustomCamera& camera, ManagedObjectContext& context);
 
  private:

@@ -1,12 +1,11 @@
 #include <utility>
-#include <variant>
 
 #include "base/Uuid.h"
 #include "objectstore/sqlite/SqliteStore.h"
 #include "platform/system/MainQueue.h"
 #include "platform/system/Paths.h"
 #include "store/Database.h"
-#include "store/DuplicateSearch.h"
+#include "store/DuplicateRule.h"
 
 namespace vantrel {
 
@@ -23,7 +22,6 @@ Expected<void> Database::copyDatabase(const fs::path& url, const fs::path& toNew
   if (modelFailure_) return tl::unexpected(*modelFailure_);
   StoreOptions options = mainStoreOptions();
   options.sqlitePragmas = {{"journal_mode", "WAL"}};
-  // The group's container may be new as well.
   if (toNewDatabase == groupStoreURL()) paths::createPrivateDirectory(toNewDatabase.parent_path());
   return SqliteStore::copy(url, toNewDatabase, options, model);
 }
@@ -42,20 +40,21 @@ bool Database::isMigrationNeeded() const {
 
 void Database::performUpdatesFrom3To4() {
   if (!managedObjectContext_ || !managedObjectModel_) return;
-  // Without the lock, a record that another program changes meanwhile would make the save fail.
+  // Each row has a version, Z_OPT, as an optimistic lock: a record read at Z_OPT 3 is saved as 4, and
+  // only if the row is still at 3. A program that changed one record concurrently would make this
+  // whole save fail, so lock the store first.
   static_cast<void>(managedObjectContext_->lockStore());
   for (const auto& entity : std::as_const(*managedObjectModel_).entities()) {
     const auto objects = managedObjectContext_->executeFetchRequest(
         {.entityName = entity.name, .predicate = Predicate::isNil(kUniqueIdentifierKey)});
     if (!objects) continue;
     for (const auto& object : *objects) {
-      if (!std::holds_alternative<std::monostate>(object->valueForKey(kUniqueIdentifierKey))) {
-        continue;
+      if (object->valueForKey(kUniqueIdentifierKey) == Value()) {
+        object->setValueForKey(uuidString(), kUniqueIdentifierKey);
       }
-      object->setValueForKey(uuidString(), kUniqueIdentifierKey);
     }
   }
-  // What it could not write stays without; who must know counts afterwards.
+  // Callers count the records without an identifier afterwards.
   static_cast<void>(managedObjectContext_->save());
   managedObjectContext_->reset();
 }
@@ -74,8 +73,7 @@ Database::Objects Database::duplicateObjectsInArray(const Objects& array,
 Expected<Database::Objects> Database::duplicateObjects() {
   Objects duplicates;
   ManagedObjectContext* context = managedObjectContext();
-  if (!context) return duplicates;
-  for (const DuplicateRule* rule : kDuplicateRules) {
+  for (const DuplicateRule* rule : {&kPlanningRule, &kCustomPoiRule, &kCustomCameraRule}) {
     const auto objects =
         context->executeFetchRequest({.entityName = std::string(rule->entityName)});
     if (!objects) continue;
@@ -85,7 +83,7 @@ Expected<Database::Objects> Database::duplicateObjects() {
       if (!counts) return tl::unexpected(counts.error());
       imageCounts = std::move(*counts);
     }
-    for (const std::size_t index : DuplicateSearch(*rule, *objects, imageCounts).indexes()) {
+    for (const std::size_t index : duplicateIndexes(*rule, *objects, imageCounts)) {
       duplicates.push_back((*objects)[index]);
     }
   }
@@ -96,8 +94,7 @@ void Database::removeDuplicatesWithCompletion(
     std::function<void(const std::optional<Error>&)> completion) {
   MainQueue::sharedQueue().async([this, completion = std::move(completion)] {
     ManagedObjectContext* context = managedObjectContext();
-    if (!context) return completion(std::nullopt);
-    // Otherwise another program could remove the copy that is to stay.
+    // Otherwise another program could concurrently remove the copy that is kept.
     const auto locked = context->lockStore();
     const auto duplicates = duplicateObjects();
     if (!duplicates || duplicates->empty()) {

@@ -31,7 +31,7 @@ void setClass(ManagedObjectModel& model) {
   }
 }
 
-/// An empty model where there is none to load, so that all else stands.
+/// Returns an empty model and sets `failure` if the model cannot be loaded.
 std::shared_ptr<ManagedObjectModel> loadModel(const std::optional<fs::path>& url,
                                               std::string_view name,
                                               std::optional<Error>& failure) {
@@ -45,7 +45,7 @@ std::shared_ptr<ManagedObjectModel> loadModel(const std::optional<fs::path>& url
   return std::make_shared<ManagedObjectModel>(model ? std::move(*model) : ManagedObjectModel());
 }
 
-/// The error and what goes with it, as a log shows them.
+/// Returns the error and its user information for the log.
 std::pair<std::string, std::string> describe(const Error& error) {
   std::string userInfo;
   for (const auto& [key, value] : error.userInfo) {
@@ -104,7 +104,7 @@ StoreOptions Database::mainStoreOptions() {
   StoreOptions options;
   options.migratePersistentStoresAutomatically = true;
   options.inferMappingModelAutomatically = true;
-  // What the list of plans cannot do without; the phone's own model has more, or other hashes.
+  // The attributes that the list of plans needs: the phone's model may have others and other hashes.
   options.requiredAttributes = {{Planning::kEntityName, {"name", "date", "timezone"}}};
   return options;
 }
@@ -154,19 +154,18 @@ void Database::addStore(PersistentStoreCoordinator& coordinator, const std::opti
 }
 
 ManagedObjectContext* Database::managedObjectContext() {
-  if (managedObjectContext_) return managedObjectContext_.get();
-  translatePrePopulatedStore_ = false;
-  const auto coordinator = persistentStoreCoordinator();
-  if (!coordinator) return nullptr;
-  managedObjectContext_ = std::make_unique<ManagedObjectContext>(coordinator);
+  if (!managedObjectContext_) {
+    translatePrePopulatedStore_ = false;
+    managedObjectContext_ = std::make_unique<ManagedObjectContext>(persistentStoreCoordinator());
+  }
   return managedObjectContext_.get();
 }
 
 ManagedObjectContext* Database::staticManagedObjectContext() {
-  if (staticManagedObjectContext_) return staticManagedObjectContext_.get();
-  const auto coordinator = staticPersistentStoreCoordinator();
-  if (!coordinator) return nullptr;
-  staticManagedObjectContext_ = std::make_unique<ManagedObjectContext>(coordinator);
+  if (!staticManagedObjectContext_) {
+    staticManagedObjectContext_ =
+        std::make_unique<ManagedObjectContext>(staticPersistentStoreCoordinator());
+  }
   return staticManagedObjectContext_.get();
 }
 

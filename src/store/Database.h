@@ -12,70 +12,71 @@
 
 namespace vantrel {
 
-/// Told when a store cannot be opened.
+/// Receives the errors of opening a store.
 class DatabaseDelegate {
  public:
   virtual ~DatabaseDelegate() = default;
-  /// Both texts are in the user's language, ready to be shown.
+  /// Both texts are in the user's language.
   virtual void databasePersistentStoreCoordinatorDidGetError(const std::string& /*message*/,
                                                              const std::string& /*title*/) {}
 };
 
-/// Owns the two stores: the photographer's own, in the container that the application group shares,
-/// and the read-only one among the resources. Everything is built on first use and kept for the
-/// life of the process. Main thread, but for `sharedInstance`.
+/// Owns the main store (the photographer's plans, in the container of the application group) and the
+/// static store (read-only, in the resources). Models, coordinators and contexts are created on first
+/// use and never destroyed before the database. Main thread only, except `sharedInstance`.
 class Database {
  public:
   static Database& sharedInstance();
 
   std::optional<std::filesystem::path> applicationDocumentsDirectory() const;
-  /// The application group's container; nothing when there is none.
+  /// The container of the application group; `nullopt` if there is none.
   std::optional<std::filesystem::path> groupApplicationDocumentDirectory() const;
-  /// "Vantrel.sqlite" in the group container.
+  /// "Vantrel.sqlite" in the group container; `nullopt` if there is none.
   std::optional<std::filesystem::path> groupStoreURL() const;
-  /// "Vantrel.momd" in the main bundle, else "Vantrel.mom".
+  /// "Vantrel.momd" in the main bundle, otherwise "Vantrel.mom"; `nullopt` if neither exists.
   std::optional<std::filesystem::path> modelURL() const;
 
+  /// Never null: if the model or the store cannot be opened, the model is empty, the coordinator has no
+  /// store, the error is logged and passed to the delegate, and fetches of the context fail with it.
   std::shared_ptr<ManagedObjectModel> managedObjectModel();
   std::shared_ptr<PersistentStoreCoordinator> persistentStoreCoordinator();
-  /// Null when there is no coordinator. When the store could not be opened there is a context all
-  /// the same, whose fetches fail.
   ManagedObjectContext* managedObjectContext();
   std::shared_ptr<ManagedObjectModel> staticManagedObjectModel();
   std::shared_ptr<PersistentStoreCoordinator> staticPersistentStoreCoordinator();
   ManagedObjectContext* staticManagedObjectContext();
 
-  /// Copies a store with its pictures to a new file and migrates the copy to the current model.
-  /// False, and no file is created, if that fails; the old store is only read. Two stores in one
-  /// folder whose names differ only in the extension would share their pictures: refused.
+  /// Copies a store with its pictures to a new file and migrates the copy to the current model. The
+  /// old store is only read. Returns false and creates no file on failure, which includes two stores
+  /// in one folder whose names differ only in the extension: they would share their pictures.
   bool migrateDatabase(const std::filesystem::path& url,
                        const std::filesystem::path& toNewDatabase);
-  /// The same, telling why it failed.
+  /// Like migrateDatabase(), but returns the error.
   Expected<void> copyDatabase(const std::filesystem::path& url,
                               const std::filesystem::path& toNewDatabase);
-  /// Whether the model of the store in the group container differs from that of the main
-  /// coordinator; also when either is not there (the coordinator before it was first asked for).
+  /// Whether the model of the group's store differs from that of the main coordinator. True if the
+  /// store cannot be read or persistentStoreCoordinator() has not been called.
   bool isMigrationNeeded() const;
-  /// Gives every record without a unique identifier one, and resets the main context, which must
-  /// have been asked for before: objects fetched from it must be fetched again. Nothing changes
-  /// when the store cannot be written as a whole.
+  /// Sets a unique identifier in every record that lacks one, saves (all or none; errors are ignored)
+  /// and resets the main context: its objects must be fetched again. Does nothing unless
+  /// managedObjectContext() has been called.
   void performUpdatesFrom3To4();
 
   using Objects = ManagedObjectContext::Objects;
   using Comparison = std::function<bool(const ManagedObject& earlier, const ManagedObject& later)>;
-  /// The objects that equal an earlier one, in the order of the pairs: one that equals several is
-  /// named for each of them. Compares each with each; the comparison may be of any kind.
+  /// Returns the later object of every pair for which `withCompare` is true, in the order of the
+  /// pairs: of three equal objects 0, 1 and 2, returns 1, 2 and 2. The comparison need not be symmetric
+  /// or transitive. O(n²).
   Objects duplicateObjectsInArray(const Objects& array, const Comparison& withCompare) const;
-  /// Every plan, point of interest and camera of the main context that is a duplicate, each once.
-  /// Fails when the pictures of a foreign store's records cannot be counted: what differs only in
-  /// pictures would be taken for a duplicate. What cannot be fetched has no duplicates.
+  /// Returns every duplicate plan, point of interest and camera of the main context, each once.
+  /// Entities that cannot be fetched have none. Fails if the pictures in a foreign store cannot be
+  /// counted: plans that differ only in their pictures would be reported. O(n log n).
   Expected<Objects> duplicateObjects();
-  /// On a later turn of the main queue: deletes those duplicates and saves, all or nothing; nothing
-  /// is saved when there are none. The completion, which must not be empty, is called once, on the
-  /// main queue, with the error if there was one. The database must outlive that.
+  /// Deletes the duplicates on a later turn of the main queue and saves, all or none; does not save if
+  /// there are none. Then calls `completion`, which must not be empty, there with the error, `nullopt`
+  /// on success. The database must outlive the call.
   void removeDuplicatesWithCompletion(std::function<void(const std::optional<Error>&)> completion);
 
-  /// How a store of plans is opened, wherever it is.
+  /// The options to open any store of plans.
   static StoreOptions mainStoreOptions();
 
   std::shared_ptr<DatabaseDelegate> delegate() const { return delegate_.lock(); }

@@ -1,19 +1,20 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <span>
 #include <string_view>
+#include <vector>
 
-#include "objectstore/ManagedObject.h"
+#include "objectstore/ManagedObjectContext.h"
 
 namespace vantrel {
 
-/// When a record is a duplicate of an earlier one of its entity. Absent coordinates count as 0;
-/// other absent values equal nothing.
+/// Defines when a record is a duplicate of an earlier record of its entity. An absent coordinate
+/// counts as 0; any other absent value is equal to no value.
 struct DuplicateRule {
   std::string_view entityName;
-  /// Latitudes and longitudes must differ by less than kTolerance, and as many pictures be
-  /// attached.
+  /// Whether both coordinates must differ by less than `kTolerance` and the numbers of pictures be
+  /// equal.
   bool hasPlace = false;
   std::span<const std::string_view> equalKeys;  ///< Attributes that must be equal exactly.
 
@@ -24,21 +25,21 @@ struct DuplicateRule {
 extern const DuplicateRule kPlanningRule;
 /// Points of interest at the same place with the same name.
 extern const DuplicateRule kCustomPoiRule;
-/// Cameras of the same model, sensor size and megapixels.
+/// Cameras with the same model, sensor size and megapixels.
 extern const DuplicateRule kCustomCameraRule;
-/// All of them, in the order that duplicates are removed in.
-extern const std::array<const DuplicateRule*, 3> kDuplicateRules;
 
-/// Whether `later` is a duplicate of `earlier`, as the rule says.
+/// Whether `later` is a duplicate of `earlier`.
 bool isDuplicate(const DuplicateRule& rule, const ManagedObject& earlier,
                  const ManagedObject& later);
-/// Degrees; 0 when absent.
-double coordinate(const ManagedObject& object, std::string_view key);
-/// Plain double arithmetic: infinite ones are close to nothing.
-bool areClose(double a, double b);
 
-inline constexpr std::string_view kLatitudeKey = "latitude";
-inline constexpr std::string_view kLongitudeKey = "longitude";
+/// Returns the indexes of the objects that are a duplicate of any earlier object, ascending: what
+/// isDuplicate() finds for all pairs, in O(n log n) however many are equal. The objects are of the
+/// rule's entity. `imageCounts` has the number of pictures of each; ignored for rules without a
+/// place.
+std::vector<std::size_t> duplicateIndexes(const DuplicateRule& rule,
+                                          const ManagedObjectContext::Objects& objects,
+                                          const std::vector<std::size_t>& imageCounts);
+
 inline constexpr std::string_view kImagesKey = "images";
 
 }  // namespace vantrel

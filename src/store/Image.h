@@ -7,7 +7,6 @@ namespace vantrel {
 /// A picture of a plan or a point of interest of the main store.
 class Image : public IdentifiedObject {
  public:
-  /// The name of the entity in the model.
   static constexpr const char* kEntityName = "Image";
 };
 

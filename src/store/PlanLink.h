@@ -13,11 +13,11 @@ namespace vantrel {
 /// the plan's object identifier.
 std::string deepLink(const Planning& plan);
 
-/// Returns the object URI in a link. Links come from anywhere: `nullopt` for everything but the URI
-/// of a saved plan, encoded as deepLink() does.
+/// Returns the object URI in an untrusted link; `nullopt` unless it is the URI of a saved plan, encoded
+/// like deepLink() does.
 std::optional<std::string> planUriFromDeepLink(std::string_view link);
 
-/// Whether the text is the object URI of a saved plan: "x-coredata://<store UUID>/Planning/p7".
+/// Whether `text` is the object URI of a saved plan: "x-coredata://<store UUID>/Planning/p7".
 bool isPlanUri(std::string_view text);
 
 }  // namespace vantrel

@@ -8,10 +8,9 @@
 
 namespace vantrel {
 
-/// A planned shoot of the main store.
+/// A planned photo shoot of the main store.
 class Planning : public PlacedObject {
  public:
-  /// The name of the entity in the model.
   static constexpr const char* kEntityName = "Planning";
 
   std::optional<std::string> notes() const { return textForKey("notes"); }
@@ -19,7 +18,7 @@ class Planning : public PlacedObject {
   /// When the shoot takes place.
   std::optional<Date> date() const { return dateForKey("date"); }
   void setDate(const std::optional<Date>& date) { setOptionalForKey(date, "date"); }
-  /// Name of the time zone that `date` is shown in.
+  /// Name of the time zone in which `date` is shown, e.g. "Europe/Madrid".
   std::optional<std::string> timezone() const { return textForKey("timezone"); }
   void setTimezone(const std::optional<std::string>& timezone) {
     setOptionalForKey(timezone, "timezone");

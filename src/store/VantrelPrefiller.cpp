@@ -36,7 +36,6 @@ void VantrelPrefiller::translatePlanningsInManagedObjectModel(ManagedObjectConte
 }
 
 void VantrelPrefiller::translatePlanning(Planning& plan) {
-  // Setting an equal value is no change.
   plan.setName(translated(plan.name()));
   plan.setNotes(translated(plan.notes()));
 }

@@ -5,19 +5,19 @@
 
 namespace vantrel {
 
-/// Turns the text keys of plans that a store is delivered with into the user's language, by the
-/// table "Plannings" of the main bundle. Text that is no key stays; an absent one becomes empty.
-/// Main thread.
+/// Translates the plans of a pre-filled store, whose names and notes are keys of the string table
+/// "Plannings" of the main bundle. Text that is not a key does not change; absent text becomes empty.
+/// Main thread only.
 class VantrelPrefiller {
  public:
   VantrelPrefiller() = delete;
 
-  /// All that is delivered as keys, which is the plans. (The name says model; it is a context.)
+  /// Calls translatePlanningsInManagedObjectModel(). Despite their names, both take a context.
   static void translateDataInManagedObjectModel(ManagedObjectContext& context);
-  /// Every plan of the store; saves when that changed anything. Plans that cannot be read stay as
-  /// they are; a save that fails is logged, and its changes stay in the context.
+  /// Translates all plans and saves if any changed. Does nothing if the fetch fails. If the save fails,
+  /// logs the error and keeps the changes in the context.
   static void translatePlanningsInManagedObjectModel(ManagedObjectContext& context);
-  /// Name and notes of one plan, unsaved.
+  /// Translates the name and notes of one plan; does not save.
   static void translatePlanning(Planning& plan);
 };
 

@@ -55,8 +55,15 @@ TEST(Database, MakesTheStoreInThePrivateContainerOnFirstUse) {
   const Value identifier = plan->valueForKey("uniqueIdentifier");
   EXPECT_THAT(std::get<std::string>(identifier),
               MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
-  plan->awakeFromInsert();
-  EXPECT_EQ(plan->valueForKey("uniqueIdentifier"), identifier) << "one that is there stays";
+  const auto planning = std::dynamic_pointer_cast<Planning>(plan);
+  ASSERT_TRUE(planning);
+  planning->setUniqueIdentifier("mine");
+  planning->awakeFromInsert();
+  EXPECT_EQ(planning->uniqueIdentifier(), "mine") << "an identifier that is set stays";
+  const auto picture = context->insertNewObject("Image");
+  EXPECT_THAT(planning->images(), ElementsAre());
+  ASSERT_TRUE(picture->setRelatedObject(plan, "planning"));
+  EXPECT_THAT(planning->images(), ElementsAre(picture));
   for (const char* entity : {"Planning", "CustomPoi", "Image", "CustomCamera"}) {
     const auto object = context->insertNewObject(entity);
     ASSERT_TRUE(std::dynamic_pointer_cast<IdentifiedObject>(object)) << entity;

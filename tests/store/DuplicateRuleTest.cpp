@@ -1,4 +1,4 @@
-#include "store/DuplicateSearch.h"
+#include "store/DuplicateRule.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using test::OpenStore;
 using test::sqlite;
 using testing::ElementsAre;
 
-TEST(DuplicateSearch, JudgesAPair) {
+TEST(DuplicateRule, JudgesAPair) {
   struct Case {
     const char* name;
     const char* first;  ///< Values of ZDATE, ZLATITUDE, ZLONGITUDE, ZNAME.
@@ -55,12 +55,12 @@ TEST(DuplicateSearch, JudgesAPair) {
     const auto plans = *store.context.executeFetchRequest({.entityName = "Planning"});
     ASSERT_EQ(plans.size(), 2u);
     EXPECT_EQ(isDuplicate(kPlanningRule, *plans[0], *plans[1]), c.isDuplicate);
-    EXPECT_EQ(DuplicateSearch(kPlanningRule, plans, {0, 0}).indexes().size(), c.isDuplicate);
-    EXPECT_THAT(DuplicateSearch(kPlanningRule, plans, {0, 1}).indexes(), ElementsAre());
+    EXPECT_EQ(duplicateIndexes(kPlanningRule, plans, {0, 0}).size(), c.isDuplicate);
+    EXPECT_THAT(duplicateIndexes(kPlanningRule, plans, {0, 1}), ElementsAre());
   }
 }
 
-TEST(DuplicateSearch, NamesARecordOnceForEachThatItEquals) {
+TEST(DuplicateRule, NamesARecordOnceForEachThatItEquals) {
   const test::TemporaryDirectory directory;
   OpenStore store(directory / "Vantrel.sqlite");
   ManagedObjectContext::Objects plans(3);
@@ -75,7 +75,7 @@ TEST(DuplicateSearch, NamesARecordOnceForEachThatItEquals) {
   EXPECT_THAT(next, ElementsAre(plans[1], plans[2]));
 }
 
-TEST(DuplicateSearch, FindsWhatComparingEachWithEachFinds) {
+TEST(DuplicateRule, FindsWhatComparingEachWithEachFinds) {
   const test::TemporaryDirectory directory;
   OpenStore store(directory / "Vantrel.sqlite");
   Database database;
@@ -106,7 +106,7 @@ TEST(DuplicateSearch, FindsWhatComparingEachWithEachFinds) {
     const std::set<std::shared_ptr<ManagedObject>> expected(all.begin(), all.end());
     std::set<std::shared_ptr<ManagedObject>> actual;
     const std::vector<std::size_t> images(plans.size(), 0);
-    for (const auto index : DuplicateSearch(kPlanningRule, plans, images).indexes()) {
+    for (const auto index : duplicateIndexes(kPlanningRule, plans, images)) {
       EXPECT_TRUE(actual.insert(plans[index]).second);
     }
     found += expected.size();
