@@ -29,10 +29,7 @@ Obstacle::Obstacle() {
   const auto& defaults = VantrelUserDefaults::vantrelUserDefaults();
   setCoordinate({defaults.doubleForKey(kUserDefaultsPlannerObstacleLatitude),
                  defaults.doubleForKey(kUserDefaultsPlannerObstacleLongitude)});
-  setAltitude(defaults.floatForKey(kUserDefaultsPlannerObstacleAltitude));
-  setAltitudeAccuracy(static_cast<std::int32_t>(
-      defaults.integerForKey(kUserDefaultsPlannerObstacleAltitudeAccuracy)));
-  setAltitudeOffset(defaults.floatForKey(kUserDefaultsPlannerObstacleAltitudeOffset));
+  readAltitudeFromUserDefaults();
   isVisible_ = defaults.boolForKey(kUserDefaultsPlannerObstacleToggle);
 }
 
@@ -47,11 +44,16 @@ bool Obstacle::refreshFromUserDefaults() {
   const float longitude = defaults.floatForKey(kUserDefaultsPlannerObstacleLongitude);
   if (latitude == kNotPlaced || longitude == kNotPlaced) return false;
   setCoordinate({latitude, longitude});
+  readAltitudeFromUserDefaults();
+  return true;
+}
+
+void Obstacle::readAltitudeFromUserDefaults() {
+  const auto& defaults = VantrelUserDefaults::vantrelUserDefaults();
   setAltitude(defaults.floatForKey(kUserDefaultsPlannerObstacleAltitude));
   setAltitudeOffset(defaults.floatForKey(kUserDefaultsPlannerObstacleAltitudeOffset));
   setAltitudeAccuracy(static_cast<std::int32_t>(
       defaults.integerForKey(kUserDefaultsPlannerObstacleAltitudeAccuracy)));
-  return true;
 }
 
 void Obstacle::saveToUserDefaults() const {

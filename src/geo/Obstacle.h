@@ -9,63 +9,64 @@ namespace vantrel {
 
 class VTObserver;
 
-/// The planner's second pin: a summit or a building, seen from the observer. What is derived from
-/// the two is computed by recalculateDataWithObserver() and kept, texts included, until the next
-/// call. Main thread.
+/// The planner's second pin: a summit or a building, seen from the observer. The values that depend
+/// on the observer, and the texts of altitudes, are computed by recalculateDataWithObserver() and do
+/// not change until its next call. Main thread only.
 class Obstacle : public PinLocation {
  public:
   static constexpr float kUnknownDistance = -1;
   static constexpr float kUnknownBearing = -1;
   static constexpr float kUnknownDifference = kMissingAltitude;
-  /// A latitude or longitude in the settings that stands for "no obstacle".
+  /// A latitude or longitude in the settings that means "no obstacle".
   static constexpr float kNotPlaced = -180;
 
-  /// As the shared settings have it, the marks of kNotPlaced included.
+  /// Reads the shared settings, without checking for kNotPlaced.
   Obstacle();
   Obstacle(Obstacle&&) = default;
   Obstacle& operator=(Obstacle&&) = default;
 
   bool isVisible() const { return isVisible_; }
   void setIsVisible(bool visible) { isVisible_ = visible; }
-  /// Saves nothing.
+  /// Inverts isVisible(). Does not save.
   void toggle() { isVisible_ = !isVisible_; }
-  /// While the pin is being placed nothing derived is told.
+  /// Set while the user places the pin: bearing, difference and texts are unknown.
   bool justDropped() const { return justDropped_; }
   void setJustDropped(bool dropped) { justDropped_ = dropped; }
-  /// The pin is placed by this.
+  /// Also clears justDropped().
   void setCoordinate(LocationCoordinate2D coordinate) override;
 
-  /// Takes position and altitude from the shared settings; false, and nothing changes, when there
-  /// is no obstacle. The coordinate comes in single precision, as both programs have always had it.
+  /// Reads position and altitude from the shared settings, the coordinate in single precision, and
+  /// clears justDropped(). Returns false and changes nothing if they have no obstacle.
   bool refreshFromUserDefaults();
   void saveToUserDefaults() const;
 
   void recalculateDataWithObserver(const VTObserver& observer);
   /// Azimuth from the observer, degrees.
   float bearing() const { return justDropped_ ? kUnknownBearing : bearing_; }
-  /// Apparent elevation seen by the observer, degrees; 0 when unknown.
+  /// Apparent elevation seen by the observer, degrees; 0 if unknown.
   float elevation() const { return altitudeDifferenceDegree_; }
-  /// Along the surface from the observer, metres; negative when unknown.
+  /// Distance from the observer along the surface, metres; kUnknownDistance if unknown.
   float pin2pinDistance() const { return pin2pinDistance_; }
-  /// Whole metres above the observer; kUnknownDifference when unknown.
+  /// Whole metres above the observer; kUnknownDifference if unknown.
   float altitudeDifference() const { return altitudeDifference_; }
   const std::string& altitudeDifferenceString() const { return altitudeDifferenceString_; }
 
-  /// "1.2km", "5280'" or "--".
+  /// "1.2km", "5280'", or "--" if unknown; in the current unit system.
   std::string pin2pinDistanceString() const;
-  /// "13m | 0.72°" or "--".
+  /// "13m | 0.72°", or "--" if unknown.
   std::string altitudeOffsetString() const;
-  /// "Altitude: 100m | Offset: 13m/0.72°".
+  /// "Altitude: 100m | Offset: 13m/0.72°", with "--" for what is unknown.
   std::string pinSubtitle() const;
-  /// Metres above the obstacle's terrain at which the observer sees sun or moon over it;
-  /// kUnknownDifference when an altitude is unknown. `redPinAltitude` is the observer's.
-  /// `distanceToObject` receives the length of the line of sight in any case.
+  /// Returns the metres above the obstacle at which the observer sees the sun or moon over it;
+  /// kUnknownDifference if an altitude is unknown. `redPinAltitude` is the observer's. Always sets
+  /// `distanceToObject` to the length of the line of sight.
   double calculateHeightAboveTerrainWithSunMoonElevation(double sunMoonElevation,
                                                          double redPinAltitude,
                                                          double& distanceToObject) const;
 
  private:
   std::string degrees() const;
+  void readAltitudeFromUserDefaults();
 
   bool isVisible_ = false;
   bool justDropped_ = false;

@@ -10,7 +10,7 @@ namespace vantrel {
 namespace {
 
 std::int32_t wholeFeet(float metres) {
-  const std::int32_t feet = truncatedInt32(std::fabs(double{metres}) * double{kFeetPerMetre} + 0.5);
+  const std::int32_t feet = truncatedInt32(std::fabs(double{metres}) * double{PinLocation::kFeetPerMetre} + 0.5);
   return metres < 0 ? -feet : feet;
 }
 

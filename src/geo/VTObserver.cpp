@@ -23,7 +23,7 @@ constexpr std::string_view kAltitudeOffsetKey = "altitude_offset";
 constexpr std::string_view kAltitudeAccuracyKey = "altitude_accuracy";
 constexpr std::string_view kAltitudeAtHorizonKey = "altitude_altitudeAtHorizon";
 constexpr std::string_view kAdjustKey = "altitude_adjust_height_horizon";
-/// In older archives, and before kAltitudeAccuracyKey where both stand.
+/// Only in older archives; overrides kAltitudeAccuracyKey.
 constexpr std::string_view kSetManuallyKey = "altitude_manual";
 
 std::string localized(std::string_view key, std::string_view table) {
@@ -55,7 +55,7 @@ Expected<VTObserver> VTObserver::unarchivedObserver(std::span<const std::byte> d
   if (!archive) return tl::unexpected(archive.error());
   const auto root = archive->root();
   if (root.className() != kClassName) {
-    return tl::unexpected(Error{"KeyedUnarchiver", 1, "The archive holds no observer.", {}});
+    return tl::unexpected(Error{"KeyedUnarchiver", 1, "The archive does not contain an observer.", {}});
   }
   auto observer = initWithCoder(root);
   if (archive->error()) return tl::unexpected(*archive->error());
@@ -111,7 +111,6 @@ float VTObserver::heightAboveHorizon() const {
     return 0;
   }
   const std::int64_t ground = truncatedInt32(double{altitude()} + 0.5);
-  // A horizon marked as missing counts as sea level.
   const std::int64_t horizon =
       altitudeAtHorizon_ == kMissingAltitude ? 0 : truncatedInt32(double{altitudeAtHorizon_} + 0.5);
   return static_cast<float>(std::max(static_cast<std::int32_t>(ground - horizon), 0));

@@ -14,11 +14,11 @@ constexpr double kSixteenthOfFlattening = 0.00020955066654671753;
 constexpr double kEccentricitySquared = 0.0066943799901413165;
 constexpr double kOneMinusEccentricitySquared = 0.9933056200098587;
 
-constexpr int kMostPasses = 20;
-constexpr int kFirstPassToStop = 2;
-constexpr double kSettled = 1e-13;
+constexpr int kMaxPasses = 20;
+constexpr int kFirstPassToConverge = 2;
+constexpr double kTolerance = 1e-13;
 
-/// The reduced latitudes, those of the pins' images on the auxiliary sphere.
+/// Sines and cosines of the pins' reduced latitudes, i.e. their latitudes on the auxiliary sphere.
 struct ReducedLatitudes {
   double sinU1;
   double cosU1;
@@ -26,7 +26,7 @@ struct ReducedLatitudes {
   double cosU2;
 };
 
-/// The triangle of the two images and the pole, for one longitude difference on the sphere.
+/// The triangle of both pins and the pole on the auxiliary sphere, for one longitude difference.
 struct Triangle {
   double sinSqSigma = 0;
   double sinSigma = 0;
@@ -51,7 +51,7 @@ struct Triangle {
     cos2SigmaM = cosSqAlpha == 0 ? 0 : cosSigma - 2 * u.sinU1 * u.sinU2 / cosSqAlpha;
   }
 
-  /// By how much the longitude difference on the sphere exceeds that on the ellipsoid.
+  /// Longitude difference on the sphere minus that on the ellipsoid.
   double longitudeExcess() const {
     const double c = kSixteenthOfFlattening * cosSqAlpha * (4 + kFlattening * (4 - 3 * cosSqAlpha));
     return (1 - c) * kFlattening * sinAlpha *
@@ -74,7 +74,7 @@ struct Triangle {
   }
 };
 
-/// Components of the directions at both pins; the second points away from the first.
+/// Directions at both pins; the second points away from the first pin.
 struct Directions {
   double east1;
   double north1;
@@ -102,10 +102,7 @@ GeodeticCurve curve(double alpha1, double alpha2, double distance, double elevat
   return {alpha1 * kDegrees, alpha2 * kDegrees, static_cast<float>(distance), elevation, converged};
 }
 
-// Step by step, for every pair.
-
-/// Degrees. `arc` is the geodesic's length, `distance` the slant distance, `alpha1` the azimuth at
-/// the first pin.
+/// Degrees. `arc` is the length of the geodesic, `alpha1` the azimuth at the first pin.
 double plainElevation(const VincentyInverse& pins, double axis, double arc, double distance,
                       double alpha1) {
   const double sin1 = std::sin(pins.phi1);
@@ -138,13 +135,13 @@ GeodeticCurve VincentyInverse::plainCurve() const {
   double lambda = l;
   Triangle triangle;
   bool converged = false;
-  // On one meridian every pass finds the excess 0 anew and 0 / 0 never settles: one pass will do.
-  const int passes = l == 0 ? 1 : kMostPasses;
+  // On one meridian each pass computes 0 / 0, which never converges: one pass suffices.
+  const int passes = l == 0 ? 1 : kMaxPasses;
   for (int pass = 0; pass < passes && !converged; ++pass) {
     triangle.setSides(u, std::sin(lambda), std::cos(lambda));
     triangle.setEquatorialAzimuth(u, squared(std::cos(std::asin(triangle.sinAlpha))));
     const double next = l + triangle.longitudeExcess();
-    converged = pass >= kFirstPassToStop && std::abs((next - lambda) / next) < kSettled;
+    converged = pass >= kFirstPassToConverge && std::abs((next - lambda) / next) < kTolerance;
     lambda = next;
   }
 
@@ -168,37 +165,36 @@ GeodeticCurve VincentyInverse::plainCurve() const {
   return curve(alpha1, alpha2, distance, elevation, converged);
 }
 
-// The same at less than half the cost, for all but one or two pairs in a hundred. It agrees since
-// - cos(asin x)² is 1 - x²;
-// - (1 - f)² is 1 - e²: with w = sqrt(1 - e² sin² phi), which the radii of curvature need anyway,
-//   the angle atan((1 - f) tan phi) has the cosine cos(phi) / w and the sine (1 - f) sin(phi) / w;
-// - on the first pin's meridian plane the second stands off by the longitude difference, so that
-//   one cosine does for all sines and cosines of the longitudes;
-// - the passes seek the longitude difference on the sphere that gives itself back. Up to an arc of
-//   166 degrees each of them comes at least 20 times nearer, so that twenty always settle; going
-//   on along the slope ends at the same place, far nearer than 1e-12, after two or three.
+// The fast form is equal to the plain one because
+// - cos(asin x)² = 1 - x²;
+// - (1 - f)² = 1 - e²: with w = sqrt(1 - e² sin² phi), which the radii of curvature need anyway,
+// the
+//   angle atan((1 - f) tan phi) has the cosine cos(phi) / w and the sine (1 - f) sin(phi) / w;
+// - with longitudes counted from the first pin, one cosine replaces all their sines and cosines;
+// - the passes search a fixed point. Up to an arc of 166 degrees each pass reduces the error at
+// least
+//   20 times, so 20 passes always converge. The secant method finds the same point, to far less
+//   than 1e-12, in two or three passes.
 //
-// It answers no pair where the rounding of the plain steps, or the point at which they stop, shows
-// in the result or even decides it: nearer than 640 m or nearer than the longitudes let expect
-// (over a pole or the date line), nearly antipodal, along a meridian, or with arguments out of
-// range. The comparisons are written to fail on NaN.
+// It returns `nullopt` for pairs where the rounding of the plain steps, or the pass they stop at,
+// changes or decides the result: closer than 640 m, across a pole or the date line at a short
+// distance, nearly antipodal, along a meridian, or out of range. All comparisons fail on NaN.
 namespace {
 
-constexpr double kLargestLatitude = 90.0 * kRadians;
-constexpr double kLargestLongitude = 540.0 * kRadians;
-constexpr double kLargestAltitude = 1e5;
-constexpr double kSmallestSinSqSigma = 1e-8;
-constexpr double kSmallestShareSquared = 1e-4;  // of the longitude difference
-constexpr double kSmallestCosSigma = -0.97;
-constexpr double kSmallestSinSqAzimuth = 1e-20;
-constexpr double kLargestLastStep = 1e-9;
-constexpr int kMostQuickPasses = 6;
+constexpr double kMaxLatitude = 90.0 * kRadians;
+constexpr double kMaxLongitude = 540.0 * kRadians;
+constexpr double kMaxAltitude = 1e5;
+constexpr double kMinSinSqSigma = 1e-8;
+constexpr double kMinShareSquared = 1e-4;  // of the longitude difference
+constexpr double kMinCosSigma = -0.97;
+constexpr double kMinSinSqAzimuth = 1e-20;
+constexpr double kMaxLastStep = 1e-9;
+constexpr int kMaxQuickPasses = 6;
 
 bool isInRange(const VincentyInverse& pins) {
-  return std::abs(pins.phi1) <= kLargestLatitude && std::abs(pins.phi2) <= kLargestLatitude &&
-         std::abs(pins.lambda1) <= kLargestLongitude &&
-         std::abs(pins.lambda2) <= kLargestLongitude && std::abs(pins.h1) <= kLargestAltitude &&
-         std::abs(pins.h2) <= kLargestAltitude;
+  return std::abs(pins.phi1) <= kMaxLatitude && std::abs(pins.phi2) <= kMaxLatitude &&
+         std::abs(pins.lambda1) <= kMaxLongitude && std::abs(pins.lambda2) <= kMaxLongitude &&
+         std::abs(pins.h1) <= kMaxAltitude && std::abs(pins.h2) <= kMaxAltitude;
 }
 
 struct Solution {
@@ -212,14 +208,13 @@ std::optional<Solution> solveQuickly(const ReducedLatitudes& u, double l, double
   Triangle triangle;
   triangle.setSides(u, sinLambda, cosLambda);
   const double sinSqAlpha = squared(triangle.sinAlpha);
-  if (!(triangle.sinSqSigma > kSmallestSinSqSigma &&
-        triangle.sinSqSigma > kSmallestShareSquared * squared(l) &&
-        triangle.cosSigma > kSmallestCosSigma))
+  if (!(triangle.sinSqSigma > kMinSinSqSigma &&
+        triangle.sinSqSigma > kMinShareSquared * squared(l) && triangle.cosSigma > kMinCosSigma))
     return std::nullopt;
   triangle.setEquatorialAzimuth(u, 1 - sinSqAlpha);
 
-  // The first step uses the derivative of sin(alpha) sigma, nearly all of the excess; the later
-  // ones the slope between the last two passes.
+  // The first step uses the derivative of sin(alpha) sigma, which is nearly all of the excess;
+  // later steps use the secant through the last two passes.
   const double slope =
       sinSqAlpha + triangle.sigma *
                        (u.cosU1 * u.cosU2 * cosLambda - sinSqAlpha * triangle.cosSigma) /
@@ -227,8 +222,8 @@ std::optional<Solution> solveQuickly(const ReducedLatitudes& u, double l, double
   double excess = 0;
   double residual = triangle.longitudeExcess();
   double step = residual / (1 - kFlattening * slope);
-  for (int pass = 1; std::abs(step) >= kLargestLastStep; ++pass) {
-    if (pass == kMostQuickPasses) return std::nullopt;
+  for (int pass = 1; std::abs(step) >= kMaxLastStep; ++pass) {
+    if (pass == kMaxQuickPasses) return std::nullopt;
     excess += step;
     sinLambda = std::sin(l + excess);
     cosLambda = std::cos(l + excess);
@@ -238,11 +233,11 @@ std::optional<Solution> solveQuickly(const ReducedLatitudes& u, double l, double
     residual = triangle.longitudeExcess() - excess;
     step *= residual / (last - residual);
   }
-  // A last step so short needs no new sines.
+  // The last step is so short that a linear update of sine and cosine is exact.
   triangle.sigma += triangle.sinAlpha * step;
   const Directions directions(u, sinLambda + step * cosLambda, cosLambda - step * sinLambda);
-  if (!(squared(directions.east1) > kSmallestSinSqAzimuth * triangle.sinSqSigma &&
-        squared(directions.east2) > kSmallestSinSqAzimuth * triangle.sinSqSigma))
+  if (!(squared(directions.east1) > kMinSinSqAzimuth * triangle.sinSqSigma &&
+        squared(directions.east2) > kMinSinSqAzimuth * triangle.sinSqSigma))
     return std::nullopt;
   return Solution{triangle, directions};
 }
@@ -275,12 +270,13 @@ std::optional<GeodeticCurve> VincentyInverse::quickCurve() const {
   const double dz = (n2 * kOneMinusEccentricitySquared + h2) * sin2 -
                     (n1 * kOneMinusEccentricitySquared + h1) * sin1;
   const double sinElevation = (dz * sin1 + dx * cos1) / distance;
-  const Directions& way = solution->directions;
+  const Directions& directions = solution->directions;
   const double meridian = n1 * kOneMinusEccentricitySquared / wSq1;
-  const double curvature = (n1 * squared(way.north1) + meridian * squared(way.east1)) /
-                           (n1 * meridian * (squared(way.north1) + squared(way.east1)));
+  const double curvature =
+      (n1 * squared(directions.north1) + meridian * squared(directions.east1)) /
+      (n1 * meridian * (squared(directions.north1) + squared(directions.east1)));
   const double elevation = (std::asin(sinElevation) + arc * curvature / 14) * kDegrees;
-  return curve(way.startAzimuth(), way.endAzimuth(), distance, elevation, true);
+  return curve(directions.startAzimuth(), directions.endAzimuth(), distance, elevation, true);
 }
 
 double VincentyInverse::enlargedAxis() const {

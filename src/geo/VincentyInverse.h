@@ -14,8 +14,8 @@ constexpr double squared(double x) {
   return x * x;
 }
 
-/// Vincenty's inverse method between two pins, in radians and metres, in two arrangements that give
-/// the same curve. What it answers where, GeodeticCalculator tells.
+/// Vincenty's inverse method between two pins, in radians and metres, in a plain and a fast form.
+/// GeodeticCalculator documents the results.
 struct VincentyInverse {
   double phi1;
   double lambda1;
@@ -24,11 +24,12 @@ struct VincentyInverse {
   double lambda2;
   double h2;
 
-  /// Step by step, for every pair.
+  /// Follows the method step by step, for every pair.
   GeodeticCurve plainCurve() const;
-  /// At less than half the cost; nothing for the one or two pairs in a hundred that need the plain
-  /// steps. They agree in the distance but for the last bit of single precision, and within 1e-8
-  /// degrees.
+  /// Exists for speed alone: 2.5 times as fast. Returns `nullopt` for the 1 to 2 % of pairs whose
+  /// result depends on the rounding of the plain steps. Otherwise both agree up to the last bit of a
+  /// single-precision distance and within 1e-8 degrees: the source explains why, and
+  /// GeodeticCalculatorTest compares them for 300,000 random pairs of ten kinds.
   std::optional<GeodeticCurve> quickCurve() const;
 
  private:

@@ -100,6 +100,7 @@ TEST(GeodeticCalculator, AnswersWhereThePassesDoNotSettle) {
       EXPECT_TRUE(isSameFloat(curve.distance(), c.distance)) << curve.distance();
     }
   }
+  EXPECT_TRUE(std::isnan(curveOf({{kNaN, 0}, 0, {1, 1}, 0}).distance()));
   // The twentieth pass may settle it, the first one too many may not: counted in Python.
   EXPECT_TRUE(curveOf({{49.8, 0}, 0, {-50.5, 179.5}, 0}).converged());
   EXPECT_FALSE(curveOf({{-28, 0}, 0, {27.5, 179}, 0}).converged());
