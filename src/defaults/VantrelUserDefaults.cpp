@@ -31,7 +31,7 @@ void VantrelUserDefaults::migrateUserDefaultsIfNeccessary() {
   if (hasMigratedDefault()) return;
   const auto& standard = UserDefaults::standardUserDefaults();
   if (const auto readable = standard.checkReadable(); !readable) {
-    logLine("settings: not copied into the group: " + readable.error().localizedDescription);
+    logLine("settings: cannot copy them into the group: " + readable.error().localizedDescription);
     return;
   }
   auto& shared = vantrelUserDefaults();

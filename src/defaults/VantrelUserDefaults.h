@@ -4,17 +4,17 @@
 
 namespace vantrel {
 
-/// The settings that the widget and the main application share through their group. Any thread.
+/// The settings that the widget and the main application share in the application group. Thread-safe.
 class VantrelUserDefaults {
  public:
-  /// One object for the life of the process. Without a group container it is a store of this
-  /// process alone.
+  /// Returns the same object at each call. If there is no group container, its values are kept in
+  /// memory only.
   static UserDefaults& vantrelUserDefaults();
-  /// Whether the program's old settings were copied into the group.
+  /// Whether the standard settings have been copied into the group.
   static bool hasMigratedDefault();
-  /// Copies the standard settings into the group, over what is there, once per group container.
-  /// Standard settings that cannot be read are told in a log line and copied another time. The
-  /// spelling is the one both programs know.
+  /// Copies the standard settings into the group, overwriting equal keys, once per group container.
+  /// If they cannot be read, logs the error; the next call tries again. The misspelt name is part of
+  /// the interface.
   static void migrateUserDefaultsIfNeccessary();
 };
 

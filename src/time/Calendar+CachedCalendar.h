@@ -4,10 +4,10 @@
 
 namespace vantrel {
 
-/// The user's calendar with the locale and the device's zone as they were at the first call; later
-/// changes do not reach it. Any thread.
+/// The user's calendar with the locale and time zone of the first call; later changes have no effect.
+/// Thread-safe.
 const Calendar& cachedCalendar();
-/// The Gregorian calendar in GMT. Any thread.
+/// The Gregorian calendar in GMT. Thread-safe.
 const Calendar& gmtCachedCalendar();
 
 }  // namespace vantrel

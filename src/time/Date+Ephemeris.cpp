@@ -7,13 +7,11 @@
 #include "platform/system/Bundle.h"
 #include "time/Calendar+CachedCalendar.h"
 
-// Calendars keep no state between calls, so that nothing here needs a lock.
-
 namespace vantrel::ephemeris {
 
 namespace {
 
-/// Truncates toward zero; what no int holds becomes 0.
+/// Truncates toward zero; 0 if out of range or NaN.
 int truncated(double value) {
   constexpr double kLimit = std::numeric_limits<int>::max();
   return std::fabs(value) < kLimit ? static_cast<int>(value) : 0;

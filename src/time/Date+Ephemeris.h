@@ -5,38 +5,42 @@
 #include "base/Date.h"
 #include "time/PtDateTime.h"
 
-/// Calendar arithmetic on dates. Days, hours and minutes are those of `cachedCalendar` unless a
-/// comment says otherwise. Any thread.
+/// Calendar arithmetic on dates, in `cachedCalendar` unless noted. Thread-safe.
+///
+/// A skipped wall time is moved forward by the gap, of a repeated one the first is used. In Havana
+/// clocks jumped on 2024-03-10 from 00:00 to 01:00: that day starts at 01:00. On 2024-11-03 they went
+/// back from 01:00 to 00:00: that day starts at the first 00:00.
 namespace vantrel::ephemeris {
 
-/// The instant of a record in GMT; minutes are rounded to whole ones, or with seconds truncated to
-/// whole seconds. Fields out of range carry over (minute 60 is the next hour).
+/// Converts a record in GMT, rounded to minutes or, `withSeconds`, truncated to seconds. Fields out of
+/// range carry over: minute 60 is the next hour.
 Date dateWithPtDateTime(const PtDateTime& dateTime, bool withSeconds = false);
-/// Fills the record from the instant in GMT, to whole seconds.
+/// Sets all fields from `date` in GMT, truncated to seconds.
 void ptDateTimeForDate(Date date, PtDateTime& dateTime);
 Date dateFromModifiedJulianDay(double modifiedJulianDay, bool withSeconds = false);
-/// Days since 1858-11-17 00:00 UT; the fraction of a second is lost.
+/// Days since 1858-11-17 00:00 UT, truncated to seconds.
 double modifiedJulianDay(Date date);
 
-/// That day at 00:00:00, or where the day begins when midnight is skipped.
+/// That day at 00:00:00.
 Date dateWithStartDateTime(Date date);
 /// That day at 12:00:00.
 Date dateWithNoonDateTime(Date date);
 /// That day at 23:59:59.
 Date dateWithEndDateTime(Date date);
-/// 1 January of that year, read in the user's calendar of this moment, at 00:00:00.
+/// 1 January of `year` at 00:00:00, in the user's current calendar.
 Date firstDayOfYear(int year);
-/// The same wall time that many calendar days later; a negative number goes back.
+/// The same wall time `numberOfDays` calendar days later, or earlier if negative.
 Date dateByAddingNumberOfDays(Date date, int numberOfDays);
-/// The next whole hour, also for a time on the hour.
+/// The next whole hour; a time on the hour moves on too.
 Date nextMainHour(Date date);
-/// The hour's beginning but with the seconds kept: 10:25:40 gives 10:00:40.
+/// Sets the minutes to 0 and keeps the seconds: 10:25:40 gives 10:00:40.
 Date previousMainHour(Date date);
 
-/// Whether the date lies between the two, both excluded; never when the second is earlier.
+/// Whether `isBetweenDate` < `date` < `andDate`.
 bool date(Date date, Date isBetweenDate, Date andDate);
-/// `ofDate` itself when it lies between the two, else the nearer end; `toDate` on a tie.
+/// Returns `ofDate` if it is between the two, otherwise the nearer end; `toDate` on a tie.
 Date closestDateFromDate(Date fromDate, Date toDate, Date ofDate);
+/// Whether both are on the same day.
 bool isDate(Date date, Date sameDayAsDate);
 
 int yearValue(Date date);
@@ -44,16 +48,16 @@ int monthValue(Date date);
 int dayValue(Date date);
 int hourValue(Date date);
 int minuteValue(Date date);
-/// Hour plus minute / 24 (not 60; that is what its callers expect): 10:30 gives 11.25.
+/// Hour + minute / 24 (not 60, which callers rely on): 10:30 gives 11.25.
 float floatHour(Date date);
 /// In [0, 1).
 double timeAsFractionOfDay(Date date);
 
-/// The day's position in its week, 1 being the first weekday of the user's locale of this moment.
+/// Position of the day in its week in the user's current locale: 1 for its first weekday.
 int weekday(Date date);
-/// "Mo", in the language of the texts, by the user's calendar of this moment.
+/// "Mo", localised, in the user's current calendar.
 std::string weekdayAbbreviation(Date date);
-/// By the user's calendar of this moment.
+/// In the user's current calendar.
 int numberOfDaysInMonth(Date date);
 
 }  // namespace vantrel::ephemeris

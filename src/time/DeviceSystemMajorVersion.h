@@ -2,7 +2,7 @@
 
 namespace vantrel {
 
-/// The major number of the system version (17 for "17.0.1"), read once per process. Any thread.
+/// Returns the major number of the system version (17 for "17.0.1"), read once per process. Thread-safe.
 int DeviceSystemMajorVersion();
 
 }  // namespace vantrel

@@ -79,7 +79,7 @@ DateFormatter Formatters::dateFormatterWithMediumMonthAndNoYear() {
 
 DateFormatter Formatters::dateTimeFormatterWithMediumMonthAndNoYear() {
   const Locale locale = Locale::currentLocale();
-  // A mark for the half of the day stands in patterns of twelve hours only.
+  // Only 12-hour patterns contain a day-period marker, "a".
   const auto hour = DateFormatter::dateFormatFromTemplate("j", locale);
   const bool twelveHours = hour.find('a') != std::string::npos;
   return fromTemplate(twelveHours ? "dMMMhmm" : "dMMMHmm", locale);

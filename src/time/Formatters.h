@@ -8,35 +8,34 @@
 
 namespace vantrel {
 
-/// Where date and number formatters are configured: three for what people read, in the locale that
-/// was current when they were made, and fixed formats for programs.
+/// Creates date and number formatters: three shared ones for users, in the locale that was current
+/// when they were created, and fixed formats for machines.
 class Formatters {
  public:
-  /// Made on the first call, by whichever thread comes first. What it gives out is not guarded: one
-  /// thread at a time, and a change of zone is everyone's.
+  /// Thread-safe; its formatters are not. setTimeZone() affects all users of the instance.
   static Formatters& sharedInstance();
 
   Formatters();
 
-  /// Hours and minutes.
+  /// Hour and minute.
   const DateFormatter& shortTimeFormatter() const { return shortTimeFormatter_; }
-  /// Day, month and year, the year in two digits where the locale's pattern is "dd/MM/y" or
-  /// "MM/dd/y"; every other pattern stays the locale's own.
+  /// Day, month and year in the locale's short pattern; "dd/MM/y" and "MM/dd/y" get a year of two
+  /// digits.
   const DateFormatter& shortDateFormatter() const { return shortDateFormatter_; }
-  /// Both, the year as the locale has it.
+  /// Date and time in the locale's short patterns.
   const DateFormatter& shortDateTimeFormatter() const { return shortDateTimeFormatter_; }
-  /// The zone of all three, at first the device's; nothing means the device's. Costs nothing.
+  /// Sets the zone of all three; `nullopt` is the device's zone, which is also the initial one.
   void setTimeZone(const std::optional<TimeZone>& zone);
 
-  /// "2024-03-05T12:00:00Z", always UTC with that letter; texts with an offset are refused.
+  /// "2024-03-05T12:00:00Z", in UTC; does not parse texts with an offset.
   static DateFormatter RFC3339DateFormatter();
-  /// Reads any offset, "2024-03-05T14:00:00+02:00", and writes UTC.
+  /// Like RFC3339DateFormatter(), but parses any offset: "2024-03-05T14:00:00+02:00".
   static DateFormatter RFC3339DateFormatterWithSpecificTimeZone();
-  /// Decimal point, no grouping, at most 20 fraction digits, whatever the locale.
+  /// Decimal point, no grouping, at most 20 fraction digits, in every locale.
   static NumberFormatter enUSPosixNumberFormatter();
-  /// "15 Mar" or "Mar 15", as the current locale has it, in the device's zone.
+  /// "15 Mar" or "Mar 15", depending on the current locale.
   static DateFormatter dateFormatterWithMediumMonthAndNoYear();
-  /// The same with hours and minutes, on a clock of 12 or of 24 hours by the locale's habit.
+  /// The same with hour and minute, on the locale's 12-hour or 24-hour clock.
   static DateFormatter dateTimeFormatterWithMediumMonthAndNoYear();
 
  private:

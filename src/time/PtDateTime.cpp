@@ -3,9 +3,9 @@
 #include <array>
 #include <cmath>
 
-// Source of the conversions: Meeus, Astronomical Algorithms, chapter 7. Days that occur in practice
-// take a way in whole numbers, which gives the very same results several times faster; all others
-// take the formulas as they are written, out of line so that they cost the others nothing.
+// Source: Meeus, Astronomical Algorithms, chapter 7. Common days are computed with integers, which gives
+// identical results faster; all others with the original formulas, out of line to keep the common
+// path small.
 
 namespace vantrel::ephemeris {
 
@@ -17,7 +17,7 @@ struct CivilDay {
   std::int32_t day;
 };
 
-/// The day of a Julian Day plus a half.
+/// Converts a Julian Day + 0.5.
 [[gnu::cold, gnu::noinline]] CivilDay civilDay(double t) {
   const double z = std::trunc(t);
   double a = z;
@@ -36,14 +36,14 @@ struct CivilDay {
           static_cast<std::int32_t>(day)};
 }
 
-/// Days that `civilDayOfWholeDay` takes. From 512 on the fraction of t has at most 43 bits, so that
-/// adding it to r (below 512) rounds nothing and truncating the sum leaves r.
+/// The range of `civilDayOfWholeDay`. From 512 on, the fraction of t has at most 43 bits: adding it to
+/// r (below 512) is exact, and truncating the sum gives r.
 constexpr double kFirstWholeDay = 512;
 constexpr double kLastWholeDay = 1e8;
 
-/// The same for a whole day, with the fractions made whole: (z - 1867216.25) / 36524.25 is
-/// (4z - 7468865) / 146097, and so on. Each of these quotients is a whole number, which doubles
-/// give exactly, or at least 1/306001 away from one, which is far more than doubles round by.
+/// Like civilDay(), with fractions expanded to integers: (z - 1867216.25) / 36524.25 is
+/// (4z - 7468865) / 146097, etc. Each quotient is an integer, which doubles represent exactly, or at
+/// least 1/306001 away from one, which is far more than the rounding error of doubles.
 CivilDay civilDayOfWholeDay(std::uint32_t z) {
   std::uint32_t b = z + 1524;
   if (z >= 2299161) {
@@ -60,7 +60,7 @@ CivilDay civilDayOfWholeDay(std::uint32_t z) {
           static_cast<std::int32_t>(day)};
 }
 
-/// Days from the epoch to the date's midnight.
+/// Days from the epoch to 00:00 of the date.
 [[gnu::cold, gnu::noinline]] std::int64_t midnightOf(const PtDateTime& date) {
   std::int64_t y = date.year;
   std::int64_t m = date.month;
@@ -74,7 +74,7 @@ CivilDay civilDayOfWholeDay(std::uint32_t z) {
   return 365 * y - 679004 + b + months + date.day;
 }
 
-/// trunc(30.6001 (m + 1)) - 679004 by month, January and February counted as months 13 and 14.
+/// trunc(30.6001 (m + 1)) - 679004 by month, where January and February are months 13 and 14.
 constexpr std::array<std::int32_t, 13> kMonths = {0,       -678576, -678545, -678882, -678851,
                                                   -678821, -678790, -678760, -678729, -678698,
                                                   -678668, -678637, -678607};
@@ -86,8 +86,8 @@ double PtDateTime::ModifiedJulianDay() const {
   const auto d = static_cast<std::uint32_t>(day);
   const std::uint32_t y = static_cast<std::uint32_t>(year) - (m < 3 ? 1 : 0);
   std::int64_t midnight = 0;
-  // Without the year 1582 (from March on) the year alone tells the calendar, and for years from 0
-  // on divisions have no sign to mind: (y + 4716) / 4 - 1181 is y / 4 - 2.
+  // Except in 1582 (from March on) the year determines the calendar, and for years from 0 on no
+  // division is negative: (y + 4716) / 4 - 1181 is y / 4 - 2.
   if (y < 100000 && y != 1582 && m - 1 < 12 && d < 100) [[likely]] {
     const std::uint32_t century = y / 100;
     const std::uint32_t leap = y > 1582 ? century / 4 - century : static_cast<std::uint32_t>(-2);
@@ -122,13 +122,12 @@ void PtDateTime::FromJulianDay(double julianDay) {
   day = civil.day;
 
   const double s = (t - midnight) * 86400.0;
-  // floor(s / 3600) and fmod(s / 60, 60) with divisions as doubles round them. The largest double
-  // below 3600 h is 0.53 units in the last place of h (and of 60 h) below it once divided, more
-  // than half a unit: neither quotient rounds up to a whole hour. The difference below is exact, as
-  // the remainder of a division always is.
+  // Equals floor(s / 3600) and fmod(s / 60, 60) in doubles: dividing the largest double below 3600 h
+  // gives 0.53 units in the last place below h (and 60 h), which is more than half a unit, so neither
+  // quotient rounds up to a whole hour. The difference below is exact, like every remainder.
   hour = static_cast<std::int32_t>(static_cast<std::uint32_t>(s) / 3600);
   const double remainder = s / 60.0 - 60.0 * hour;
-  // Below 2^23 doubles hold the sum of a float and a half exactly: halves go away from zero.
+  // Below 2^23 the sum of a float and 0.5 is exact in a double: halves round away from zero.
   const double halfUp = static_cast<double>(static_cast<float>(remainder * 100000.0)) + 0.5;
   const auto rounded = static_cast<float>(static_cast<std::int32_t>(halfUp));
   minutes = static_cast<double>(rounded / 100000.0F);

@@ -5,10 +5,10 @@
 
 namespace vantrel {
 
-/// One unit of length. A value.
+/// A unit of length. A value.
 class DistanceUnit {
  public:
-  /// Without a symbol of its own the unit is abbreviated by its name.
+  /// `abbrName` defaults to `name`.
   DistanceUnit(std::string name, const std::optional<std::string>& abbrName, float factor,
                bool allowsDecimals)
       : name_(std::move(name)),

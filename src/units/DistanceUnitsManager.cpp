@@ -93,12 +93,12 @@ std::string DistanceUnitsManager::distanceUnitToString(bool imperial) {
 
 const std::string& DistanceUnitsManager::fractionInchesForValue(float value) {
   static const std::vector<InchesFraction> fractions = makeInchesFractions();
-  // Far outside the table every row is equally far in single precision.
+  // Far outside the table, the distances to all rows are equal in single precision.
   const float clamped = std::clamp(value, 0.0f, 1.0f);
   const auto distance = [clamped](const InchesFraction& row) {
     return std::fabs(clamped - row.decimalValue());
   };
-  // A row as near as the one before it wins; a value that is no number ends at the last.
+  // A tie selects the larger row; NaN selects the last.
   auto best = fractions.begin();
   while (best + 1 != fractions.end() && !(distance(*(best + 1)) > distance(*best))) ++best;
   return best->fraction();

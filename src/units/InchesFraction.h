@@ -4,7 +4,7 @@
 
 namespace vantrel {
 
-/// A fraction of an inch and its text, "19/32". A value.
+/// A fraction of an inch with its text, e.g. "19/32". A value.
 class InchesFraction {
  public:
   InchesFraction(std::string fraction, float decimalValue)

@@ -10,13 +10,13 @@ namespace vantrel {
 
 namespace {
 
-/// The finest step that inches are told in.
+/// The resolution of inches.
 constexpr double kPartsPerInch = 32;
-/// More digits than a length in single precision can have a use for.
-constexpr int kMostDecimals = 15;
+/// More digits than single precision has.
+constexpr int kMaxDecimals = 15;
 
-/// How many of `unit` there are in `value` base units. The factors below 1 stand for exact
-/// fractions (a thousandth, a twelfth) that single precision only comes near to.
+/// Converts `value` from base units to `unit`. Factors below 1 approximate exact fractions (1/1000,
+/// 1/12) in single precision: use the exact ones.
 double quotient(double value, const DistanceUnit& unit) {
   const double factor = unit.factor();
   return factor < 1 ? value * std::round(1 / factor) : value / factor;
@@ -25,7 +25,7 @@ double quotient(double value, const DistanceUnit& unit) {
 class Writer {
  public:
   Writer(const DistanceUnitsManager& manager, int decimals)
-      : manager_(manager), decimals_(std::clamp(decimals, 0, kMostDecimals)) {
+      : manager_(manager), decimals_(std::clamp(decimals, 0, kMaxDecimals)) {
     formatter_.setRoundingMode(NumberFormatter::RoundingMode::kHalfUp);
     formatter_.setUsesGroupingSeparator(false);
   }
@@ -41,15 +41,15 @@ class Writer {
   std::string levels(double value, std::size_t best, std::size_t count) {
     const auto& units = manager_.units();
     const std::size_t lowest = best + 1 - std::min(count, best + 1);
-    // Rounded in the lowest unit first, so that a carry runs upward by itself.
+    // Round in the lowest unit first, so that carries propagate.
     const double parts = partsPerUnit(lowest);
-    double rest = std::round(quotient(value, units[lowest]) * parts);
+    double remainder = std::round(quotient(value, units[lowest]) * parts);
     std::string result;
     for (std::size_t i = units.size(); i-- > lowest;) {
       const double size = parts * std::round(quotient(units[i].factor(), units[lowest]));
-      const double below = i == lowest ? 0 : std::fmod(rest, size);
-      const double number = (rest - below) / size;
-      rest = below;
+      const double below = i == lowest ? 0 : std::fmod(remainder, size);
+      const double number = (remainder - below) / size;
+      remainder = below;
       if (number == 0 && (i > lowest || !result.empty())) continue;
       if (!result.empty()) result += ' ';
       result += text(number, i);

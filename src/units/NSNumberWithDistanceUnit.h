@@ -4,8 +4,8 @@
 
 namespace vantrel {
 
-/// A length in the base unit of the current system (metres, or feet) that can be told as text. A
-/// value; the system is the one current when the text is made. Main thread.
+/// A length in metres, or in feet if the unit system that is current when it is formatted is imperial.
+/// A value. Main thread only.
 class NSNumberWithDistanceUnit {
  public:
   static NSNumberWithDistanceUnit numberWithFloat(float value) {
@@ -13,12 +13,11 @@ class NSNumberWithDistanceUnit {
   }
   float floatValue() const { return value_; }
 
-  /// With one level, the number in the best unit with at most `decimals` fraction digits (none
-  /// where the unit allows none; inches as whole and thirty-seconds), the symbol directly behind:
-  /// "999.9m", `3 19/32"`, "5280'". With more, whole numbers of the units from the best one down
-  /// and the rest in the last: "1km 250m", `5' 3 1/2"`; levels that are zero are left out, and a
-  /// rest that rounds to one of the next unit counts as that. Halves go up, away from zero. The
-  /// current locale's digits, not grouped; a negative length carries one sign in front.
+  /// With one level, formats the number in the best unit, with at most `decimals` fraction digits
+  /// (none if the unit allows none; inches with thirty-seconds): "999.9m", `3 19/32"`, "5280'". With
+  /// more, formats integers of the best unit and the units below, and the remainder in the last one:
+  /// "1km 250m", `5' 3 1/2"`; omits levels of 0 and carries. Halves round away from zero. Uses the
+  /// current locale's digits without grouping, and one minus sign in front.
   std::string formattedValueWithNumberOfDecimals(int decimals, int unitsLevels) const;
 
  private:
