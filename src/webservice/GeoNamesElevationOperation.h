@@ -8,21 +8,24 @@
 
 namespace vantrel {
 
-/// Asks GeoNames for the altitude of the ground, in metres, as the shuttle's radar measured it.
-/// Nothing is found on the sea and beyond the 60th degrees of latitude.
+/// Requests the altitude of the ground in metres from GeoNames (SRTM data). The sea and latitudes
+/// beyond 60 degrees have none.
 class GeoNamesElevationOperation : public PlaceRequestOperation {
  public:
-  using Found = std::function<void(std::optional<float> altitude)>;
+  using Completion = std::function<void(std::optional<float> altitude)>;
 
-  /// `found` hears what was found, on the main queue.
-  GeoNamesElevationOperation(LocationCoordinate2D place, Found found);
+  /// Calls `completion` on the main queue, with `nullopt` if GeoNames has no altitude.
+  GeoNamesElevationOperation(LocationCoordinate2D place, Completion completion)
+      : PlaceRequestOperation(kGeoNamesAddress, place), completion_(std::move(completion)) {}
 
-  std::string urlString() const override;
+  std::string urlString() const override { return geoNamesUrl("srtm3JSON"); }
   std::string getCheckDataKey() const override { return "srtm3"; }
-  void processResponseWithResult(const JsonAnswer& result) override;
+  void processResponseWithResult(const JsonAnswer& result) override {
+    completion_(altitudeFromNumber(result[getCheckDataKey()].asNumber()));
+  }
 
  private:
-  Found found_;
+  Completion completion_;
 };
 
 }  // namespace vantrel

@@ -8,20 +8,24 @@
 
 namespace vantrel {
 
-/// Asks GeoNames in which time zone a place lies. The name is the service's, unchecked.
+/// Requests the name of a place's time zone from GeoNames.
 class GeoNamesTimeZoneOperation : public PlaceRequestOperation {
  public:
-  using Found = std::function<void(std::optional<std::string> name)>;
+  using Completion = std::function<void(std::optional<std::string> name)>;
 
-  /// `found` hears what was found, on the main queue.
-  GeoNamesTimeZoneOperation(LocationCoordinate2D place, Found found);
+  /// Calls `completion` on the main queue, with the name as received, which may not be a known
+  /// zone, or `nullopt` if it is not a string.
+  GeoNamesTimeZoneOperation(LocationCoordinate2D place, Completion completion)
+      : PlaceRequestOperation(kGeoNamesAddress, place), completion_(std::move(completion)) {}
 
-  std::string urlString() const override;
+  std::string urlString() const override { return geoNamesUrl("timezoneJSON"); }
   std::string getCheckDataKey() const override { return "timezoneId"; }
-  void processResponseWithResult(const JsonAnswer& result) override;
+  void processResponseWithResult(const JsonAnswer& result) override {
+    completion_(result[getCheckDataKey()].asString());
+  }
 
  private:
-  Found found_;
+  Completion completion_;
 };
 
 }  // namespace vantrel

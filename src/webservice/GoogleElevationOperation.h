@@ -8,21 +8,30 @@
 
 namespace vantrel {
 
-/// Asks Google for the altitude of the ground, or of the bottom of the sea, in metres. Starts
-/// without an account: `token` is to be a key of the user's own, for the program's is none of
-/// Google's.
+/// Requests the altitude of the ground, or of the sea floor, in metres from Google. Has no account
+/// by default: set `token` to the user's own key.
 class GoogleElevationOperation : public PlaceRequestOperation {
  public:
-  using Found = std::function<void(std::optional<float> altitude)>;
+  using Completion = std::function<void(std::optional<float> altitude)>;
 
-  /// `found` hears what was found, on the main queue.
-  GoogleElevationOperation(LocationCoordinate2D place, Found found);
+  /// Calls `completion` on the main queue, with `nullopt` if the answer has no valid altitude.
+  GoogleElevationOperation(LocationCoordinate2D place, Completion completion)
+      : PlaceRequestOperation(kGoogleAddress, place), completion_(std::move(completion)) {
+    setServerType(kGoogle);
+    setUsername("");
+    setToken("");
+  }
 
-  std::string urlString() const override;
-  void processResponseWithResult(const JsonAnswer& result) override;
+  std::string urlString() const override {
+    return serviceAddress() + "/maps/api/elevation/json?locations=" + latitude() + "," +
+           longitude() + parameter("key", token());
+  }
+  void processResponseWithResult(const JsonAnswer& result) override {
+    completion_(altitudeFromNumber(result["elevation"].asNumber()));
+  }
 
  private:
-  Found found_;
+  Completion completion_;
 };
 
 }  // namespace vantrel

@@ -21,7 +21,7 @@ tl::unexpected<Error> undecodable(const std::string& why) {
   return tl::unexpected(Error{"JSON", 0, "The answer is not JSON: " + why, {}});
 }
 
-/// What the library says, without its own numbering and the bytes it stumbled over.
+/// Returns the library's message without its error number and the offending bytes.
 std::string reasonOf(const Json::exception& error) {
   const std::string text = error.what();
   const auto start = text.find("] ");
@@ -33,9 +33,9 @@ std::string reasonOf(const Json::exception& error) {
 }  // namespace
 
 Expected<JsonAnswer> JsonAnswer::answerWithData(std::string_view data) {
-  // Deep documents cost many times their size, and a stack once somebody walks them.
+  // Deep documents need many times their size in memory and overflow the stack of recursive code.
   const auto checkDepth = [](int depth, Json::parse_event_t /*event*/, Json& /*parsed*/) {
-    if (depth > kMostDepth) throw std::length_error("nested too deeply");
+    if (depth > kMaxDepth) throw std::length_error("nested too deeply");
     return true;
   };
   try {

@@ -9,28 +9,27 @@
 
 namespace vantrel {
 
-/// A decoded JSON document, or a value inside one. A value: copies share what they hold. Any
-/// thread.
+/// A decoded JSON document or a value in one. Copies share the document. Thread-safe.
 class JsonAnswer {
  public:
-  /// Deeper documents are refused.
-  static constexpr int kMostDepth = 512;
+  static constexpr int kMaxDepth = 512;
 
-  /// The document, an object or an array in UTF-8; an error of domain "JSON" for all else.
+  /// Decodes an object or array in UTF-8. Errors (domain "JSON"): invalid JSON, another root,
+  /// nesting deeper than kMaxDepth.
   static Expected<JsonAnswer> answerWithData(std::string_view data);
 
   bool isObject() const;
-  /// Whether this is an object that holds the key; null is a value.
+  /// Whether this is an object with the key, even if its value is null.
   bool contains(std::string_view key) const;
-  /// Null, where `contains` is false.
+  /// A null value if contains() is false.
   JsonAnswer operator[](std::string_view key) const;
-  /// The first value of an array; nothing for an empty one and for all others.
+  /// The first element; `nullopt` if this is not an array or it is empty.
   std::optional<JsonAnswer> first() const;
 
   std::optional<std::string> asString() const;
-  /// Of a number.
   std::optional<double> asNumber() const;
-  /// Of a number, its fraction cut off, or of a text that begins with one; 0 for all others.
+  /// A number truncated toward zero, or the integer at the start of a string, clamped to the range
+  /// of int; otherwise 0.
   int intValue() const;
 
  private:

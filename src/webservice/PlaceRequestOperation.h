@@ -8,14 +8,15 @@
 
 namespace vantrel {
 
-/// A request about one place.
+/// Base of requests about one place.
 class PlaceRequestOperation : public WebServiceRequestOperation {
  public:
-  /// Scheme and host to ask instead of the service's own, without a slash at the end.
+  /// Scheme and host of the service, without a trailing slash; replaces the default.
   void setServiceAddress(std::string address) { serviceAddress_ = std::move(address); }
   const std::string& serviceAddress() const { return serviceAddress_; }
 
-  /// Metres, when that is a height on Earth; services mark what they do not know by others.
+  /// Returns `number` if it is a possible altitude, otherwise `nullopt`: the services return
+  /// numbers such as -32768 for unknown ones.
   static std::optional<float> altitudeFromNumber(std::optional<double> number);
 
  protected:
@@ -26,12 +27,13 @@ class PlaceRequestOperation : public WebServiceRequestOperation {
   static constexpr const char* kGeoNamesAddress = "https://secure.geonames.org";
   static constexpr const char* kGoogleAddress = "https://maps.googleapis.com";
 
-  /// The place and the account put to one of GeoNames' services.
+  /// Returns the URL of a GeoNames service with the place and the account.
   std::string geoNamesUrl(const std::string& service) const;
-  /// Degrees as URLs have them, to a tenth of a metre: who asks again for a place finds it cached.
+  /// Degrees with six decimals, about 0.1 m: requests for nearly equal places share a cached
+  /// answer.
   std::string latitude() const;
   std::string longitude() const;
-  /// "&name=value", or nothing for an empty value.
+  /// Returns "&name=value", or "" if `value` is empty.
   static std::string parameter(const std::string& name, const std::string& value);
 
  private:

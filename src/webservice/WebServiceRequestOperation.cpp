@@ -16,7 +16,7 @@ namespace vantrel {
 
 namespace {
 
-/// The only place where the program's own account stands.
+/// This program's account.
 constexpr const char* kUsername = "vantrel";
 constexpr const char* kToken = "xwQ_2016torrelabas";
 
@@ -24,7 +24,7 @@ constexpr const char* kToken = "xwQ_2016torrelabas";
   throw std::logic_error(stringWithFormat("You must override %@ in a subclass", {operation}));
 }
 
-/// Replaces `word` where no larger word holds it.
+/// Replaces `word` by "***" wherever it is a whole word.
 void hide(std::string_view word, std::string& text) {
   constexpr std::string_view kHidden = "***";
   if (word.empty()) return;
@@ -111,7 +111,7 @@ void WebServiceRequestOperation::processGeoNamesAnswer(const JsonAnswer& answer)
         Error{kGeoNamesErrorDomain, status["value"].intValue(), message.value_or(""), {}});
     return;
   }
-  // The spelling is the one that is known.
+  // The misspelling is part of the interface.
   scheduleError(
       Error{kGeoNamesErrorDomain, kUnknownLookupError, "Geonames unkowin lookup error", {}});
 }
@@ -131,24 +131,24 @@ void WebServiceRequestOperation::scheduleError(std::optional<Error> error,
   });
 }
 
-void WebServiceRequestOperation::tellNetworkIsActive(bool isActive) {
+void WebServiceRequestOperation::notifyNetworkIsActive(bool isActive) {
   if (const auto listener = delegate()) {
     listener->webServiceRequestOperationNetworkIsActive(*this, isActive);
   }
 }
 
 void WebServiceRequestOperation::downloadStarted() {
-  tellNetworkIsActive(true);
+  notifyNetworkIsActive(true);
 }
 
 void WebServiceRequestOperation::parseEnded(const JsonAnswer& result) {
-  tellNetworkIsActive(false);
-  // The notice just sent may have been the moment to cancel.
+  notifyNetworkIsActive(false);
+  // The delegate may have cancelled in the notice.
   if (!isCancelled()) processResponseWithResult(result);
 }
 
 void WebServiceRequestOperation::parseError(const std::optional<Error>& error) {
-  tellNetworkIsActive(false);
+  notifyNetworkIsActive(false);
   const auto listener = delegate();
   if (listener && !isCancelled()) {
     listener->webServiceRequestOperationDidFailWithError(*this, error);
