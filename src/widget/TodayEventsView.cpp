@@ -26,7 +26,7 @@ constexpr double kBottomMargin = 8;
 constexpr double kTitleToDate = 5;
 constexpr double kExpandedGap = 12;
 constexpr double kCompactGap = 8;
-/// What a row adds to the reported height besides its own, in both modes.
+/// Added to each row in the reported height, in both modes.
 constexpr double kReportedGap = 12;
 constexpr double kUnlimitedHeight = 10000;
 
@@ -36,20 +36,20 @@ double boundingHeight(const Label& label, double width) {
       .height;
 }
 
-/// The height of the text wrapped at `width`, cut to two lines.
+/// Height of the text wrapped at `width`, at most two lines.
 double heightOfAtMostTwoLines(const Label& label, double width) {
   const auto& measurer = TextMeasurer::sharedMeasurer();
   const double twoLines = 2 * measurer.sizeOfText(label.text(), label.font()).height;
   return std::min(twoLines, boundingHeight(label, width));
 }
 
-/// Formatters are costly: this one serves every row of every layout of the process.
+/// Formatters are expensive to create: one for all rows and layouts of the process.
 DateFormatter& sharedDateFormatter() {
   static DateFormatter formatter;
   return formatter;
 }
 
-/// Date and time in the plan's own zone, or in the device's when it names none that is known.
+/// Date and time in the plan's zone, or in the device's if the plan's is unknown.
 std::string dateText(const Planning& plan) {
   using Style = DateFormatter::Style;
   const auto date = plan.date();
@@ -120,7 +120,7 @@ void TodayEventsView::layoutSubviews() {
   contentHeight_ = layoutPlansInfo(0);
 }
 
-// Rows stand 8 or 12 apart, yet each counts 12 in the reported height: hosts rely on both.
+// Rows are 8 or 12 apart, yet each adds 12 to the reported height: hosts rely on both.
 double TodayEventsView::layoutPlansInfo(double /*unused*/) {
   const double left = marginInsets_.left;
   const double width = frame().size.width;
@@ -148,7 +148,7 @@ double TodayEventsView::layoutPlansInfo(double /*unused*/) {
   return top + std::max(columnHeights[0], columnHeights[1]) + kBottomMargin;
 }
 
-/// Shows or hides the message; returns the height above the rows that is reported for it.
+/// Shows or hides the message. Returns the part of the reported height above the rows.
 double TodayEventsView::layoutMessageLabel(double width) {
   const bool hasPlans = plans_ && !plans_->empty();
   messageLabel_->setHidden(hasPlans);
@@ -180,13 +180,13 @@ void TodayEventsView::selectLabel(int row) {
   setTextColor(palette::vantrelYellow(), row);
 }
 
-// White whatever the label's colour was: hosts put a dark backing behind a touched row.
+// White, whatever the initial colour was: hosts draw a dark background behind a touched row.
 void TodayEventsView::deselectLabel(int row) {
   setTextColor(Color::whiteColor(), row);
 }
 
 void TodayEventsView::didTapOnLabel(int row) {
-  // What a tap opens may end the widget's life, this view included.
+  // The delegate may destroy this view.
   const std::weak_ptr<void> lifetime = lifetime_;
   if (const auto receiver = delegate()) receiver->todayViewDidTapOnView(*this, kTapType, row);
   if (!lifetime.expired()) deselectLabel(row);

@@ -8,44 +8,55 @@
 
 #include "platform/view/Label.h"
 #include "store/Planning.h"
-#include "widget/TodayViewDelegate.h"
 #include "widget/TodayViewLabel.h"
 
 namespace vantrel {
 
-/// Lists the next plans, each a title over its date, or tells that there are none. Rows exist for
-/// the view's whole life and are shown, hidden and moved. Main thread.
+class TodayEventsView;
+
+/// Receives the events of a TodayEventsView. Main thread only.
+class TodayViewDelegate {
+ public:
+  virtual ~TodayViewDelegate() = default;
+  /// A row was tapped; `index` is that of its plan.
+  virtual void todayViewDidTapOnView(TodayEventsView& view, int type, int index) = 0;
+  /// For views that report their layout; TodayEventsView does not call it.
+  virtual void todayViewDidLayout() {}
+};
+
+/// Lists the next plans, each as a title over its date, or a message if there are none. The labels
+/// are created once and shown, hidden and moved. Main thread only.
 class TodayEventsView final : public View {
  public:
   static constexpr std::size_t kRowCount = 5;
-  /// Nothing reads like an empty list.
+  /// `nullopt` is shown like an empty list.
   using Plans = std::optional<std::vector<std::shared_ptr<Planning>>>;
   using Labels = std::array<std::unique_ptr<TodayViewLabel>, kRowCount>;
 
-  /// Starts expanded before system version 10, compact since.
+  /// Initially expanded before system version 10, otherwise compact.
   explicit TodayEventsView(const Rect& frame);
 
   const EdgeInsets& marginInsets() const { return marginInsets_; }
-  /// Holds from the next layout on; only `left` counts.
+  /// Takes effect at the next layout. Only `left` is used.
   void setMarginInsets(const EdgeInsets& insets) { marginInsets_ = insets; }
   std::shared_ptr<TodayViewDelegate> delegate() const { return delegate_.lock(); }
   void setDelegate(const std::weak_ptr<TodayViewDelegate>& delegate) { delegate_ = delegate; }
-  /// The height that the last layout needed.
+  /// The height of the content at the last layout.
   double contentHeight() const { return contentHeight_; }
   bool showExpanded() const { return showExpanded_; }
-  /// All rows when expanded, else at most two. Lays out at once.
+  /// Shows all rows if expanded, otherwise at most two. Lays out immediately.
   void setShowExpanded(bool showExpanded);
 
-  /// Shows these plans in this order, the first five of them. Lays out at once.
+  /// Shows the first five plans in this order. Lays out immediately.
   void updateData(Plans plans);
   void layoutSubviews() override;
 
-  /// Highlights a row, ends its highlight, or reports it as tapped. Rows out of range are ignored.
+  /// Highlight a row, remove the highlight, report a tap. An unknown row is not highlighted.
   void selectLabel(int row);
   void deselectLabel(int row);
   void didTapOnLabel(int row);
 
-  /// For hosts, which draw the labels and touch those of the rows; owned by the view.
+  /// For hosts that draw the labels and forward touches to them. Owned by the view.
   const Label& messageLabel() const { return *messageLabel_; }
   const Labels& planTitleLabels() const { return planTitleLabels_; }
   const Labels& planDateLabels() const { return planDateLabels_; }
@@ -67,7 +78,7 @@ class TodayEventsView final : public View {
   std::weak_ptr<TodayViewDelegate> delegate_;
   double contentHeight_ = 0;
   EdgeInsets marginInsets_;
-  /// What the labels' touches are bound to. Last, so that it goes first.
+  /// The labels' actions hold it weakly. Last member, so that it is destroyed first.
   std::shared_ptr<void> lifetime_ = std::make_shared<char>();
 };
 

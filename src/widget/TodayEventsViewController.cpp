@@ -79,7 +79,7 @@ void TodayEventsViewController::displayData() {
 }
 
 void TodayEventsViewController::updateWidgetHeight() {
-  // A content height with a fraction never compares equal, since whole pixels are set.
+  // A fractional content height never compares equal, since whole pixels are set.
   if (todayView_ && preferredContentSize().height != todayView_->contentHeight()) {
     preferContentHeight();
   }

@@ -8,9 +8,9 @@
 
 namespace vantrel {
 
-/// The widget: fetches the next plans once in its life, shows them, keeps its preferred height in
-/// step with its mode, and opens the plan that is tapped. A host ends this life and starts another
-/// to see other plans. Main thread.
+/// The widget: fetches the next plans once, when its view is loaded, shows them, sets its preferred
+/// height for the display mode and opens the tapped plan. To fetch again, a host creates a new
+/// controller. Main thread only.
 class TodayEventsViewController final : public ViewController,
                                         public WidgetProviding,
                                         public TodayViewDelegate {
@@ -20,24 +20,25 @@ class TodayEventsViewController final : public ViewController,
   void loadView() override;
   void viewDidLoad() override;
   void viewWillAppear(bool animated) override;
-  /// Shows what was fetched before and always reports new data.
+  /// Displays the fetched plans again and always reports new data.
   void widgetPerformUpdateWithCompletionHandler(
       const std::function<void(WidgetUpdateResult)>& completionHandler) override;
   void widgetActiveDisplayModeDidChange(WidgetDisplayMode mode, Size maximumSize) override;
-  /// Asks the host to open "vantrel://plan?id=" and the plan's URI. Taps on no plan are ignored.
+  /// Opens the plan's deepLink() through the host. Ignores an index without a plan.
   void todayViewDidTapOnView(TodayEventsView& view, int type, int index) override;
   void todayViewDidLayout() override { updateWidgetHeight(); }
 
-  /// Fetches at most five plans from the start of the current day on, by date. A failed fetch reads
-  /// as no plans.
+  /// Fetches at most five plans from the start of the current day on, by date. After a failed fetch
+  /// plans() is `nullopt`.
   void loadNextPlans();
   void displayData();
-  /// Takes over the view's content height, whole pixels of it, unless it is the preferred height.
+  /// Prefers the view's content height, truncated to whole pixels, unless it is exactly the
+  /// preferred height.
   void updateWidgetHeight();
 
-  /// The content; null before the view is loaded. Owned by the controller.
+  /// Null until the view is loaded. Owned by the controller.
   TodayEventsView* todayView() const { return todayView_.get(); }
-  /// The result of the last fetch; row i of the view shows plan i.
+  /// The last fetched plans; row i of the view shows plan i.
   const TodayEventsView::Plans& plans() const { return plans_; }
 
  private:
@@ -45,7 +46,7 @@ class TodayEventsViewController final : public ViewController,
 
   std::unique_ptr<TodayEventsView> todayView_;
   TodayEventsView::Plans plans_;
-  /// What the view's reports are bound to. Last, so that it goes first.
+  /// The view holds it weakly as its delegate. Last member, so that it is destroyed first.
   std::shared_ptr<void> lifetime_ = std::make_shared<char>();
 };
 

@@ -17,8 +17,7 @@ namespace {
 constexpr double kMessageFontSize = 15;
 constexpr double kTwoColumnsMinimumWidth = 600;
 
-/// The system's colour for labels follows the interface style from version 13; before 10 the host
-/// was dark.
+/// From version 13 on the colour of labels follows the interface style; before 10 hosts were dark.
 Color textColor() {
   const int version = DeviceSystemMajorVersion();
   if (version >= 13) return Color::dynamicColor(Color::blackColor(), Color::whiteColor());

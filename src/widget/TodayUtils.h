@@ -10,28 +10,28 @@
 
 namespace vantrel {
 
-/// What the widget's views share, and the hand-off to the main application's planner, which finds
-/// what is set here in the shared settings. Main thread.
+/// Label factories and layout rules of the widget's views, and the presets of the main
+/// application's planner, written to the shared settings. Main thread only.
 class TodayUtils {
  public:
   TodayUtils() = delete;
 
-  /// Whether rows stand in two columns: on widths above 600 before system version 10.
+  /// True for widths above 600 before system version 10.
   static bool shouldLayoutWithTwoColumns(const Rect& rect);
-  /// A label of regular weight, size 15, that shrinks to 2/3 to fit.
+  /// Creates a label with the style of applyTextStyle().
   static std::unique_ptr<Label> textLabel();
-  /// The same, bold.
+  /// Like textLabel(), but bold.
   static std::unique_ptr<Label> titleLabel();
-  /// The left margin of a column of icons, by the device's kind, orientation and screen.
+  /// The left margin of a column of icons for the device's kind, orientation and screen.
   static double iconLeftMargin();
 
-  /// Presets the planner: its map, a fresh observer there, the date, the device's zone; the
-  /// obstacle is switched off.
+  /// Presets the planner's map, observer (a new one at `position`), date and time zone (the
+  /// device's), and hides the obstacle.
   static void setDefaultPlannerPosition(LocationCoordinate2D position, Date date);
   static void setCurrentPlannerPanelIndex(std::int64_t index);
   static void setPlannerMilkyWayVisible(bool visible);
 
-  /// Makes a label one of the widget's: its colour, regular weight, and shrinking.
+  /// Sets the widget's text colour, the regular font of size 15, and shrinking to 2/3 to fit.
   static void applyTextStyle(Label& label);
 };
 

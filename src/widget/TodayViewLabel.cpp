@@ -30,7 +30,7 @@ void TodayViewLabel::touchesEnded(const Touch& touch) {
 
 void TodayViewLabel::report(const TargetAction& phase) const {
   if (phase.target.expired() || !phase.action) return;
-  // Nothing of the label goes along: it may be gone or have another tag by then.
+  // Captures no reference to the label, which may be destroyed or change its tag before the call.
   MainQueue::sharedQueue().async([phase, tag = tag()] {
     if (!phase.target.expired()) phase.action(tag);
   });

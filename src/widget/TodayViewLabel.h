@@ -7,23 +7,20 @@
 
 namespace vantrel {
 
-/// A label that reports the phases of a touch, each to a target of its own. It names itself by its
-/// tag. Main thread.
+/// A label that reports each phase of a touch to a separate target. Main thread only.
 class TodayViewLabel : public Label {
  public:
-  /// Gets the tag that the label had at the time of the touch.
+  /// `tag` is the label's at the time of the touch.
   using Action = std::function<void(int tag)>;
   enum ActionType { kTouchBegan = 0, kTouchCancelled = 1, kTouchEnd = 2 };
 
   TodayViewLabel() { setUserInteractionEnabled(true); }
 
-  /// Sets who hears of a phase; any other type than 0 and 1 is the touch's end. The label does not
-  /// keep the target alive: `action` runs only while `target`, the receiver's lifetime token,
-  /// lives.
+  /// Sets the target and action of a phase; any other type is kTouchEnd. `target` is held weakly:
+  /// `action` is not called after its destruction.
   void setTarget(const std::weak_ptr<void>& target, Action action, int actionType);
 
-  /// Phases are reported on a later turn of the main queue, never during the touch itself. A moving
-  /// touch reports nothing.
+  /// Actions are called on a later turn of the main queue. Moving touches are not reported.
   void touchesBegan(const Touch& touch) override;
   void touchesCancelled(const Touch& touch) override;
   void touchesEnded(const Touch& touch) override;
