@@ -1,0 +1,566 @@
+#!/usr/bin/env python3
+"""Cuts the power, on paper, at every call of every operation that writes: builds the disks that may be
+left, and looks whether each is readable, old or new, and good to go on with.
+
+usage: powercut.py PROGRAM [--operation NAME] [--states COUNT] [--seed N] [--no-sync]
+
+An operation is recorded once under strace. After each recorded call, what was synchronised is on the
+disk; of the rest the disk may have anything: nothing, all, all but one, a part of a write by sectors
+of 512 bytes, names without their data, data without its names. A rename is there or not, never half.
+Changes of a folder need a synchronisation of that folder, as POSIX has it; most file systems keep more.
+
+Programs write to a store's -shm through memory, where strace does not see it: it is left out, and in
+each disk missing, zeros or noise. SQLite builds it anew from the log."""
+
+import argparse
+import collections
+import hashlib
+import itertools
+import multiprocessing
+import os
+import pathlib
+import random
+import re
+import shutil
+import sys
+import tempfile
+
+from faults import DRAFT, essential
+from operations import LONG, OPERATIONS, Operation, nothing, plans
+from world import IDENTIFIER, World, content, is_empty_store
+
+RECORDED = ("open openat creat close write writev pwrite64 pwritev pwritev2 truncate ftruncate fallocate"
+            " copy_file_range sendfile lseek dup dup2 dup3 rename renameat renameat2 link linkat symlink"
+            " symlinkat unlink unlinkat mkdir mkdirat rmdir fsync fdatasync syncfs sync").split()
+SECTOR = 512
+SHM_SIZE = 32768
+READERS = [["today"], ["plan", "list"], ["store", "info"], ["defaults", "read", "note"],
+           ["defaults", "read", "note", "--standard"]]
+
+# Several operations in a row, without a moment's rest for the disk between them.
+SEQUENCES = [
+    ("first day", nothing,
+     [["plan", "add", "--name", "First", "--date", "+1d"],
+      ["defaults", "write", "note", "short", "--standard"],
+      ["plan", "add", "--name", "Second", "--date", "+1d", "--notes", LONG],
+      ["defaults", "write", "note", "short"],
+      ["observer", "set", "--latitude", "41", "--longitude", "2"],
+      ["camera", "add", "Wide", "--width", "36", "--height", "24"],
+      ["store", "copy", "{root}/group/Vantrel.sqlite", "{root}/Copy.sqlite"]]),
+    ("all in a row", plans, [operation.words for operation in OPERATIONS if operation.data is plans])]
+
+# What a call did to the disk. `names` are the entries that it changed, by folder and name.
+Data = collections.namedtuple("Data", "file offset bytes")
+Size = collections.namedtuple("Size", "file size")
+Names = collections.namedtuple("Names", "names folder")
+Sync = collections.namedtuple("Sync", "what")  # None: everything
+
+# A disk that may be left: how many changes were asked for, what became of those that no
+# synchronisation covers, and how the -shm beside each store looks.
+Cut = collections.namedtuple("Cut", "count fates kind shm")
+KEPT, LOST, TORN, BLANK = range(4)
+
+
+class Disk:
+    """Files and folders by number; 0 is the root. A file is its bytes, a folder its names."""
+
+    def __init__(self, root=None):
+        self.nodes = [{}]
+        if root:
+            self.load(pathlib.Path(root), 0)
+
+    def load(self, folder, number):
+        for path in sorted(folder.iterdir()):
+            is_folder = path.is_dir()
+            self.nodes.append({} if is_folder else bytearray(path.read_bytes()))
+            self.nodes[number][path.name] = len(self.nodes) - 1
+            if is_folder:
+                self.load(path, len(self.nodes) - 1)
+
+    def copy(self):
+        disk = Disk()
+        disk.nodes = [node.copy() for node in self.nodes]
+        return disk
+
+    def tree(self, number=0, path=""):
+        """(path, bytes or None for a folder), of what has a name."""
+        for name, inner in sorted(self.nodes[number].items()):
+            below = f"{path}/{name}".lstrip("/")
+            if isinstance(self.nodes[inner], dict):
+                yield below, None
+                yield from self.tree(inner, below)
+            else:
+                yield below, bytes(self.nodes[inner])
+
+    def apply(self, change, fate=KEPT, draw=None):
+        if isinstance(change, Names):
+            for (folder, name), number in change.names.items():
+                self.nodes[folder].pop(name, None)
+                if number is not None:
+                    self.nodes[folder][name] = number
+        elif isinstance(change, Size):
+            node = self.nodes[change.file]
+            del node[change.size:]
+            node.extend(bytes(change.size - len(node)))
+        elif fate == KEPT:
+            self.write(change.file, change.offset, change.bytes)
+        elif fate == TORN:
+            for offset, sector in sectors(change):
+                if draw.random() < 0.5:
+                    self.write(change.file, offset, sector)
+        elif fate == BLANK:
+            # The file has grown, and its new end was never written.
+            size = len(self.nodes[change.file])
+            grown = change.offset + len(change.bytes) - size
+            if grown > 0:
+                self.write(change.file, size, draw.choice([bytes(grown), draw.randbytes(grown)]))
+
+    def write(self, file, offset, data):
+        node = self.nodes[file]
+        node.extend(bytes(max(0, offset - len(node))))
+        node[offset:offset + len(data)] = data
+
+
+def sectors(change):
+    end = change.offset + len(change.bytes)
+    start = change.offset
+    while start < end:
+        stop = min(end, start - start % SECTOR + SECTOR)
+        yield start, change.bytes[start - change.offset:stop - change.offset]
+        start = stop
+
+
+class Recorder:
+    """Follows a trace on a disk of its own; `changes` are what it did to files below `root`."""
+
+    def __init__(self, root):
+        self.root = str(root)
+        self.disk = Disk(root)
+        self.changes = []
+
+    def follow(self, trace):
+        self.files = {}  # by descriptor: number (None outside), offset, is it for appending
+        for line in trace.splitlines():
+            if "<unfinished" in line:
+                raise ValueError("two threads at once cannot be recorded")
+            found = re.match(r"\d+ +(\w+)\((.*)\) += (-?\d+)", line)
+            if found and int(found[3]) >= 0:
+                call, arguments, result = found[1], found[2].split(", "), int(found[3])
+                if not hasattr(self, "on_" + call):
+                    raise ValueError(f"{call} cannot be recorded")
+                getattr(self, "on_" + call)(arguments, result)
+
+    def do(self, change):
+        self.changes.append(change)
+        self.disk.apply(change)
+
+    # Where a path leads: (folder, name), (None, None) outside.
+    def place(self, folder, path):
+        path = text(path)
+        if not path.startswith("/"):
+            cwd = re.fullmatch(r"AT_FDCWD<(.*)>", folder)
+            if cwd:
+                path = text(f'"{cwd[1]}"') + "/" + path
+            else:
+                number = self.files[descriptor(folder)][0]
+                if number is None:
+                    return None, None
+                if "/" in path.rstrip("/"):
+                    raise ValueError("a path below a descriptor cannot be recorded")
+                return number, path.rstrip("/")
+        path = os.path.normpath(path)
+        if not path.startswith(self.root + "/") or path.endswith("-shm"):
+            return None, None
+        *folders, name = path[len(self.root) + 1:].split("/")
+        number = 0
+        for inner in folders:
+            number = self.disk.nodes[number][inner]
+        return number, name
+
+    def number_at(self, folder, path):
+        path = os.path.normpath(text(path))
+        if path == self.root:
+            return 0
+        link = re.fullmatch(r"/proc/self/fd/(\d+)", path)
+        if link:
+            return self.files[int(link[1])][0]
+        folder, name = self.place(folder, f'"{escaped(path)}"')
+        return None if folder is None else self.disk.nodes[folder].get(name)
+
+    def make(self, node, folder, name):
+        """A new file or folder, which may have no name."""
+        self.disk.nodes.append(node)
+        number = len(self.disk.nodes) - 1
+        if name:
+            self.do(Names({(folder, name): number}, folder))
+        return number
+
+    def on_openat(self, arguments, result):
+        flags = arguments[2].split("|")
+        if "O_TMPFILE" in flags:
+            folder = self.number_at(*arguments[:2])
+            number = None if folder is None else self.make(bytearray(), folder, None)
+        else:
+            number = self.number_at(*arguments[:2])
+            folder, name = (None, None) if number is not None else self.place(*arguments[:2])
+            if folder is not None and "O_CREAT" in flags:
+                number = self.make(bytearray(), folder, name)
+            elif number is not None and "O_TRUNC" in flags:
+                self.do(Size(number, 0))
+        self.files[result] = [number, 0, "O_APPEND" in flags]
+
+    def on_open(self, arguments, result):
+        self.on_openat(["AT_FDCWD<>", *arguments], result)
+
+    def on_close(self, arguments, _result):
+        self.files.pop(descriptor(arguments[0]), None)
+
+    def on_lseek(self, arguments, result):
+        if descriptor(arguments[0]) in self.files:
+            self.files[descriptor(arguments[0])][1] = result
+
+    def on_write(self, arguments, result):
+        file = self.files.get(descriptor(arguments[0]), [None])
+        if file[0] is not None:
+            offset = len(self.disk.nodes[file[0]]) if file[2] else file[1]
+            self.do(Data(file[0], offset, data(arguments[1])[:result]))
+            file[1] = offset + result
+
+    def on_pwrite64(self, arguments, result):
+        number = self.files[descriptor(arguments[0])][0]
+        if number is not None:
+            self.do(Data(number, int(arguments[3]), data(arguments[1])[:result]))
+
+    def on_ftruncate(self, arguments, _result):
+        number = self.files[descriptor(arguments[0])][0]
+        if number is not None:
+            self.do(Size(number, int(arguments[1])))
+
+    def on_mkdirat(self, arguments, _result):
+        folder, name = self.place(*arguments[:2])
+        if folder is not None:
+            self.make({}, folder, name)
+
+    def on_mkdir(self, arguments, result):
+        self.on_mkdirat(["AT_FDCWD<>", *arguments], result)
+
+    def on_unlinkat(self, arguments, _result):
+        folder, name = self.place(*arguments[:2])
+        if folder is not None:
+            self.do(Names({(folder, name): None}, folder))
+
+    def on_unlink(self, arguments, result):
+        self.on_unlinkat(["AT_FDCWD<>", *arguments], result)
+
+    on_rmdir = on_unlink
+
+    def on_linkat(self, arguments, _result):
+        number = self.number_at(*arguments[:2])
+        folder, name = self.place(*arguments[2:4])
+        if folder is not None:
+            self.do(Names({(folder, name): number}, folder))
+
+    def on_link(self, arguments, result):
+        self.on_linkat(["AT_FDCWD<>", arguments[0], "AT_FDCWD<>", arguments[1]], result)
+
+    def on_renameat(self, arguments, _result):
+        number = self.number_at(*arguments[:2])
+        folder, name = self.place(*arguments[2:4])
+        if folder is not None:
+            self.do(Names({self.place(*arguments[:2]): None, (folder, name): number}, folder))
+
+    def on_rename(self, arguments, result):
+        self.on_renameat(["AT_FDCWD<>", arguments[0], "AT_FDCWD<>", arguments[1]], result)
+
+    def on_fsync(self, arguments, _result):
+        number = self.files[descriptor(arguments[0])][0]
+        if number is not None:
+            self.changes.append(Sync(number))
+
+    on_fdatasync = on_fsync
+
+    def on_syncfs(self, _arguments, _result):
+        self.changes.append(Sync(None))
+
+
+def data(argument):
+    return bytes.fromhex(argument.strip('"').replace("\\x", ""))
+
+
+def text(argument):
+    return os.fsdecode(data(argument))
+
+
+def escaped(path):
+    return "".join(f"\\x{byte:02x}" for byte in os.fsencode(path))
+
+
+def descriptor(argument):
+    return int(argument.split("<")[0])
+
+
+def settled(changes):
+    """For each change the number of the synchronisation that puts it on the disk, or none."""
+    found = {}
+    waiting = []
+    for i, change in enumerate(changes):
+        if isinstance(change, Sync):
+            covered = [j for j in waiting if change.what in (None, covering(changes[j]))]
+            found.update((j, i) for j in covered)
+            waiting = [j for j in waiting if j not in found]
+        else:
+            waiting.append(i)
+    return found
+
+
+def covering(change):
+    return change.folder if isinstance(change, Names) else change.file
+
+
+class Recording:
+    """One operation or several in a row: their changes, what they lead to and what readers tell."""
+
+    def __init__(self, program, name, prepare, commands, folder, is_synchronised=True):
+        self.name = name
+        self.commands = commands
+        self.folder = pathlib.Path(folder) / name.replace(" ", "-")
+        self.before = World(program, self.folder / "data")
+        self.program = program
+        prepare(self.before)
+        place = self.before.copy_to(self.folder / "recorded")
+        recorder = Recorder(place.root)
+        self.start = recorder.disk.copy()
+        self.ends = [0]  # after how many changes each command told that it was done
+        self.stages = [self.stage(place)]
+        trace = self.folder / "trace"
+        for number, words in enumerate(commands):
+            place.say(*words, before=strace(trace))
+            recorder.follow(trace.read_text(encoding="ascii"))
+            if list(recorder.disk.tree()) != list(Disk(place.root).tree()):
+                raise ValueError(f"{name}: the recording of {words} leads elsewhere")
+            self.ends.append(len(recorder.changes))
+            self.stages.append(self.stage(place))
+            again = place.copy_to(self.folder / f"again{number}")
+            again.run(*words)
+            self.stages[-1]["again"] = held(again)
+        self.changes = recorder.changes
+        if not is_synchronised:
+            self.changes = [change for change in self.changes if not isinstance(change, Sync)]
+            self.ends = [sum(not isinstance(change, Sync) for change in recorder.changes[:end])
+                         for end in self.ends]
+        self.nodes = [type(node)() for node in recorder.disk.nodes]
+        self.settled = settled(self.changes)
+
+    def stage(self, place):
+        """What is stored, and what readers tell of it, by who is asked first. Where there is no store,
+        a cut may leave one without a record, of which they tell otherwise."""
+        places = [place]
+        if not place.store.exists():
+            places.append(place.copy_to(self.folder / f"empty"))
+            places[1].say("plan", "add", "--name", "removed")
+            places[1].say("plan", "remove", IDENTIFIER.search(places[1].say("plan", "list", "--json"))[0])
+        told = [[self.told(place, first) for place in places] for first in range(len(READERS))]
+        return {"held": held(place), "told": told}
+
+    def told(self, place, first):
+        with tempfile.TemporaryDirectory(dir=self.folder) as folder:
+            return told_by_readers(place.copy_to(folder), first)
+
+    def cuts(self, draw, number):
+        """The disks that differ, as many as wanted; those that are left after a command are always among
+        them."""
+        seen = set()
+        found = []
+        for count in range(len(self.changes) + 1):
+            for kind, fates in self.fates(count, draw):
+                cut = Cut(count, fates, kind, None)
+                digest = hashlib.sha256(repr(list(self.disk(cut).tree())).encode()).digest()
+                # The same disk is another case before and after a command has ended.
+                key = digest, self.stages_at(count)
+                if key not in seen:
+                    seen.add(key)
+                    found.append(cut._replace(shm=draw.choice(["missing", "zeros", "noise"])))
+        if number and len(found) > number:
+            ended = [cut for cut in found if cut.count in self.ends]
+            others = [cut for cut in found if cut.count not in self.ends]
+            found = ended + draw.sample(others, max(0, min(number - len(ended), len(others))))
+        return found
+
+    def fates(self, count, draw):
+        """What may become of the changes that are not on the disk for sure, by number."""
+        loose = [i for i in range(count) if not isinstance(self.changes[i], Sync)
+                 and self.settled.get(i, count) >= count]
+        names = [i for i in loose if isinstance(self.changes[i], Names)]
+        written = [i for i in loose if isinstance(self.changes[i], Data)]
+
+        def all_but(lost, fate=LOST):
+            return tuple(sorted((i, fate) for i in lost))
+        yield "all", ()
+        if not loose:
+            return
+        yield "none", all_but(loose)
+        for i in draw.sample(loose, min(4, len(loose))):
+            yield "all but one", all_but([i])
+            yield "none but one", all_but(set(loose) - {i})
+        if written:
+            for _ in range(2):
+                yield "torn", ((written[-1], TORN),)
+            yield "names without data", all_but(set(loose) - set(names))
+            yield "names without data", all_but(written, BLANK)
+            yield "a blank end", ((draw.choice(written), BLANK),)
+        if names:
+            yield "data without names", all_but(names)
+        for _ in range(3):
+            yield "some", tuple((i, draw.choice([LOST, TORN, BLANK]) if i in written else LOST)
+                                for i in loose if draw.random() < 0.5)
+
+    def disk(self, cut):
+        """Drawn by the cut itself, so that it is the same each time."""
+        draw = random.Random(repr(cut[:3]))
+        disk = self.start.copy()
+        disk.nodes += [node.copy() for node in self.nodes[len(disk.nodes):]]
+        fates = dict(cut.fates)
+        for i, change in enumerate(self.changes[:cut.count]):
+            fate = fates.get(i, KEPT)
+            if not isinstance(change, Sync) and fate != LOST:
+                disk.apply(change, fate, draw)
+        return disk
+
+    def stages_at(self, count):
+        """Which are allowed: the old one and the new one, or what was told to be done."""
+        command = max(i for i, end in enumerate(self.ends) if end <= count)
+        return (command,) if self.ends[command] == count else (command, command + 1)
+
+    def place(self, cut, folder):
+        """The disk after the cut as files."""
+        root = pathlib.Path(folder)
+        draw = random.Random(repr(cut))
+        for path, held_bytes in self.disk(cut).tree():
+            if held_bytes is None:
+                (root / path).mkdir()
+                continue
+            (root / path).write_bytes(held_bytes)
+            if path.endswith(".sqlite") and cut.shm != "missing":
+                noise = bytes(SHM_SIZE) if cut.shm == "zeros" else draw.randbytes(SHM_SIZE)
+                (root / f"{path}-shm").write_bytes(noise)
+        return World(self.program, root)
+
+    def examine(self, cut):
+        """(which stage it left, what is wrong)"""
+        draw = random.Random(repr(cut))
+        problems = []
+        with tempfile.TemporaryDirectory(dir=self.folder) as folder:
+            for copy in ("read", "repeat"):
+                (pathlib.Path(folder) / copy).mkdir()
+            place = self.place(cut, pathlib.Path(folder) / "read")
+            try:
+                state = held(place)
+            except Exception as error:  # whatever a reader of damaged files throws
+                return None, [f"damaged: {error}"]
+            stages = [i for i in self.stages_at(cut.count) if self.stages[i]["held"] == state]
+            if not stages:
+                known = [i for i, stage in enumerate(self.stages) if stage["held"] == state]
+                return None, [f"lost: as after {known[-1]} commands" if known else "neither old nor new"]
+            first = draw.randrange(len(READERS))
+            told = told_by_readers(place, first)
+            expected = [known for i in stages for known in self.stages[i]["told"][first]]
+            if told not in expected:
+                problems += [f"{' '.join(READERS[i])}: {told[i][:1] + told[i][2:]}, not {expected[0][i][0]}"
+                             for i in told if all(told[i] != known[i] for known in expected)]
+                problems = problems or ["readers differ"]
+            place = self.place(cut, pathlib.Path(folder) / "repeat")
+            problems += self.repeat(place, cut, stages)
+        return stages[-1], problems
+
+    def repeat(self, place, cut, stages):
+        command = min(self.stages_at(cut.count)[0], len(self.commands) - 1)
+        done = place.run(*self.commands[command])
+        # On what it leads from, to what it leads to.
+        ends = [self.stages[i + 1]["held"] if i == command else self.stages[i]["again"] for i in stages]
+        state = held(place)
+        if state not in ends:
+            return [f"repeated: another end, exit {done.returncode} {done.stderr.strip()}"]
+        return []
+
+
+def held(world):
+    """What is stored, without what is in nobody's way."""
+    paths = [path for path in world.files() if not DRAFT.search(str(path.relative_to(world.root)))]
+    state = {str(path.relative_to(world.root)): content(path) for path in paths}
+    return essential({path: holds for path, holds in state.items() if not is_empty_store(holds)})
+
+
+def told_by_readers(world, first):
+    told = {}
+    for i in itertools.chain(range(first, len(READERS)), range(first)):
+        done = world.run(*READERS[i])
+        texts = [IDENTIFIER.sub("*", text.replace(str(world.root), "")) for text in (done.stdout, done.stderr)]
+        told[i] = (done.returncode, re.sub(r"Size .*", "", texts[0]), texts[1])
+    return told
+
+
+def strace(output):
+    calls = ",".join("?" + call for call in RECORDED)
+    return ("strace", "-f", "-y", "-xx", "-s", "10000000", "-o", str(output), "-e", "trace=" + calls,
+            "-e", "signal=none")
+
+
+def report(recording, cuts, results):
+    """One line of the table, and the first of each kind of problem; how many disks have one."""
+    ends = collections.Counter(which for which, _ in results)
+    wrong = sum(bool(problems) for _, problems in results)
+    last = len(recording.commands)
+    print(f"{recording.name:18} {len(recording.changes):8} {len(cuts):7} {ends[0]:6} {ends[last]:6}"
+          f" {wrong:6}", flush=True)
+    kinds = collections.Counter()
+    for cut, (_, problems) in zip(cuts, results):
+        for problem in problems:
+            kind = IDENTIFIER.sub("*", problem)
+            kinds[kind] += 1
+            if kinds[kind] <= 2:
+                print(f"  {cut.count} of {len(recording.changes)} calls, {cut.kind}, -shm {cut.shm}: {problem}")
+    for kind, count in kinds.items():
+        if count > 2:
+            print(f"  {count} times: {kind}")
+    return wrong
+
+
+RECORDINGS = []  # for the processes of the pool, which inherit it
+
+
+def examine(number, cut):
+    return RECORDINGS[number].examine(cut)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program")
+    parser.add_argument("--operation", help="only this one")
+    parser.add_argument("--states", type=int, default=0, help="at most so many of each operation")
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--no-sync", action="store_true",
+                        help="as if the disk ignored every synchronisation: has to find faults")
+    given = parser.parse_args()
+    if os.path.isdir("/dev/shm"):
+        tempfile.tempdir = "/dev/shm"
+    rows = [Operation(name, data, commands) for name, data, commands in SEQUENCES]
+    rows += [operation._replace(words=[operation.words]) for operation in OPERATIONS]
+    total = wrong = 0
+    print(f"{'operation':18} {'changes':>8} {'states':>7} {'old':>6} {'new':>6} {'faults':>6}")
+    with tempfile.TemporaryDirectory() as folder:
+        for name, prepare, commands in rows:
+            if given.operation not in (None, name):
+                continue
+            RECORDINGS.append(Recording(given.program, name, prepare, commands, folder, not given.no_sync))
+            cuts = RECORDINGS[-1].cuts(random.Random(f"{given.seed} {name}"), given.states)
+            with multiprocessing.Pool() as pool:
+                jobs = [(len(RECORDINGS) - 1, cut) for cut in cuts]
+                wrong += report(RECORDINGS[-1], cuts, pool.starmap(examine, jobs, chunksize=8))
+            total += len(cuts)
+            shutil.rmtree(RECORDINGS[-1].folder)
+    print(f"{total} states, {wrong} of them with faults")
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
