@@ -29,4 +29,10 @@ FileDescriptor openRegularFile(const char* path) {
   return {};
 }
 
+bool synchronizeDirectory(const char* path) {
+  const FileDescriptor directory(::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!directory) return errno == EACCES;
+  return ::fsync(directory.number()) == 0 || errno == EINVAL;
+}
+
 }  // namespace vantrel

@@ -26,4 +26,9 @@ class FileDescriptor {
 /// `path` is another kind of file; empty with the system's errno if it cannot be opened.
 FileDescriptor openRegularFile(const char* path);
 
+/// Writes the names in a folder to the disk, so that they survive a power cut. Also true if that
+/// cannot be asked for: of some file systems, and of a folder that may not be read. False, with
+/// errno, if it fails.
+bool synchronizeDirectory(const char* path);
+
 }  // namespace vantrel

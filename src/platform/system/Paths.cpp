@@ -1,11 +1,14 @@
 #include "platform/system/Paths.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <string>
+
+#include "base/FileDescriptor.h"
 
 namespace vantrel::paths {
 
@@ -94,9 +97,16 @@ bool createPrivateDirectory(const fs::path& directory) {
   if (fs::is_directory(directory, error)) return true;
   const fs::path parent = directory.parent_path();
   if (!parent.empty() && parent != directory && !createPrivateDirectory(parent)) return false;
-  // Another process may have made it in the meantime.
-  return ::mkdir(directory.c_str(), 0700) == 0 ||
-         (errno == EEXIST && fs::is_directory(directory, error));
+  if (::mkdir(directory.c_str(), 0700) != 0) {
+    // Another process may have made it in the meantime.
+    return errno == EEXIST && fs::is_directory(directory, error);
+  }
+  // A power cut that takes the folder's name takes the files in it.
+  if (synchronizeDirectory(parent.empty() ? "." : parent.c_str())) return true;
+  const int failure = errno;
+  ::rmdir(directory.c_str());
+  errno = failure;
+  return false;
 }
 
 }  // namespace vantrel::paths

@@ -20,7 +20,8 @@ std::optional<std::filesystem::path> configDirectory();
 std::optional<std::filesystem::path> cacheDirectory();
 std::optional<std::filesystem::path> stateDirectory();
 
-/// Makes the folder and its missing parents, each 0700; false when that fails.
+/// Creates the folder and its missing parents, each 0700, and synchronises the parents. False, with
+/// errno, if that fails.
 bool createPrivateDirectory(const std::filesystem::path& directory);
 
 }  // namespace vantrel::paths

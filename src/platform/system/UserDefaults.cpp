@@ -180,10 +180,7 @@ Expected<Content> replace(const fs::path& path, PropertyList values) {
     return tl::unexpected(error);
   }
   const fs::path folder = path.parent_path();
-  const FileDescriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!directory || ::fsync(directory.number()) != 0) {
-    return tl::unexpected(posixError(errno, folder));
-  }
+  if (!synchronizeDirectory(folder.c_str())) return tl::unexpected(posixError(errno, folder));
   content.identity = Identity(status);
   content.values = std::move(values);
   return content;
