@@ -222,25 +222,27 @@ bool StoreDraft::publishFile() {
 }
 
 bool StoreDraft::publish() {
-  publishFolder();
-  // Sync the pictures and the file's content before its name.
   const FileDescriptor written(::open(file().c_str(), O_RDONLY | O_CLOEXEC));
-  const bool hasPictures = isFolderPlaced_ || !placed_.empty();
-  const bool isSynced =
-      written && (hasPictures ? ::syncfs(written.number()) : ::fsync(written.number())) == 0;
-  if (!isSynced) {
-    failStore(StoreErrorCode::kInputOutput, "the store cannot be written");
-  }
+  std::error_code error;
+  const bool hasPictures = fs::exists(folder(), error);
+  const auto synchronize = [&] {
+    const int number = written.number();
+    if (!written || (hasPictures ? ::syncfs(number) : ::fsync(number)) != 0) {
+      failStore(StoreErrorCode::kInputOutput, "the store cannot be written");
+    }
+  };
+  // Sync content before names: a picture cut short by a power cut would be in the way of the next
+  // copy.
+  synchronize();
+  publishFolder();
+  // Sync the pictures' names before the file's, also those that a killed process left.
+  if (hasPictures) synchronize();
   const bool isPublished = publishFile();
   // If another process created the store, it may use the same pictures: do not remove them.
   isFolderPlaced_ = false;
   placed_.clear();
   if (!isPublished) return false;
-  const FileDescriptor folder(
-      ::open(place_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // Some file systems cannot sync folders.
-  const bool isKept = folder && (::fsync(folder.number()) == 0 || errno == EINVAL);
-  if (!isKept) {
+  if (!synchronizeDirectory(place_.parent_path().c_str())) {
     failStore(StoreErrorCode::kInputOutput,
               "the store is created, but its folder cannot be written");
   }
