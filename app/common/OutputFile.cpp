@@ -82,6 +82,7 @@ Expected<void> OutputFile::finish(bool lasting) {
   }
   if (::rename(beside_.c_str(), target_.c_str()) != 0) return failed(errno);
   beside_.clear();
+  if (lasting && !synchronizeDirectory(target_.parent_path().c_str())) return failed(errno);
   return {};
 }
 
