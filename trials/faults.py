@@ -28,8 +28,8 @@ HONEST = (73, 74)  # Cannot create; reading or writing failed.
 # What could not be opened for writing is opened for reading, which may lead to another reason.
 HONEST_OF_OPENING = (*HONEST, 75, 77)
 
-# Settings and a store in the making: the next one made removes them.
-DRAFT = re.compile(r"\.plist\.new$|\.vantrel-draft\." + IDENTIFIER.pattern)
+# Settings and a store in the making, which the next one made removes, and an export.
+DRAFT = re.compile(r"\.plist\.new$|\.part\d+$|\.vantrel-draft\." + IDENTIFIER.pattern)
 
 Case = collections.namedtuple("Case", "call number error")  # without an error: killed there
 Ending = collections.namedtuple("Ending", "code state answers")

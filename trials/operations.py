@@ -87,6 +87,7 @@ OPERATIONS = [
               ["store", "copy", "{root}/group/Vantrel.sqlite", "{root}/copies/Copy.sqlite"]),
     Operation("migrate", older, ["plan", "list", "--json"]),
     Operation("store identifiers", unidentified, ["store", "identifiers"]),
+    Operation("plan export", plans, ["plan", "export", "{root}/import.json"]),
     Operation("store dedupe", doubled, ["store", "dedupe"]),
     Operation("camera add", plans, ["camera", "add", "Wide", "--width", "36", "--height", "24"]),
     Operation("defaults write", plans, ["defaults", "write", "note", "short"]),
