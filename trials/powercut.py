@@ -22,6 +22,7 @@ import pathlib
 import random
 import re
 import shutil
+import sqlite3
 import sys
 import tempfile
 
@@ -37,7 +38,35 @@ SHM_SIZE = 32768
 READERS = [["today"], ["plan", "list"], ["store", "info"], ["defaults", "read", "note"],
            ["defaults", "read", "note", "--standard"]]
 
+
+
+def with_leftovers(world):
+    """What stopped programs left: a log that the store needs, a draft, settings, a copy's picture."""
+    plans(world)
+    connection = sqlite3.connect(world.store)
+    connection.execute("UPDATE ZPLANNING SET ZNAME = 'In the log' WHERE ZNAME = 'Sun'")
+    connection.commit()
+    files = [pathlib.Path(f"{world.store}{suffix}") for suffix in ("", "-wal")]
+    left = [file.read_bytes() for file in files]
+    connection.close()
+    for file, held_bytes in zip(files, left):
+        file.write_bytes(held_bytes)
+    draft = world.group / ".vantrel-draft.33333333-3333-4333-8333-333333333333"
+    draft.mkdir()
+    for name in ("vantrel-store-draft.lock", "Draft.sqlite", "Draft.sqlite-journal"):
+        (draft / name).write_bytes(b"half ")
+    for settings in world.root.rglob("*.plist"):
+        settings.with_suffix(".plist.new").write_bytes(b"half")
+    shutil.copytree(world.group / ".Vantrel_SUPPORT", world.root / "copies" / ".Copy_SUPPORT")
+
+
+def journalled(world):
+    plans(world)
+    world.sql("PRAGMA journal_mode = DELETE")
+
+
 # Several operations in a row, without a moment's rest for the disk between them.
+IN_A_ROW = [operation.words for operation in OPERATIONS if operation.data is plans]
 SEQUENCES = [
     ("first day", nothing,
      [["plan", "add", "--name", "First", "--date", "+1d"],
@@ -47,7 +76,8 @@ SEQUENCES = [
       ["observer", "set", "--latitude", "41", "--longitude", "2"],
       ["camera", "add", "Wide", "--width", "36", "--height", "24"],
       ["store", "copy", "{root}/group/Vantrel.sqlite", "{root}/Copy.sqlite"]]),
-    ("all in a row", plans, [operation.words for operation in OPERATIONS if operation.data is plans])]
+    ("all in a row", plans, IN_A_ROW), ("with leftovers", with_leftovers, IN_A_ROW),
+    ("without a log", journalled, IN_A_ROW)]
 
 # What a call did to the disk. `names` are the entries that it changed, by folder and name.
 Data = collections.namedtuple("Data", "file offset bytes")
@@ -331,7 +361,8 @@ class Recording:
         recorder = Recorder(place.root)
         self.start = recorder.disk.copy()
         self.ends = [0]  # after how many changes each command told that it was done
-        self.stages = [self.stage(place)]
+        self.stages = []
+        self.add_stage(place)
         trace = self.folder / "trace"
         for number, words in enumerate(commands):
             place.say(*words, before=strace(trace))
@@ -339,7 +370,7 @@ class Recording:
             if list(recorder.disk.tree()) != list(Disk(place.root).tree()):
                 raise ValueError(f"{name}: the recording of {words} leads elsewhere")
             self.ends.append(len(recorder.changes))
-            self.stages.append(self.stage(place))
+            self.add_stage(place)
             again = place.copy_to(self.folder / f"again{number}")
             again.run(*words)
             self.stages[-1]["again"] = held(again)
@@ -351,20 +382,26 @@ class Recording:
         self.nodes = [type(node)() for node in recorder.disk.nodes]
         self.settled = settled(self.changes)
 
-    def stage(self, place):
-        """What is stored, and what readers tell of it, by who is asked first. Where there is no store,
-        a cut may leave one without a record, of which they tell otherwise."""
-        places = [place]
+    def add_stage(self, place):
+        """What is stored. Where there is no store, a cut may leave one without a record, of which readers
+        tell otherwise."""
+        number = len(self.stages)
+        places = [place.copy_to(self.folder / f"stage{number}")]
         if not place.store.exists():
-            places.append(place.copy_to(self.folder / f"empty"))
+            places.append(place.copy_to(self.folder / f"empty{number}"))
             places[1].say("plan", "add", "--name", "removed")
             places[1].say("plan", "remove", IDENTIFIER.search(places[1].say("plan", "list", "--json"))[0])
-        told = [[self.told(place, first) for place in places] for first in range(len(READERS))]
-        return {"held": held(place), "told": told}
+        self.stages.append({"held": held(place), "places": places, "told": {}})
 
-    def told(self, place, first):
-        with tempfile.TemporaryDirectory(dir=self.folder) as folder:
-            return told_by_readers(place.copy_to(folder), first)
+    def told(self, number, first):
+        """What readers tell of a stage, by who is asked first: a reader may migrate the store."""
+        stage = self.stages[number]
+        if first not in stage["told"]:
+            stage["told"][first] = []
+            for place in stage["places"]:
+                with tempfile.TemporaryDirectory(dir=self.folder) as folder:
+                    stage["told"][first].append(told_by_readers(place.copy_to(folder), first))
+        return stage["told"][first]
 
     def cuts(self, draw, number):
         """The disks that differ, as many as wanted; those that are left after a command are always among
@@ -380,7 +417,7 @@ class Recording:
                 if key not in seen:
                     seen.add(key)
                     found.append(cut._replace(shm=draw.choice(["missing", "zeros", "noise"])))
-        if number and len(found) > number:
+        if len(found) > number:
             ended = [cut for cut in found if cut.count in self.ends]
             others = [cut for cut in found if cut.count not in self.ends]
             found = ended + draw.sample(others, max(0, min(number - len(ended), len(others))))
@@ -463,7 +500,7 @@ class Recording:
                 return None, [f"lost: as after {known[-1]} commands" if known else "neither old nor new"]
             first = draw.randrange(len(READERS))
             told = told_by_readers(place, first)
-            expected = [known for i in stages for known in self.stages[i]["told"][first]]
+            expected = [known for i in stages for known in self.told(i, first)]
             if told not in expected:
                 problems += [f"{' '.join(READERS[i])}: {told[i][:1] + told[i][2:]}, not {expected[0][i][0]}"
                              for i in told if all(told[i] != known[i] for known in expected)]
@@ -536,7 +573,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program")
     parser.add_argument("--operation", help="only this one")
-    parser.add_argument("--states", type=int, default=0, help="at most so many of each operation")
+    parser.add_argument("--states", type=int, default=1000, help="at most so many of each operation")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--no-sync", action="store_true",
                         help="as if the disk ignored every synchronisation: has to find faults")
