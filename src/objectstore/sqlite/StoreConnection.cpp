@@ -142,6 +142,9 @@ void StoreConnection::connect(const std::string& name, int flags) {
   if (!readOnly_) registerTriggerFunctions(database);
   // Opening reads nothing yet.
   execute("SELECT 1 FROM sqlite_schema LIMIT 1");
+  // A commit removes the rollback journal. Unless the folder is synced, a power cut can restore the
+  // journal, and the next reader would undo the commit.
+  if (!readOnly_) execute("PRAGMA synchronous = EXTRA");
 }
 
 void StoreConnection::connectImmutable(const fs::path& path) {
