@@ -32,7 +32,8 @@ class PersistentStoreCoordinator {
   /// Sets the reason for not adding a store.
   void setStoreFailure(Error failure) { failure_ = std::move(failure); }
 
-  /// Reads a store's metadata without writing to it.
+  /// Reads a store's metadata. Writes to the file only to roll back what a killed process left
+  /// half-written.
   static Expected<StoreMetadata> metadataForPersistentStore(const std::filesystem::path& url);
 
  private:

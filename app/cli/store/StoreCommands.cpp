@@ -74,7 +74,7 @@ struct StoreInfo {
   std::optional<std::size_t> images;
 };
 
-/// Reads it all without opening the store for writing.
+/// Reads the store without migrating it.
 Expected<StoreInfo> storeInfo(const fs::path& path) {
   const auto metadata = PersistentStoreCoordinator::metadataForPersistentStore(path);
   if (!metadata) return tl::unexpected(metadata.error());

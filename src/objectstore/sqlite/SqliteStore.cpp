@@ -110,6 +110,10 @@ Expected<std::unique_ptr<SqliteStore>> SqliteStore::open(
 Expected<StoreMetadata> SqliteStore::metadataAt(const fs::path& url) {
   SqliteStore store(url, nullptr);
   return store.convertingFailures([&] {
+    std::error_code error;
+    const auto journalSize = fs::file_size(fs::path(store.file_) += "-journal", error);
+    // A reader cannot roll back what a killed process left half-written.
+    if (!error && journalSize > 0) StoreConnection::open(store.file_, false);
     store.connection_ = StoreConnection::open(store.file_, true);
     return readStoreMetadata(*store.connection_);
   });

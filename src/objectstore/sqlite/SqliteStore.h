@@ -39,7 +39,8 @@ class SqliteStore {
   static Expected<std::unique_ptr<SqliteStore>> open(
       const std::filesystem::path& url, const StoreOptions& options,
       std::shared_ptr<const ManagedObjectModel> model);
-  /// Reads a store's metadata without writing to the file.
+  /// Reads a store's metadata. Writes to the file only to roll back what a killed process left
+  /// half-written.
   static Expected<StoreMetadata> metadataAt(const std::filesystem::path& url);
   /// Copies a store with its identity, pictures and unknown content, migrated like `open` does.
   /// Creates a complete store or none, also if the process is killed; does not write to the old

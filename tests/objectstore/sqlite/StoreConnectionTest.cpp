@@ -83,6 +83,11 @@ TEST_F(StoreConnectionTest, ReadsNothingHalfWritten) {
   EXPECT_EQ(openingError(copy, readOnlyOptions()), StoreErrorCode::kPermission);
   EXPECT_FALSE(OpenStore(copy).planNamed("half")) << "who may write takes it back";
   EXPECT_EQ(sqlite(copy, "PRAGMA integrity_check; SELECT count(*) FROM ZPLANNING"), "ok\n40");
+
+  const auto described = directory_ / "Described.sqlite";
+  copyHalfWritten(described);
+  EXPECT_TRUE(PersistentStoreCoordinator::metadataForPersistentStore(described));
+  EXPECT_FALSE(OpenStore(described, readOnlyOptions()).planNamed("half"));
 }
 
 /// Runs the function as a user without rights, in a process of its own, and gives what it gives.
