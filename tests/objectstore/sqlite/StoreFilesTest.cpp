@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/syscall.h>
 #include <unistd.h>
+
+#include <functional>
 
 #include "support/Guards.h"
 #include "support/TestStore.h"
@@ -14,6 +17,9 @@ namespace {
 namespace fs = std::filesystem;
 using test::OpenStore;
 using test::sqlite;
+
+/// Called before each synchronisation of a whole file system.
+std::function<void()> beforeSyncfs;
 
 TEST(StoreFiles, MakingAStoreRemovesAbandonedDraftsOnly) {
   const test::TemporaryDirectory directory;
@@ -114,5 +120,30 @@ TEST(StoreFiles, APicturesFileGoesWithTheLastRowThatNamesIt) {
   EXPECT_EQ(left(), "2") << "its bytes stand in the row now";
 }
 
+// After a power cut, a picture whose name is on the disk and whose content is not would be in the
+// way of the next copy, and a store would be without its picture.
+TEST(StoreFiles, ACopySynchronisesPicturesThenTheirNamesThenTheStore) {
+  const test::TemporaryDirectory directory;
+  fs::create_directories(directory / ".Vantrel_SUPPORT/_EXTERNAL_DATA");
+  test::writeFile(directory / ".Vantrel_SUPPORT/_EXTERNAL_DATA" / std::string(36, 'A'), "picture");
+  ASSERT_TRUE(OpenStore(directory / "Vantrel.sqlite").store);
+  std::string found;
+  beforeSyncfs = [&] {
+    found += fs::exists(directory / ".Copy_SUPPORT") ? "pictures" : "nothing";
+    found += fs::exists(directory / "Copy.sqlite") ? " and the store\n" : "\n";
+  };
+  const auto copied = SqliteStore::copy(directory / "Vantrel.sqlite", directory / "Copy.sqlite",
+                                        test::mainOptions(), test::mainModel());
+  beforeSyncfs = nullptr;
+  ASSERT_TRUE(copied);
+  EXPECT_EQ(found, "nothing\npictures\n");
+}
+
 }  // namespace
 }  // namespace vantrel
+
+/// In place of the C library's.
+int syncfs(int number) noexcept {
+  if (vantrel::beforeSyncfs) vantrel::beforeSyncfs();
+  return static_cast<int>(::syscall(SYS_syncfs, number));
+}
