@@ -14,7 +14,6 @@ each disk missing, zeros or noise. SQLite builds it anew from the log."""
 
 import argparse
 import collections
-import hashlib
 import itertools
 import multiprocessing
 import os
@@ -123,6 +122,8 @@ class Disk:
                 yield below, bytes(self.nodes[inner])
 
     def apply(self, change, fate=KEPT, draw=None):
+        if isinstance(change, Sync):
+            return
         if isinstance(change, Names):
             for (folder, name), number in change.names.items():
                 self.nodes[folder].pop(name, None)
@@ -379,7 +380,9 @@ class Recording:
             self.changes = [change for change in self.changes if not isinstance(change, Sync)]
             self.ends = [sum(not isinstance(change, Sync) for change in recorder.changes[:end])
                          for end in self.ends]
-        self.nodes = [type(node)() for node in recorder.disk.nodes]
+        # Whatever is created has its number from the start.
+        self.start.nodes += [type(node)() for node in recorder.disk.nodes[len(self.start.nodes):]]
+        self.base = 0, self.start  # after how many changes, the disk that was built last
         self.settled = settled(self.changes)
 
     def add_stage(self, place):
@@ -404,23 +407,25 @@ class Recording:
         return stage["told"][first]
 
     def cuts(self, draw, number):
-        """The disks that differ, as many as wanted; those that are left after a command are always among
-        them."""
+        """The disks that differ, as many as wanted; up to half of them are left after a command."""
         seen = set()
         found = []
-        for count in range(len(self.changes) + 1):
+        counts = range(len(self.changes) + 1)
+        if 4 * number < len(counts):
+            counts = sorted({*draw.sample(counts, 4 * number), *self.ends})
+        for count in counts:
             for kind, fates in self.fates(count, draw):
                 cut = Cut(count, fates, kind, None)
-                digest = hashlib.sha256(repr(list(self.disk(cut).tree())).encode()).digest()
                 # The same disk is another case before and after a command has ended.
-                key = digest, self.stages_at(count)
+                key = hash(tuple(self.disk(cut).tree())), self.stages_at(count)
                 if key not in seen:
                     seen.add(key)
                     found.append(cut._replace(shm=draw.choice(["missing", "zeros", "noise"])))
         if len(found) > number:
             ended = [cut for cut in found if cut.count in self.ends]
             others = [cut for cut in found if cut.count not in self.ends]
-            found = ended + draw.sample(others, max(0, min(number - len(ended), len(others))))
+            ended = draw.sample(ended, min(len(ended), number // 2))
+            found = ended + draw.sample(others, min(len(others), number - len(ended)))
         return found
 
     def fates(self, count, draw):
@@ -454,13 +459,18 @@ class Recording:
     def disk(self, cut):
         """Drawn by the cut itself, so that it is the same each time."""
         draw = random.Random(repr(cut[:3]))
-        disk = self.start.copy()
-        disk.nodes += [node.copy() for node in self.nodes[len(disk.nodes):]]
         fates = dict(cut.fates)
-        for i, change in enumerate(self.changes[:cut.count]):
-            fate = fates.get(i, KEPT)
-            if not isinstance(change, Sync) and fate != LOST:
-                disk.apply(change, fate, draw)
+        # Up to the first change with another fate, disks are alike.
+        first = min([cut.count, *fates])
+        done, base = self.base if self.base[0] <= first else (0, self.start)
+        base = base.copy()
+        for change in self.changes[done:first]:
+            base.apply(change)
+        self.base = first, base
+        disk = base.copy()
+        for i, change in enumerate(self.changes[first:cut.count], first):
+            if fates.get(i, KEPT) != LOST:
+                disk.apply(change, fates.get(i, KEPT), draw)
         return disk
 
     def stages_at(self, count):
