@@ -1,10 +1,11 @@
-"""Prints what a store says of itself, read with Python alone: an independent witness."""
+"""Prints the metadata and the cached model of a store, read with Python alone."""
 
 import base64
 import hashlib
 import plistlib
 import sqlite3
 import sys
+import zlib
 
 store = sqlite3.connect(f"file:{sys.argv[1]}?mode=ro", uri=True)
 for pragma in ("page_size", "auto_vacuum", "encoding", "journal_mode", "user_version",
@@ -33,3 +34,19 @@ if len(sys.argv) > 2:
     current = info["NSManagedObjectModel_CurrentVersionName"]
     print("model", info["NSManagedObjectModel_VersionHashes"][current] == hashes,
           info["NSManagedObjectModel_VersionChecksums"][current] == checksum)
+cache = store.execute("SELECT Z_CONTENT FROM Z_MODELCACHE").fetchone()
+if cache:
+    objects = plistlib.loads(zlib.decompress(cache[0], -15))["$objects"]
+
+    def deref(holder, key):
+        value = holder[key]
+        return objects[value.data] if isinstance(value, plistlib.UID) else value
+
+    entities = deref(objects[1], "NSEntities")
+    print("cache", *deref(entities, "$class")["$classes"])
+    names = deref(deref(entities, "searchMapping"), "keys")["NS.objects"]
+    for name, entity in zip(names, deref(entities, "values")["NS.objects"]):
+        properties = deref(objects[entity.data], "NSProperties")
+        kinds = [deref(objects[uid.data], "$class")["$classname"][2:-11] + " " + objects[key.data]
+                 for key, uid in zip(properties["NS.keys"], properties["NS.objects"])]
+        print(objects[name.data] + ":", ", ".join(sorted(kinds)))

@@ -58,6 +58,7 @@ Expected<ManagedObjectModel> ManagedObjectModel::modelWithContentsOfURL(const fs
       return model;
     }
     model->url_ = url;
+    model->archiveUrl_ = url;
     return model;
   }
   PropertyList info;

@@ -47,11 +47,14 @@ class ManagedObjectModel {
   VersionHashes versionHashes() const;
   /// The folder or file that the model was read from; empty for `modelWithData`.
   const std::filesystem::path& url() const { return url_; }
+  /// The .mom file: `url` itself or the current version in it.
+  const std::filesystem::path& archiveUrl() const { return archiveUrl_; }
 
  private:
   std::vector<EntityDescription> entities_;
   std::vector<std::string> versionIdentifiers_;
   std::filesystem::path url_;
+  std::filesystem::path archiveUrl_;
 };
 
 }  // namespace vantrel

@@ -1,41 +1,15 @@
 #include "objectstore/sqlite/RelationshipStorage.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <charconv>
 #include <span>
 
 #include "base/Ascii.h"
+#include "objectstore/sqlite/ModelCache.h"
 
 namespace vantrel {
 
 namespace {
-
-/// Far larger than any real model.
-constexpr std::size_t kLargestModel = std::size_t{16} << 20;
-
-/// Decompresses raw DEFLATE data (without a header). `nullopt` if it is damaged or too large.
-std::optional<std::vector<std::byte>> inflated(std::span<const std::byte> data) {
-  if (data.size() > kLargestModel) return std::nullopt;
-  z_stream stream = {};
-  constexpr int kRaw = -15;
-  if (inflateInit2(&stream, kRaw) != Z_OK) return std::nullopt;
-  stream.next_in = reinterpret_cast<Bytef*>(const_cast<std::byte*>(data.data()));
-  stream.avail_in = static_cast<uInt>(data.size());
-  std::vector<std::byte> result;
-  int code = Z_OK;
-  while (code == Z_OK && result.size() < kLargestModel) {
-    const std::size_t before = result.size();
-    result.resize(std::max<std::size_t>(before * 2, data.size() * 4 + 64));
-    stream.next_out = reinterpret_cast<Bytef*>(&result[before]);
-    stream.avail_out = static_cast<uInt>(result.size() - before);
-    code = inflate(&stream, Z_NO_FLUSH);
-    result.resize(result.size() - stream.avail_out);
-  }
-  inflateEnd(&stream);
-  return code == Z_STREAM_END ? std::optional(std::move(result)) : std::nullopt;
-}
 
 std::string numbered(std::int64_t number) {
   return "Z_" + std::to_string(number);
@@ -94,12 +68,7 @@ const ManagedObjectModel* RelationshipStorages::carriedModel() {
   hasReadCarriedModel_ = true;
   if (!hasColumn("Z_MODELCACHE", "Z_CONTENT")) return nullptr;
   auto query = connection_.statement("SELECT Z_CONTENT FROM Z_MODELCACHE LIMIT 1");
-  if (query.next()) {
-    const auto archive = inflated(query.bytes(0));
-    auto model =
-        archive ? ManagedObjectModel::modelWithData(*archive) : tl::unexpected<Error>(Error{});
-    if (model) carriedModel_ = std::make_unique<ManagedObjectModel>(std::move(*model));
-  }
+  if (query.next()) carriedModel_ = modelFromCache(query.bytes(0));
   return carriedModel_.get();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "objectstore/sqlite/ModelCache.h"
 #include "objectstore/sqlite/StoreLayout.h"
 #include "objectstore/sqlite/StoreMetadata.h"
 
@@ -39,6 +40,12 @@ void addTablesAndColumns(StoreConnection& connection, const StoreLayout& layout)
   connection.forgetTables();
 }
 
+void insertModelCache(StoreConnection& connection, const ManagedObjectModel& model) {
+  const Data content = modelCacheContent(model);
+  if (content.empty()) return;
+  connection.statement("INSERT INTO Z_MODELCACHE VALUES (?)").bind(content).execute();
+}
+
 }  // namespace
 
 bool isEmptyStore(StoreConnection& connection) {
@@ -60,6 +67,7 @@ void createStoreSchema(StoreConnection& connection, const ManagedObjectModel& mo
       "CREATE TABLE Z_MODELCACHE (Z_CONTENT BLOB)");
   addEntityNumbers(connection, model);
   insertStoreMetadata(connection, model);
+  insertModelCache(connection, model);
   connection.forgetTables();
   transaction.commit();
 }
@@ -74,6 +82,7 @@ void migrateStoreSchema(StoreConnection& connection, const ManagedObjectModel& m
   // It holds the older model.
   if (connection.tableExists("Z_MODELCACHE")) {
     connection.execute("DELETE FROM Z_MODELCACHE");
+    insertModelCache(connection, model);
   }
   transaction.commit();
   connection.noteWritten();

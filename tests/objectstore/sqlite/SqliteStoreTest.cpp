@@ -83,10 +83,10 @@ store.commit())";
     ASSERT_TRUE(store.context.save());
   }
   EXPECT_EQ(sqlite(file_,
-                   "SELECT Z_UUID FROM Z_METADATA; SELECT count(*) FROM Z_MODELCACHE;"
+                   "SELECT Z_UUID FROM Z_METADATA; SELECT count(*) FROM Z_MODELCACHE WHERE length(Z_CONTENT) > 1;"
                    "SELECT sql FROM sqlite_schema WHERE name IN ('ZMINE', 'ZPLANNING')"),
             uuid +
-                "\n0\nCREATE TABLE ZPLANNING ( Z_PK INTEGER PRIMARY KEY, Z_ENT INTEGER, Z_OPT"
+                "\n1\nCREATE TABLE ZPLANNING ( Z_PK INTEGER PRIMARY KEY, Z_ENT INTEGER, Z_OPT"
                 " INTEGER, ZDATE TIMESTAMP, ZLATITUDE FLOAT, ZLONGITUDE FLOAT, ZNAME VARCHAR,"
                 " ZNOTES VARCHAR, ZTIMEZONE VARCHAR , ZUNIQUEIDENTIFIER VARCHAR)\n"
                 "CREATE TABLE ZMINE (Z_PK INTEGER)");
