@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 
 #include "base/FileDescriptor.h"
@@ -46,8 +47,8 @@ std::optional<std::string> externalFileName(std::span<const std::byte> stored) {
 }
 
 std::vector<std::byte> wrappedBytes(std::span<const std::byte> value) {
-  std::vector<std::byte> stored = {kInline};
-  stored.insert(stored.end(), value.begin(), value.end());
+  std::vector<std::byte> stored(value.size() + 1, kInline);
+  std::copy(value.begin(), value.end(), stored.begin() + 1);
   return stored;
 }
 
