@@ -1,7 +1,5 @@
 #include "geo/Obstacle.h"
 
-#include <cmath>
-
 #include "base/StringFormat.h"
 #include "defaults/PlannerKeys.h"
 #include "defaults/VantrelUserDefaults.h"
@@ -16,11 +14,6 @@ namespace {
 
 std::string label(std::string_view key) {
   return Bundle::mainBundle().localizedString(key, "", "Ephemeris");
-}
-
-std::int32_t rounded(float value) {
-  const std::int32_t magnitude = truncatedInt32(std::fabs(double{value}) + 0.5);
-  return value < 0 ? -magnitude : magnitude;
 }
 
 }  // namespace
@@ -75,7 +68,8 @@ void Obstacle::recalculateDataWithObserver(const VTObserver& observer) {
   if (!justDropped_ && observer.isAltitudeValid() && isAltitudeValid()) {
     const auto curve = geodeticCalculator_.geodeticCurveBetweenSource(
         observer.coordinate(), observer.totalAltitude(), coordinate(), totalAltitude());
-    altitudeDifference_ = static_cast<float>(rounded(totalAltitude() - observer.totalAltitude()));
+    altitudeDifference_ =
+        static_cast<float>(roundedInt32(totalAltitude() - observer.totalAltitude()));
     altitudeDifferenceString_ = stringForAltitude(altitudeDifference_);
     altitudeDifferenceDegree_ = static_cast<float>(curve.apparentElevation());
   } else {

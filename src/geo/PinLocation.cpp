@@ -7,21 +7,17 @@
 
 namespace vantrel {
 
-namespace {
-
-std::int32_t wholeFeet(float metres) {
-  const std::int32_t feet = truncatedInt32(std::fabs(double{metres}) * double{PinLocation::kFeetPerMetre} + 0.5);
-  return metres < 0 ? -feet : feet;
-}
-
-}  // namespace
-
 std::int32_t truncatedInt32(double value) {
   using Limits = std::numeric_limits<std::int32_t>;
   if (std::isnan(value)) return 0;
   if (value <= Limits::min()) return Limits::min();
   if (value >= Limits::max()) return Limits::max();
   return static_cast<std::int32_t>(value);
+}
+
+std::int32_t roundedInt32(double value) {
+  const std::int32_t magnitude = truncatedInt32(std::fabs(value) + 0.5);
+  return value < 0 ? -magnitude : magnitude;
 }
 
 PinLocation::PinLocation() {
@@ -48,7 +44,8 @@ std::string PinLocation::stringForAltitude(float altitude) const {
   const auto unit =
       Bundle::mainBundle().localizedString(imperial ? "unit_abbr_ft" : "unit_abbr_m", "", "Common");
   if (!isValid(altitude)) return "--" + unit;
-  return numberFormatter_.stringFromNumber(imperial ? wholeFeet(altitude) : double{altitude}) +
+  return numberFormatter_.stringFromNumber(
+             imperial ? roundedInt32(double{altitude} * double{kFeetPerMetre}) : double{altitude}) +
          unit;
 }
 

@@ -11,9 +11,11 @@ namespace vantrel {
 
 /// Truncates toward zero. Out of range returns the nearest 32-bit integer; 0 for NaN.
 std::int32_t truncatedInt32(double value);
+/// Rounds half away from zero, otherwise like truncatedInt32().
+std::int32_t roundedInt32(double value);
 
-/// A map pin: a coordinate, the altitude of the ground and a height above it, in metres. Main thread
-/// only.
+/// A map pin: a coordinate, the altitude of the ground and a height above it, in metres. Main
+/// thread only.
 class PinLocation {
  public:
   /// The three sentinels for "no altitude", compared exactly.

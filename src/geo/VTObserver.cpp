@@ -55,7 +55,8 @@ Expected<VTObserver> VTObserver::unarchivedObserver(std::span<const std::byte> d
   if (!archive) return tl::unexpected(archive.error());
   const auto root = archive->root();
   if (root.className() != kClassName) {
-    return tl::unexpected(Error{"KeyedUnarchiver", 1, "The archive does not contain an observer.", {}});
+    return tl::unexpected(
+        Error{"KeyedUnarchiver", 1, "The archive does not contain an observer.", {}});
   }
   auto observer = initWithCoder(root);
   if (archive->error()) return tl::unexpected(*archive->error());

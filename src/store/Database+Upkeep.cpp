@@ -11,12 +11,6 @@ namespace vantrel {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-constexpr const char* kUniqueIdentifierKey = "uniqueIdentifier";
-
-}  // namespace
-
 Expected<void> Database::copyDatabase(const fs::path& url, const fs::path& toNewDatabase) {
   auto model = managedObjectModel();
   if (modelFailure_) return tl::unexpected(*modelFailure_);
@@ -39,10 +33,11 @@ bool Database::isMigrationNeeded() const {
 }
 
 void Database::performUpdatesFrom3To4() {
-  if (!managedObjectContext_ || !managedObjectModel_) return;
-  // Each row has a version, Z_OPT, as an optimistic lock: a record read at Z_OPT 3 is saved as 4, and
-  // only if the row is still at 3. A program that changed one record concurrently would make this
-  // whole save fail, so lock the store first.
+  constexpr const char* kUniqueIdentifierKey = "uniqueIdentifier";
+  if (!managedObjectContext_) return;
+  // Each row has a version, Z_OPT, as an optimistic lock: a record read at Z_OPT 3 is saved as 4,
+  // and only if the row is still at 3. A program that changed one record concurrently would make
+  // this whole save fail, so lock the store first.
   static_cast<void>(managedObjectContext_->lockStore());
   for (const auto& entity : std::as_const(*managedObjectModel_).entities()) {
     const auto objects = managedObjectContext_->executeFetchRequest(

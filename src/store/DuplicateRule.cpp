@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <compare>
 #include <cstdint>
 #include <tuple>
 #include <variant>
@@ -33,13 +34,10 @@ bool areClose(double a, double b) {
   return std::abs(a - b) < DuplicateRule::kTolerance;
 }
 
-bool areCloseAlong(std::string_view key, const ManagedObject& a, const ManagedObject& b) {
-  return areClose(coordinate(a, key), coordinate(b, key));
-}
-
 /// Absent values and NaN are equal to no value.
 bool isComparable(const Value& value) {
-  return !std::holds_alternative<std::monostate>(value) && value == value;
+  const Value& same = value;
+  return !std::holds_alternative<std::monostate>(value) && value == same;
 }
 
 bool haveEqualKeys(const DuplicateRule& rule, const ManagedObject& earlier,
@@ -114,7 +112,10 @@ constexpr DuplicateRule kCustomCameraRule = {CustomCamera::kEntityName, false, k
 bool isDuplicate(const DuplicateRule& rule, const ManagedObject& earlier,
                  const ManagedObject& later) {
   if (!rule.hasPlace) return haveEqualKeys(rule, earlier, later);
-  return areCloseAlong("latitude", earlier, later) && areCloseAlong("longitude", earlier, later) &&
+  const auto areCloseAlong = [&](std::string_view key) {
+    return areClose(coordinate(earlier, key), coordinate(later, key));
+  };
+  return areCloseAlong("latitude") && areCloseAlong("longitude") &&
          haveEqualKeys(rule, earlier, later) &&
          earlier.countOfRelatedObjects(kImagesKey) == later.countOfRelatedObjects(kImagesKey);
 }
@@ -124,7 +125,7 @@ std::vector<std::size_t> duplicateIndexes(const DuplicateRule& rule,
                                           const std::vector<std::size_t>& imageCounts) {
   const std::size_t keyCount = rule.equalKeys.size();
   std::vector<Value> keys;
-  keys.reserve(objects.size() * keyCount);  // never reallocated: records point into it
+  keys.reserve(objects.size() * keyCount);  // no reallocation: records point into it
   std::vector<Record> records;
   records.reserve(objects.size());
   for (std::size_t index = 0; index < objects.size(); ++index) {
@@ -139,6 +140,7 @@ std::vector<std::size_t> duplicateIndexes(const DuplicateRule& rule,
       if (!std::isfinite(record.latitude) || !std::isfinite(record.longitude)) continue;
       record.cell = {cellOf(record.latitude), cellOf(record.longitude)};
     }
+    // Consecutive equal keys are shared: a pointer comparison then replaces that of the texts.
     if (!records.empty() && std::equal(record.keys, record.keys + keyCount, records.back().keys)) {
       record.keys = records.back().keys;
     }
@@ -150,13 +152,13 @@ std::vector<std::size_t> duplicateIndexes(const DuplicateRule& rule,
                                                   b.keys + keyCount);
   };
   std::sort(records.begin(), records.end(), [&](const Record& a, const Record& b) {
-    if (const auto order = compareKeys(a, b); order != 0) return order < 0;
+    if (const auto order = compareKeys(a, b); std::is_neq(order)) return std::is_lt(order);
     return std::tie(a.imageCount, a.cell, a.index) < std::tie(b.imageCount, b.cell, b.index);
   });
   std::vector<std::size_t> indexes;
   for (auto first = records.cbegin(); first != records.cend();) {
     const auto end = std::find_if(first + 1, records.cend(), [&](const Record& record) {
-      return record.imageCount != first->imageCount || compareKeys(*first, record) != 0;
+      return record.imageCount != first->imageCount || std::is_neq(compareKeys(*first, record));
     });
     addDuplicates({first, end}, indexes);
     first = end;

@@ -6,7 +6,6 @@
 
 #include "defaults/VantrelUserDefaults.h"
 #include "platform/system/Bundle.h"
-#include "units/InchesFraction.h"
 
 namespace vantrel {
 

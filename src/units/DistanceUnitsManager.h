@@ -36,17 +36,17 @@ class DistanceUnitsManager {
   /// Throws std::out_of_range if units() has no unit with that name.
   const DistanceUnit& unitWithName(std::string_view name) const;
 
-  /// Returns the largest unit from `minUnit` to `maxUnit` (names; default: all units) in which `value`,
-  /// in the current system's base unit, is at least 1; the smallest of them if there is none. Null if
-  /// a name is unknown or `minUnit` is larger than `maxUnit`. Owned by the manager.
+  /// Returns the largest unit from `minUnit` to `maxUnit` (names; default: all units) in which
+  /// `value`, in the current system's base unit, is at least 1; the smallest of them if there is
+  /// none. Null if a name is unknown or `minUnit` is larger than `maxUnit`. Owned by the manager.
   const DistanceUnit* bestDistanceUnitForValue(
       float value, std::optional<std::string_view> minUnit = std::nullopt,
       std::optional<std::string_view> maxUnit = std::nullopt) const;
 
   /// The localised name of a unit system.
   static std::string distanceUnitToString(bool imperial);
-  /// Returns the nearest thirty-second of an inch in lowest terms, "0" to "1"; halves round up. Values
-  /// outside are clamped; NaN is "1".
+  /// Returns the nearest thirty-second of an inch in lowest terms, "0" to "1"; halves round up.
+  /// Values outside are clamped; NaN is "1".
   static const std::string& fractionInchesForValue(float value);
 
  private:

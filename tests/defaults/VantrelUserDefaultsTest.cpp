@@ -8,7 +8,7 @@ namespace {
 
 using VantrelUserDefaultsTest = test::SharedSettings;
 
-TEST_F(VantrelUserDefaultsTest, OldSettingsAreCopiedOnceAndOnlyWhenTheyCanBeRead) {
+TEST_F(VantrelUserDefaultsTest, CopiesReadableStandardSettingsOnce) {
   const test::TemporaryDirectory directory;
   const test::EnvironmentGuard environment("XDG_CONFIG_HOME", directory.path());
   auto& standard = UserDefaults::standardUserDefaults();

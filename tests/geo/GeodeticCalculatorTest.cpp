@@ -27,7 +27,7 @@ GeodeticCurve curveOf(const Pair& p) {
   return GeodeticCalculator().geodeticCurveBetweenSource(p.from, p.h1, p.to, p.h2);
 }
 
-/// Equal in single precision but for the last bit.
+/// Equal up to the last bit of single precision.
 bool isSameFloat(double a, double b) {
   const auto x = static_cast<float>(a);
   const auto y = static_cast<float>(b);
@@ -70,13 +70,13 @@ TEST(GeodeticCalculator, AgreesWithOtherPrograms) {
   }
 }
 
-TEST(GeodeticCalculator, AnswersWhereThePassesDoNotSettle) {
+TEST(GeodeticCalculator, HandlesPairsThatDoNotConverge) {
   struct Case {
     const char* name;
     Pair pair;
     double startAzimuth, endAzimuth;
-    double distance;  // GeodSolve -i for those on one meridian; NaN: not told
-    bool isSeen;      // whether there is an elevation
+    double distance;  // GeodSolve -i for pairs on one meridian; NaN: not checked
+    bool hasElevation;
   };
   const Case cases[] = {
       {"identical", {{41.39, 2.17}, 5, {41.39, 2.17}, 5}, kNoDirection, kNoDirection, 0, false},
@@ -95,16 +95,16 @@ TEST(GeodeticCalculator, AnswersWhereThePassesDoNotSettle) {
     EXPECT_FALSE(curve.converged());
     EXPECT_EQ(curve.startAzimuth(), c.startAzimuth);
     EXPECT_EQ(curve.endAzimuth(), c.endAzimuth);
-    EXPECT_EQ(curve.apparentElevation() != 0, c.isSeen);
+    EXPECT_EQ(curve.apparentElevation() != 0, c.hasElevation);
     if (!std::isnan(c.distance)) {
       EXPECT_TRUE(isSameFloat(curve.distance(), c.distance)) << curve.distance();
     }
   }
   EXPECT_TRUE(std::isnan(curveOf({{kNaN, 0}, 0, {1, 1}, 0}).distance()));
-  // The twentieth pass may settle it, the first one too many may not: counted in Python.
+  // Converge in pass 20 and in pass 21, counted in Python.
   EXPECT_TRUE(curveOf({{49.8, 0}, 0, {-50.5, 179.5}, 0}).converged());
   EXPECT_FALSE(curveOf({{-28, 0}, 0, {27.5, 179}, 0}).converged());
-  // The answer that a failed pair gets is 100 km short of the way over a pole.
+  // The distance of a pair that does not converge is 100 km shorter than the way over a pole.
   EXPECT_NEAR(curveOf({{0, 0}, 0, {0, 180}, 0}).distance(), 19903594, 2);
 }
 
@@ -137,7 +137,7 @@ class RandomPairs {
   std::mt19937_64 generator_{20010101};
 };
 
-TEST(GeodeticCalculator, TheQuickFormAgreesWithThePlainOne) {
+TEST(GeodeticCalculator, QuickCurveEqualsPlainCurve) {
   RandomPairs r;
   constexpr int kPairs = 30000;
   struct Kind {

@@ -28,7 +28,7 @@ class ObstacleTest : public test::SharedSettings {
   }
 };
 
-TEST_F(ObstacleTest, DifferencesAreWholeAndTheirTextsConvertedAfterwards) {
+TEST_F(ObstacleTest, RoundsDifferencesBeforeConvertingThem) {
   struct Case {
     float altitude, difference;
     const char *metric, *imperial;
@@ -59,7 +59,7 @@ TEST_F(ObstacleTest, DifferencesAreWholeAndTheirTextsConvertedAfterwards) {
   }
 }
 
-TEST_F(ObstacleTest, TellsBearingDistanceAndSubtitle) {
+TEST_F(ObstacleTest, FormatsBearingDistanceAndSubtitle) {
   auto pin = obstacle(200.25f);
   EXPECT_EQ(pin.pin2pinDistanceString(), "--");
   pin.recalculateDataWithObserver(observer());
@@ -69,8 +69,8 @@ TEST_F(ObstacleTest, TellsBearingDistanceAndSubtitle) {
   EXPECT_EQ(pin.pin2pinDistanceString(), "1.1km");
   EXPECT_EQ(pin.pinSubtitle(), "Altitude: 200m | Offset: 100m/5.14°");
 
-  // Altitude texts are kept as they were computed, the distance is told anew; its system is
-  // imperial for any other number, that of altitudes for 1 alone.
+  // Altitude texts do not change until recalculated, the distance is formatted anew. For distances
+  // every other number is imperial, for altitudes only 1.
   DistanceUnitsManager::sharedInstance().setCurrentUnits(2);
   EXPECT_EQ(pin.pin2pinDistanceString(), "3652'");
   DistanceUnitsManager::sharedInstance().setCurrentUnits(1);
@@ -84,7 +84,7 @@ TEST_F(ObstacleTest, TellsBearingDistanceAndSubtitle) {
   pin.recalculateDataWithObserver(VTObserver());
   EXPECT_EQ(pin.pinSubtitle(), "Altitude: 328ft | Offset: --");
 
-  // While it is placed nothing derived is told.
+  // Unknown while the pin is being placed.
   pin.setJustDropped(true);
   pin.recalculateDataWithObserver(observer());
   EXPECT_EQ(pin.bearing(), -1);

@@ -21,10 +21,10 @@ TEST_F(PinLocationTest, AltitudesReadInTheCurrentSystem) {
       {0, 123, "123m"},
       {0, 12.5f, "13m"},
       {0, -12.5f, "-13m"},
-      // Rounded once, whatever the increment says.
+      // Rounded once, not by the increment first.
       {0, 123.4996f, "123m"},
       {0, 12345.6f, "12346m"},
-      // The number keeps its sign here, and a whole number has none below.
+      // A rounded metre keeps its sign, a rounded foot does not.
       {0, -0.3f, "-0m"},
       {1, -0.1f, "0ft"},
       {1, -10, "-33ft"},
@@ -38,7 +38,7 @@ TEST_F(PinLocationTest, AltitudesReadInTheCurrentSystem) {
       {0, -2147483648.0f, "--m"},
       {0, 0x1p-126f, "--m"},
       {0, std::nextafterf(0x1p-126f, 1), "0m"},
-      // No conversion of what is no altitude, nor past the range of whole feet.
+      // Sentinels are not converted, feet are clamped.
       {1, -2147483648.0f, "--ft"},
       {1, 1e9f, "2147483647ft"},
       {1, kNaN, "0ft"},

@@ -10,7 +10,7 @@ namespace {
 
 class VTObserverTest : public test::SharedSettings {
  protected:
-  /// The observer of an archive that Python's plistlib wrote, with these keys of the root object.
+  /// Reads an archive written by Python's plistlib with these keys of the root object.
   static Expected<VTObserver> observerFromPython(const std::string& keys,
                                                  const std::string& className = "VTObserver") {
     const test::TemporaryDirectory directory;
@@ -62,7 +62,7 @@ TEST_F(VTObserverTest, HeightsAboveTheHorizonAreWholeAndNeverNegative) {
   }
 }
 
-TEST_F(VTObserverTest, TellsAltitudeAndHeightInTheCurrentSystem) {
+TEST_F(VTObserverTest, FormatsAltitudeAndHeightInTheCurrentSystem) {
   defaults().setDouble(41.39, "planner_pinCoordLat");
   defaults().setDouble(2.17, "planner_pinCoordLng");
   VTObserver observer;
@@ -93,7 +93,7 @@ TEST_F(VTObserverTest, TellsAltitudeAndHeightInTheCurrentSystem) {
   EXPECT_EQ(copy.pinSubtitle(), "Altitude: 111m | Height above horizon: 80m");
 }
 
-TEST_F(VTObserverTest, AnotherReaderFindsTheVeryValues) {
+TEST_F(VTObserverTest, WritesArchivesThatPythonReads) {
   VTObserver observer;
   observer.setCoordinate({41.39, 2.17});
   observer.setAltitudeAccuracy(-1);
@@ -112,7 +112,7 @@ TEST_F(VTObserverTest, AnotherReaderFindsTheVeryValues) {
             "('altitude_latitude', -180.0), ('altitude_longitude', -180.0), "
             "('altitude_offset', 0.0), ('position_latitude', 41.39), "
             "('position_longitude', 2.17)]");
-  // Marker and big-endian content, as the phone writes them.
+  // Marker and big-endian content, as written by the phone.
   using namespace std::string_literals;
   for (const auto& form :
        {"\x23\x40\x44\xB1\xEB\x85\x1E\xB8\x52"s, "\x23\x40\x01\x5C\x28\xF5\xC2\x8F\x5C"s,
@@ -123,8 +123,8 @@ TEST_F(VTObserverTest, AnotherReaderFindsTheVeryValues) {
   EXPECT_EQ(bytes.find("\x22\xC3\x34"), std::string::npos) << "-180 in 32 bits";
 }
 
-TEST_F(VTObserverTest, DecodesWhatOthersEncoded) {
-  // Each value another, so that none can stand in the place of another.
+TEST_F(VTObserverTest, ReadsArchivesOfPythonAndRejectsOthers) {
+  // All values differ, so that swapped keys are found.
   const std::string keys =
       "'position_latitude': 41.39, 'position_longitude': 2.17, 'altitude_latitude': -10.5,"
       " 'altitude_longitude': 7, 'altitude_altitude': 12.25, 'altitude_offset': 1.5,"
@@ -148,16 +148,14 @@ TEST_F(VTObserverTest, DecodesWhatOthersEncoded) {
         (std::vector<double>{41.39, 2.17, -10.5, 7, 12.25, 1.5, 100.5}));
     EXPECT_TRUE(full->adjustForHeightAboveHorizon());
   }
-  // The settings do not fill what an archive lacks, and 0 is an altitude.
+  // Missing keys are not read from the settings, and 0 is a valid altitude.
   defaults().setDouble(41.39, "planner_pinCoordLat");
   const auto empty = observerFromPython("");
   ASSERT_TRUE(empty);
   EXPECT_EQ(empty->coordinate().latitude, 0);
   EXPECT_EQ(empty->horizonPosition().latitude, 0);
   EXPECT_TRUE(empty->isAltitudeValid() && empty->isAltitudeAtHorizonValid());
-}
 
-TEST_F(VTObserverTest, RefusesWhatIsNoObserver) {
   EXPECT_FALSE(VTObserver::unarchivedObserver(Data(100)));
   EXPECT_FALSE(observerFromPython("", "Obstacle"));
   EXPECT_FALSE(observerFromPython("'altitude_accuracy': 2 ** 40"));

@@ -17,7 +17,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// A host that writes down what the widget asks of it.
+/// A host that records the widget's requests.
 struct RecordingContext : ExtensionContext {
   bool respondsToWidgetLargestAvailableDisplayMode() const override { return knowsModes; }
   void setWidgetLargestAvailableDisplayMode(WidgetDisplayMode mode) override { largest = mode; }
@@ -38,7 +38,7 @@ class RefreshTest : public test::WidgetTest {
  protected:
   ~RefreshTest() override { TextMeasurer::install(nullptr); }
 
-  /// One life of the widget, as hosts begin it.
+  /// Creates and shows a widget like hosts do.
   std::unique_ptr<TodayEventsViewController> begin() {
     auto controller =
         std::make_unique<TodayEventsViewController>(Size{320, 110}, std::shared_ptr(context));
@@ -119,7 +119,7 @@ TEST_F(RefreshTest, OpensTheTappedPlan) {
   EXPECT_EQ(context->opened, Names{link});
 }
 
-TEST_F(RefreshTest, SeesANewDayInANewLifeOnly) {
+TEST_F(RefreshTest, OnlyANewControllerSeesANewDay) {
   add("today", at("2024-06-21T20:00:00Z"));
   add("tomorrow", at("2024-06-22T20:00:00Z"));
   save();
@@ -140,7 +140,7 @@ struct FractionalMeasurer : FixedTextMeasurer {
   }
 };
 
-TEST_F(RefreshTest, TellsThatThereAreNoPlansAndPrefersWholePixels) {
+TEST_F(RefreshTest, ShowsThatThereAreNoPlansAndPrefersWholePixels) {
   TextMeasurer::install(std::make_shared<FractionalMeasurer>());
   save();
   const auto controller = begin();
@@ -151,7 +151,8 @@ TEST_F(RefreshTest, TellsThatThereAreNoPlansAndPrefersWholePixels) {
   EXPECT_EQ(controller->preferredContentSize(), (Size{320, 171}));
   controller->setPreferredContentSize({1, controller->todayView()->contentHeight()});
   controller->todayViewDidLayout();
-  EXPECT_EQ(controller->preferredContentSize().width, 1) << "the same height is left alone";
+  EXPECT_EQ(controller->preferredContentSize().width, 1)
+      << "an equal height does not change the size";
   controller->setPreferredContentSize({1, 171});
   controller->todayViewDidLayout();
   EXPECT_EQ(controller->preferredContentSize().width, 320);
@@ -170,7 +171,7 @@ TEST_F(RefreshTest, IsExpandedWithoutInsetsBeforeVersion10) {
   EXPECT_EQ(controller->todayView()->planTitleLabels()[0]->frame().origin, (Point{0, 12}));
 }
 
-TEST_F(RefreshTest, AYearOfMidnightsMissesNoDayAndKeepsNoMemory) {
+TEST_F(RefreshTest, AYearOfMidnightsMissesNoDayAndLeaksNoMemory) {
   constexpr int kDays = 366;
   constexpr int kSettled = 60;
   const auto instant = [](double days) {
@@ -184,7 +185,7 @@ TEST_F(RefreshTest, AYearOfMidnightsMissesNoDayAndKeepsNoMemory) {
   for (int day = 0; day < kDays; ++day) {
     const test::EnvironmentGuard travelled("TZ", day / 7 % 2 == 0 ? "Europe/Madrid" : "Asia/Tokyo");
     const std::string name = "day " + std::to_string(day);
-    // Another program plans the next day, and forgets what is long over.
+    // Another program adds a plan for the next day and deletes an old one.
     planner.insertPlan("day " + std::to_string(day + 1), 0)->setDate(instant(day + 1.5));
     if (const auto old = planner.planNamed("day " + std::to_string(day - 3))) {
       planner.context.deleteObject(old);

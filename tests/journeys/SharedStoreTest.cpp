@@ -1,4 +1,4 @@
-// Several programs on one store at the same time, each a process of its own.
+// Several processes on one store at the same time.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -14,7 +14,7 @@ namespace {
 using test::OpenStore;
 using test::sqlite;
 
-/// Starts the function in a process of its own; its exit code is 0 when the function gives true.
+/// Starts the function in a new process, which exits with 0 if it returns true.
 pid_t start(const std::function<bool()>& function) {
   const pid_t child = ::fork();
   if (child == 0) ::_exit(function() ? 0 : 1);
@@ -28,7 +28,7 @@ bool succeeded(pid_t child) {
 
 class SharedStoreTest : public test::StoreTest {};
 
-TEST_F(SharedStoreTest, SeveralProgramsMakeAndFillOneStore) {
+TEST_F(SharedStoreTest, ProcessesCreateAndFillOneStore) {
   constexpr int kPrograms = 4;
   constexpr int kPlans = 20;
   std::vector<pid_t> children;
@@ -50,7 +50,7 @@ TEST_F(SharedStoreTest, SeveralProgramsMakeAndFillOneStore) {
             "80|80|80|1|80\n80\n1\nok");
 }
 
-TEST_F(SharedStoreTest, WhatALockedStoreAnsweredStillHoldsAtTheSave) {
+TEST_F(SharedStoreTest, ALockLastsFromTheFetchToTheSave) {
   constexpr int kPrograms = 4;
   constexpr int kPlans = 20;
   { OpenStore store(file_); }
@@ -72,7 +72,7 @@ TEST_F(SharedStoreTest, WhatALockedStoreAnsweredStillHoldsAtTheSave) {
   for (const pid_t child : children) EXPECT_TRUE(succeeded(child));
   EXPECT_EQ(sqlite(file_, "SELECT count(DISTINCT ZNAME), max(ZNAME + 0) FROM ZPLANNING"), "80|79");
 
-  // Each of these ends the lock; nothing but a save writes.
+  // Each of these releases the lock; only the save writes.
   OpenStore store(file_);
   const std::string write = "UPDATE ZPLANNING SET ZNOTES = 'x' WHERE Z_PK = 1";
   const std::function<void()> ends[] = {[&] { store.context.unlockStore(); },
@@ -87,7 +87,7 @@ TEST_F(SharedStoreTest, WhatALockedStoreAnsweredStillHoldsAtTheSave) {
   }
 }
 
-TEST_F(SharedStoreTest, AProgramSeesWhatAnotherSavedAtItsNextFetch) {
+TEST_F(SharedStoreTest, AFetchSeesTheSavesOfOtherProcesses) {
   for (const std::string mode : {"wal", "delete"}) {
     SCOPED_TRACE(mode);
     std::filesystem::remove(file_);

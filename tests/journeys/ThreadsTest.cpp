@@ -1,5 +1,5 @@
-// What headers allow any thread, by several threads at once and from the first use on. The thread
-// sanitizer looks on; without it, every thread has to get what one alone gets.
+// Calls everything documented as thread-safe from several threads, from the first use on, for the
+// thread sanitizer; without it, all threads must get the results of a single one.
 #include <gtest/gtest.h>
 
 #include <latch>
@@ -36,7 +36,7 @@ std::string day(Date date) {
   return text;
 }
 
-/// The texts of formatters of this thread's own.
+/// Formats with formatters of this thread.
 std::string formatted(Date date, const std::string& zone) {
   DateFormatter formatter;
   formatter.setTimeZone(TimeZone::timeZoneWithName(zone));
@@ -49,7 +49,7 @@ std::string formatted(Date date, const std::string& zone) {
 }
 
 std::string everything() {
-  // First of all: a lock that both threads take before it would hide that it has none of its own.
+  // First: a lock taken before by all threads would hide a missing one here.
   std::string text = Bundle::mainBundle().localizedString("week_day_abbr_mo", "", "Common");
   text += std::to_string(DeviceSystemMajorVersion());
   for (int i = 0; i < 12; ++i) {
@@ -68,7 +68,7 @@ std::string everything() {
   return text;
 }
 
-TEST(Threads, GetWhatOneThreadGets) {
+TEST(Threads, GetTheResultsOfASingleThread) {
   std::vector<std::string> texts(4);
   std::latch start(static_cast<std::ptrdiff_t>(texts.size()));
   std::vector<std::thread> threads;

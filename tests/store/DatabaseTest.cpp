@@ -35,14 +35,14 @@ mode_t modeOf(const fs::path& path) {
   return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777U : 0;
 }
 
-TEST(Database, MakesTheStoreInThePrivateContainerOnFirstUse) {
+TEST(Database, CreatesTheStoreInThePrivateContainerOnFirstUse) {
   const test::TemporaryDirectory directory;
   const auto container = directory / "a/group";
   const EnvironmentGuard guard("VANTREL_GROUP_CONTAINER", container.string());
   Database database;
   EXPECT_EQ(database.groupStoreURL(), container / "Vantrel.sqlite");
   ASSERT_NE(database.managedObjectModel(), nullptr);
-  EXPECT_FALSE(fs::exists(directory / "a")) << "asking makes nothing";
+  EXPECT_FALSE(fs::exists(directory / "a")) << "the model alone creates nothing";
   auto* context = database.managedObjectContext();
   ASSERT_NE(context, nullptr);
   EXPECT_EQ(database.managedObjectContext(), context);
@@ -73,7 +73,7 @@ TEST(Database, MakesTheStoreInThePrivateContainerOnFirstUse) {
   EXPECT_EQ(modeOf(container / "Vantrel.sqlite-wal"), 0600U);
 }
 
-TEST(Database, TellsWhyTheStoreCannotBeOpened) {
+TEST(Database, ReportsWhyTheStoreCannotBeOpened) {
   struct Case {
     const char* name;
     std::function<void(const fs::path&)> make;
@@ -108,13 +108,13 @@ TEST(Database, TellsWhyTheStoreCannotBeOpened) {
                 ElementsAre("Plans unavailable: The plans could not be opened: " + row.reason));
     EXPECT_THAT(log.text(), MatchesRegex("Unresolved error org\\.vantrel\\.objectstore [0-9]+: " +
                                          row.reason + ", \\{.*\\}\n"));
-    // Whoever fetches gets the same reason.
+    // Fetches fail with the same reason.
     const auto plans = context->executeFetchRequest({.entityName = "Planning", .fetchLimit = 1});
     ASSERT_FALSE(plans);
     EXPECT_EQ(plans.error().localizedDescription, row.reason);
     context->insertNewObject("Planning");
     EXPECT_FALSE(context->save());
-    // It needs no delegate, and none that listens.
+    // The delegate and its operation are optional.
     for (const auto& silent :
          {std::shared_ptr<DatabaseDelegate>(), std::make_shared<DatabaseDelegate>()}) {
       Database another;
@@ -143,13 +143,13 @@ TEST(Database, ReadsTheSensorFormatsInPlace) {
   EXPECT_TRUE(sizes.contains({36, 24}));
   formats->front()->setValueForKey("mine", "name");
   EXPECT_EQ(test::codeOf(context->save()), StoreErrorCode::kPermission);
-  // Nothing beside the file: it is read where nobody may write.
+  // No files beside it: its folder may be read-only.
   EXPECT_EQ(test::readFile(file), before);
   for (const char* suffix : {"-shm", "-wal"}) EXPECT_FALSE(fs::exists(file.string() + suffix));
 }
 
-// The bundle is found once per process: these run in one of their own.
-TEST(DatabaseDeathTest, TakesTheSingleModelAndTellsWhenThereIsNone) {
+// The bundle is located once per process: each case needs a process.
+TEST(DatabaseDeathTest, LoadsTheSingleModelAndReportsAMissingOne) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const test::TemporaryDirectory directory;
   const auto run = [&](const char* model) {

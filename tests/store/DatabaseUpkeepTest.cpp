@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using test::OpenStore;
 using test::sqlite;
 
-/// A group container of its own.
+/// A separate group container.
 struct Group {
   fs::path file() const { return directory / "Vantrel.sqlite"; }
   const test::TemporaryDirectory directory;
@@ -27,7 +27,7 @@ struct Group {
 
 constexpr const char* kPicture = "7F9E3C55-2A0B-4C0E-8A64-1D9A1F0F2B31";
 
-/// What is in a folder: each file's bytes by its path.
+/// The bytes of all files in a folder, by path.
 std::map<std::string, std::string> contentOf(const fs::path& folder) {
   std::map<std::string, std::string> content;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
@@ -36,7 +36,8 @@ std::map<std::string, std::string> contentOf(const fs::path& folder) {
   return content;
 }
 
-/// A store with a plan, a picture in a file of its own, and what our models do not know.
+/// Creates a store with a plan, a picture in an external file, and a table and column not in our
+/// models.
 void makeStore(const fs::path& file, const std::string& version) {
   {
     OpenStore store(file, test::mainOptions(), test::mainModelOfVersion(version));
@@ -56,7 +57,7 @@ void makeStore(const fs::path& file, const std::string& version) {
             "");
 }
 
-/// A program without our code writes and is stopped: SQL that is not finished, or not in the file.
+/// Runs SQL in a process that is then killed: it is left unfinished, or in the log.
 void writeAndDie(const fs::path& file, const std::string& sql) {
   const auto result = test::runProgram(
       {"python3", "-c",
@@ -128,12 +129,12 @@ TEST(DatabaseUpkeep, CopiesAStoreInAnyStateAndOnlyReadsIt) {
     Database database;
     ASSERT_TRUE(database.migrateDatabase(file, copy));
     auto after = contentOf(old.path());
-    // The index is memory that readers share.
+    // The index is memory shared by readers.
     const std::string index = fs::canonical(file).string() + "-shm";
     before[index] = after[index] = "";
     EXPECT_EQ(before, after);
 
-    EXPECT_EQ(contentOf(target.path()).size(), 4u) << "no log, and nothing half-made";
+    EXPECT_EQ(contentOf(target.path()).size(), 4u) << "no log and no draft";
     EXPECT_EQ(fs::status(copy).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(sqlite(copy,
                      "PRAGMA integrity_check; PRAGMA journal_mode; SELECT * FROM ZGUEST;"
@@ -146,7 +147,7 @@ TEST(DatabaseUpkeep, CopiesAStoreInAnyStateAndOnlyReadsIt) {
     const auto image = store.context.executeFetchRequest({.entityName = "Image"})->front();
     EXPECT_EQ(std::get<std::vector<std::byte>>(image->valueForKey("data")).size(), 7u);
     EXPECT_TRUE(image->setValueForKey("X", "uniqueIdentifier") && store.context.save())
-        << "what version 3 has no place for";
+        << "an attribute that version 3 lacks";
   }
 }
 
@@ -173,13 +174,13 @@ TEST(DatabaseUpkeep, CopiesAStoreInUse) {
   Database database;
   ASSERT_TRUE(database.migrateDatabase(directory / "Old.sqlite", directory / "New.sqlite"));
   EXPECT_EQ(OpenStore(directory / "New.sqlite").names(), "in the log");
-  // It stays in use: its locks were not let go of.
+  // The copy did not release the locks of the open store.
   store.insertPlan("later", 2);
   EXPECT_TRUE(store.context.save());
   EXPECT_EQ(OpenStore(directory / "New.sqlite").names(), "in the log");
 }
 
-TEST(DatabaseUpkeep, RefusesToCopyAndLeavesTheTargetAsItIs) {
+TEST(DatabaseUpkeep, FailsToCopyWithoutChangingTheTarget) {
   struct Case {
     const char* name;
     std::function<void(const fs::path& old, const fs::path& copy)> prepare;
@@ -209,13 +210,13 @@ TEST(DatabaseUpkeep, RefusesToCopyAndLeavesTheTargetAsItIs) {
        StoreErrorCode::kNotAStore},
       {"nothing in it", [](const fs::path& old, const fs::path&) { test::writeFile(old, ""); },
        StoreErrorCode::kNotAStore},
-      {"another program's, without plans",
+      {"a foreign store without plans",
        [](const fs::path& old, const fs::path&) {
          fs::copy_file(test::testData("stores/SampleModel_V2.sqlite"), old,
                        fs::copy_options::overwrite_existing);
        },
        StoreErrorCode::kIncompatible},
-      {"an earlier copy that has the folder for pictures",
+      {"an earlier copy with the same folder of pictures",
        [](const fs::path& old, const fs::path& copy) {
          fs::copy_file(old, copy.parent_path() / "Vantrel.monday");
        },
@@ -253,7 +254,7 @@ TEST(DatabaseUpkeep, RefusesToCopyAndLeavesTheTargetAsItIs) {
   }
 }
 
-TEST(DatabaseUpkeep, TellsWhetherAMigrationIsNeeded) {
+TEST(DatabaseUpkeep, DetectsWhetherAMigrationIsNeeded) {
   Group group;
   Database database;
   EXPECT_TRUE(database.isMigrationNeeded()) << "no store";
@@ -265,7 +266,7 @@ TEST(DatabaseUpkeep, TellsWhetherAMigrationIsNeeded) {
   EXPECT_TRUE(database.isMigrationNeeded()) << "no hashes";
 }
 
-TEST(DatabaseUpkeep, GivesIdentifiersToAllThatLackOne) {
+TEST(DatabaseUpkeep, SetsMissingIdentifiers) {
   Group group;
   makeStore(group.file(), "3");
   sqlite(group.file(),
@@ -277,7 +278,7 @@ TEST(DatabaseUpkeep, GivesIdentifiersToAllThatLackOne) {
                    "SELECT count(*) FROM pragma_table_info('ZPLANNING') WHERE name ="
                    " 'ZUNIQUEIDENTIFIER'"),
             "0")
-      << "without a context there is nothing to be updated";
+      << "does nothing without a context";
   const auto plan =
       database.managedObjectContext()->executeFetchRequest({.entityName = "Planning"})->front();
   sqlite(group.file(), "INSERT INTO ZPLANNING (Z_ENT, Z_OPT, ZUNIQUEIDENTIFIER) VALUES (4, 1, '')");
@@ -289,7 +290,7 @@ TEST(DatabaseUpkeep, GivesIdentifiersToAllThatLackOne) {
                    " length(ZUNIQUEIDENTIFIER), Z_OPT FROM ZCUSTOMCAMERA UNION ALL SELECT"
                    " length(ZUNIQUEIDENTIFIER), Z_OPT FROM ZIMAGE"),
             "36|2\n0|1\n36|2\n36|2\n36|2")
-      << "an empty one is one";
+      << "an empty identifier is not missing";
 }
 
 TEST(DatabaseUpkeep, RemovesDuplicatesOnALaterTurn) {

@@ -18,7 +18,7 @@ using test::OpenStore;
 using test::sqlite;
 using testing::ElementsAre;
 
-TEST(DuplicateRule, JudgesAPair) {
+TEST(DuplicateRule, ComparesAPair) {
   struct Case {
     const char* name;
     const char* first;  ///< Values of ZDATE, ZLATITUDE, ZLONGITUDE, ZNAME.
@@ -60,7 +60,7 @@ TEST(DuplicateRule, JudgesAPair) {
   }
 }
 
-TEST(DuplicateRule, NamesARecordOnceForEachThatItEquals) {
+TEST(DuplicateRule, ListsARecordOncePerEarlierEqual) {
   const test::TemporaryDirectory directory;
   OpenStore store(directory / "Vantrel.sqlite");
   ManagedObjectContext::Objects plans(3);
@@ -69,13 +69,13 @@ TEST(DuplicateRule, NamesARecordOnceForEachThatItEquals) {
   const auto all = database.duplicateObjectsInArray(
       plans, [](const auto& a, const auto& b) { return isDuplicate(kPlanningRule, a, b); });
   EXPECT_THAT(all, ElementsAre(plans[1], plans[2], plans[2]));
-  // Of any kind: neither symmetric nor transitive.
+  // A comparison that is neither symmetric nor transitive.
   const auto next = database.duplicateObjectsInArray(
       plans, [&](const auto& a, const auto& b) { return &a == plans[0].get() && &b != &a; });
   EXPECT_THAT(next, ElementsAre(plans[1], plans[2]));
 }
 
-TEST(DuplicateRule, FindsWhatComparingEachWithEachFinds) {
+TEST(DuplicateRule, EqualsAComparisonOfAllPairs) {
   const test::TemporaryDirectory directory;
   OpenStore store(directory / "Vantrel.sqlite");
   Database database;
@@ -84,7 +84,7 @@ TEST(DuplicateRule, FindsWhatComparingEachWithEachFinds) {
   const auto mostly = [&](auto value) {
     return random() % 20 ? std::optional(value) : std::nullopt;
   };
-  // Chains and lattices around the tolerance, on both sides of 0 and where numbers are sparse.
+  // Chains and lattices around the tolerance, on both sides of 0 and where doubles are sparse.
   const double bases[] = {0, -3e-7, 41.39, -90, 180, 1073741823.9999998, 1e300};
   const double steps[] = {1e-7, 3e-8, 4.9e-8, 5.96e-8, 9.9e-8};
   std::size_t found = 0;

@@ -10,7 +10,7 @@ namespace {
 
 using test::OpenStore;
 
-TEST(VantrelPrefiller, TranslatesKeysAndNothingElse) {
+TEST(VantrelPrefiller, TranslatesOnlyKeys) {
   const test::EnvironmentGuard language("LANGUAGE", "de");
   const test::EnvironmentGuard locale("LC_ALL", "de_DE.UTF-8");
   const test::TemporaryDirectory directory;
@@ -40,7 +40,7 @@ TEST(VantrelPrefiller, TranslatesKeysAndNothingElse) {
                         "SELECT group_concat(Z_OPT) FROM (SELECT Z_OPT FROM ZPLANNING "
                         "ORDER BY Z_PK)");
   };
-  // What says the same again is not written again.
+  // Unchanged records are not saved: Z_OPT, which counts the saves of a row, does not change.
   for (int pass = 0; pass < 2; ++pass) {
     VantrelPrefiller::translateDataInManagedObjectModel(store.context);
     EXPECT_FALSE(store.context.hasChanges());
@@ -52,7 +52,7 @@ TEST(VantrelPrefiller, TranslatesKeysAndNothingElse) {
   }
 }
 
-TEST(VantrelPrefiller, TellsOnlyASaveThatFails) {
+TEST(VantrelPrefiller, LogsAFailedSaveOnly) {
   const test::TemporaryDirectory directory;
   const auto file = directory / "Vantrel.sqlite";
   OpenStore store(file);

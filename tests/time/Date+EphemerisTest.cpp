@@ -15,12 +15,12 @@ Date at(const char* text) {
   return *dateFromIso8601String(text);
 }
 
-/// The device stands in a zone where clocks change at midnight, when the calendar is first used.
+/// The calendar is first used in a time zone whose clocks change at midnight.
 class DateInHavana : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(cachedCalendar().timeZone().name(), "America/Havana")
-        << "needs a process in which no other test has fixed the calendar's zone: use ctest";
+        << "another test of this process has set the calendar's zone: use ctest";
   }
 
  private:
@@ -82,7 +82,7 @@ TEST_F(DateInHavana, MovesToWholeHoursAndOtherDays) {
   EXPECT_EQ(iso8601String(dateByAddingNumberOfDays(evening, -30)), "2024-02-09T02:15:00.5Z");
 }
 
-TEST_F(DateInHavana, TellsItsParts) {
+TEST_F(DateInHavana, HasComponents) {
   const Date date = at("2024-01-01T02:48:36Z");  // 2023-12-31 21:48:36
   EXPECT_EQ(yearValue(date), 2023);
   EXPECT_EQ(monthValue(date), 12);
@@ -146,7 +146,7 @@ TEST(DateEphemeris, TurnsRecordsIntoDatesAndBack) {
   }
 }
 
-TEST(DateEphemeris, LiesBetweenOthersOrNot) {
+TEST(DateEphemeris, ComparesWithOtherDates) {
   const Date start(100);
   const Date end(200);
   EXPECT_TRUE(date(Date(150), start, end));

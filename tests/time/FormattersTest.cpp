@@ -16,13 +16,13 @@ using test::EnvironmentGuard;
 using test::icuPattern;
 using test::icuText;
 
-TEST(Formatters, WriteWhatTheLibraryWritesInEachLocale) {
+TEST(Formatters, EqualIcuInEachLocale) {
   const Date date = *dateFromIso8601String("2024-03-05T12:05:00Z");
   const std::string zone = "Asia/Kathmandu";
   struct Case {
     const char* locale;
     bool twelveHours;
-    const char* rewrittenDate = nullptr;  ///< Where the year loses two digits.
+    const char* rewrittenDate = nullptr;  ///< If the year is cut to two digits.
   };
   const Case cases[] = {
       {"en_US", true},
@@ -99,7 +99,7 @@ TEST(Formatters, KeepFixedFormatsInEveryLocaleAndZone) {
   EXPECT_EQ(numbers.stringFromNumber(5e-21), "0");
 }
 
-TEST(Formatters, AreMadeOnceAndKeepTheirLocale) {
+TEST(Formatters, AreCreatedOnceAndKeepTheirLocale) {
   std::vector<const Formatters*> seen(8);
   {
     const EnvironmentGuard locale("LC_ALL", "de_DE.UTF-8");

@@ -14,8 +14,8 @@ std::string text(const PtDateTime& d) {
          " " + std::to_string(d.hour) + " h " + std::to_string(d.minutes);
 }
 
-/// The formulas as they are written, with the types and the order that the results depend on.
-PtDateTime writtenFromJulianDay(double jd) {
+/// The original formulas, with the types and order of operations on which the results depend.
+PtDateTime originalFromJulianDay(double jd) {
   PtDateTime result;
   const double t = jd + 0.5;
   const auto z = static_cast<std::int32_t>(t);
@@ -39,7 +39,7 @@ PtDateTime writtenFromJulianDay(double jd) {
   return result;
 }
 
-double writtenModifiedJulianDay(const PtDateTime& d) {
+double originalModifiedJulianDay(const PtDateTime& d) {
   std::int32_t y = d.year;
   std::int32_t m = d.month;
   if (m < 3) {
@@ -53,12 +53,12 @@ double writtenModifiedJulianDay(const PtDateTime& d) {
   return static_cast<double>(midnight) + d.hour / 24.0 + d.minutes / 1440.0;
 }
 
-class WrittenForm : public ::testing::Test {
+class OriginalFormulas : public ::testing::Test {
  protected:
   static void check(double julianDay) {
     PtDateTime got;
     got.FromJulianDay(julianDay);
-    const PtDateTime expected = writtenFromJulianDay(julianDay);
+    const PtDateTime expected = originalFromJulianDay(julianDay);
     ASSERT_TRUE(got.year == expected.year && got.month == expected.month &&
                 got.day == expected.day && got.hour == expected.hour &&
                 got.minutes == expected.minutes)
@@ -66,13 +66,13 @@ class WrittenForm : public ::testing::Test {
     check(expected);
   }
   static void check(const PtDateTime& dateTime) {
-    // Beyond that the written form overflows.
+    // The original form overflows beyond.
     if (std::abs(dateTime.year) > 200000) return;
-    ASSERT_EQ(dateTime.ModifiedJulianDay(), writtenModifiedJulianDay(dateTime)) << text(dateTime);
+    ASSERT_EQ(dateTime.ModifiedJulianDay(), originalModifiedJulianDay(dateTime)) << text(dateTime);
   }
 };
 
-TEST_F(WrittenForm, AgreesOnDays) {
+TEST_F(OriginalFormulas, AgreesOnDays) {
   struct Range {
     double from, to;
     int count;
@@ -104,7 +104,7 @@ TEST_F(WrittenForm, AgreesOnDays) {
   }
 }
 
-TEST_F(WrittenForm, AgreesOnFieldsOutOfRange) {
+TEST_F(OriginalFormulas, AgreesOnFieldsOutOfRange) {
   std::mt19937 random(7);
   const auto pick = [&random](int from, int to) {
     return std::uniform_int_distribution<int>(from, to)(random);
@@ -133,7 +133,7 @@ TEST(PtDateTime, CountsDaysAsAstronomersDo) {
     back.FromModifiedJulianDay(modifiedJulianDay);
     EXPECT_EQ(text(back), text(dateTime));
   }
-  // Days that never were count as Gregorian, so that the count steps back.
+  // Skipped days count as Gregorian: the count steps back.
   EXPECT_EQ((PtDateTime{1582, 10, 5, 0, 0}).ModifiedJulianDay(), -100850);
   EXPECT_EQ((PtDateTime{1582, 10, 14, 0, 0}).ModifiedJulianDay(), -100841);
   EXPECT_EQ(PtDateTime().ModifiedJulianDay(), -678975);
@@ -148,7 +148,7 @@ TEST(PtDateTime, LeavesSixtyMinutesJustBelowAnHour) {
   EXPECT_EQ(text(dateTime), "2000-1-1 0 h 60.000000");
   dateTime.FromJulianDay(2451545 + 20.4 / 1440);
   EXPECT_EQ(dateTime.minutes, static_cast<double>(20.4F));
-  // Days beyond counting.
+  // Out of range.
   for (const double day : {2147483648.0, -2147483650.0, 1e300, double{INFINITY}, double{NAN}}) {
     dateTime.FromJulianDay(day);
     EXPECT_EQ(text(dateTime), text({})) << day;

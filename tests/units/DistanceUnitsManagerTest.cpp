@@ -63,7 +63,7 @@ TEST_F(DistanceUnitsManagerTest, UnitsFollowTheChosenSystem) {
   EXPECT_EQ(DistanceUnitsManager().currentUnits(), 2) << "from the settings";
   defaults().removeObjectForKey("global_units");
   manager.setCurrentUnits(2);
-  EXPECT_FALSE(defaults().objectForKey("global_units")) << "the same choice is not written";
+  EXPECT_FALSE(defaults().objectForKey("global_units")) << "an equal value is not written";
 }
 
 TEST_F(DistanceUnitsManagerTest, FractionsAreTheNearestThirtySecond) {

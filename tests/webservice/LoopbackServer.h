@@ -13,7 +13,7 @@
 
 namespace vantrel::test {
 
-/// What a path is answered with: bytes, then what becomes of the connection.
+/// The answer for a path: bytes, then the state of the connection.
 struct Reply {
   enum class After { kClose, kHang, kDrip };
   std::string bytes;
@@ -26,7 +26,7 @@ inline std::string httpReply(const std::string& body, const std::string& status 
          headers + "Connection: close\r\n\r\n" + body;
 }
 
-/// An HTTP server on loopback, in a thread of its own; with a certificate it speaks TLS.
+/// An HTTP server on loopback in a separate thread; with `tls`, an HTTPS server.
 class LoopbackServer {
  public:
   explicit LoopbackServer(std::map<std::string, Reply> replies, const QSslConfiguration* tls = {})
@@ -54,7 +54,7 @@ class LoopbackServer {
   std::string address(const std::string& scheme = "http") const {
     return scheme + "://127.0.0.1:" + std::to_string(port_);
   }
-  /// The targets that were asked for, in order.
+  /// The requested targets, in order.
   std::vector<std::string> requests() {
     const std::lock_guard lock(mutex_);
     return requests_;

@@ -25,7 +25,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using Notices = std::vector<std::string>;
 
-/// Writes down what it hears, and from which thread.
+/// Records notices and their thread.
 struct Listener : WebServiceRequestOperationDelegate {
   void webServiceRequestOperationNetworkIsActive(WebServiceRequestOperation& operation,
                                                  bool isActive) override {
@@ -92,7 +92,8 @@ class WebServiceRequest : public testing::Test {
     last_ = operation;
     queue_.addOperation(std::move(operation));
   }
-  /// What a request brings. Whatever is under way for it keeps it, so that nothing can follow.
+  /// Returns the notices of a request. Everything pending for it owns it: when it is destroyed, no
+  /// more follow.
   Notices noticesOf(const std::string& url, std::int32_t serverType = 0) {
     listener_->notices.clear();
     start(url, serverType);
@@ -106,7 +107,7 @@ class WebServiceRequest : public testing::Test {
   std::weak_ptr<Request> last_;
 };
 
-TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
+TEST_F(WebServiceRequest, DistinguishesTheServicesErrors) {
   using Expected = std::vector<testing::Matcher<std::string>>;
   const std::string refused = R"({"status": {"message": "limit exceeded", "value": 18}})";
   const std::string found = R"({"status": "OK", "results": [{"srtm3": 3}, 4]})";
@@ -119,7 +120,7 @@ TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
   };
   const struct {
     std::string reply;
-    Expected expected;  ///< Behind "active".
+    Expected expected;  ///< After "active".
     std::int32_t serverType = 0;
     std::string log = {};
   } cases[] = {
@@ -151,7 +152,7 @@ TEST_F(WebServiceRequest, TellsTheServicesWaysOfFailingApart) {
   }
 }
 
-TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
+TEST_F(WebServiceRequest, ReportsTransportErrors) {
   using After = Reply::After;
   const std::string head = "HTTP/1.1 200 OK\r\nConnection: close\r\n";
   const std::string much(9 << 20, ' ');
@@ -186,7 +187,7 @@ TEST_F(WebServiceRequest, TellsWhatStoppedTheTransport) {
   }
 }
 
-TEST_F(WebServiceRequest, RefusesACertificateThatNobodyVouchesFor) {
+TEST_F(WebServiceRequest, RejectsASelfSignedCertificate) {
   const auto key = (cache_ / "key.pem").string();
   const auto certificate = (cache_ / "cert.pem").string();
   const auto made = test::runProgram(
@@ -203,7 +204,7 @@ TEST_F(WebServiceRequest, RefusesACertificateThatNobodyVouchesFor) {
   EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
+TEST_F(WebServiceRequest, CachesAnswersThatTheServerCallsFresh) {
   const std::string body = R"({"srtm3": 7})";
   const auto reply = [&](const char* headers) { return httpReply(body, "200 OK", headers); };
   const std::string chunked =
@@ -234,7 +235,7 @@ TEST_F(WebServiceRequest, AnswersFromTheCacheWhatItsServerCalledFresh) {
   }
 }
 
-TEST_F(WebServiceRequest, KeepsNoAccountInItsCacheAndSurvivesGarbageThere) {
+TEST_F(WebServiceRequest, CachesNoAccountAndIgnoresGarbage) {
   const auto reply = httpReply(R"({"srtm3": 7})", "200 OK", "Cache-Control: max-age=3600\r\n");
   test::LoopbackServer server({{"/", {reply}}});
   const std::string url = server.address() + "/?token=" + token();
@@ -284,7 +285,7 @@ TEST_F(WebServiceRequest, EndsWithItsSession) {
   EXPECT_THAT(listener_->notices, ElementsAre("active"));
 }
 
-TEST(WebServiceRequestOperation, LeavesTheAskingToSubclasses) {
+TEST(WebServiceRequestOperation, IsAbstract) {
   WebServiceRequestOperation operation;
   EXPECT_EQ(operation.username(), "vantrel");
   EXPECT_EQ(operation.token().size(), 18u);

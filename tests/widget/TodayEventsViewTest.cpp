@@ -25,7 +25,7 @@ std::string describe(const Label& label) {
   return text.str();
 }
 
-/// What the view shows: titles over dates, a line for each row, and the height it reports.
+/// Describes the visible labels, a line for each row, and the reported height.
 Lines describe(const TodayEventsView& view) {
   Lines lines;
   if (!view.messageLabel().isHidden()) {
@@ -53,7 +53,7 @@ class TodayEventsViewTest : public test::WidgetTest {
 
   const Date date = dateFromIso8601String("2024-06-21T03:30:00Z").value();
   // With fixed metrics a character is 7.5 wide and a line 18 high at size 15: 36 characters fit
-  // into the 272 of a card 320 wide. All frames below are counted by hand.
+  // into the 272 of a card 320 wide. All frames below were computed by hand.
   const std::string twoLines = "Milky Way over the old lighthouse at the cape";
   const std::string threeLines = twoLines + ", then the dunes to the south of it";
 };
@@ -94,11 +94,11 @@ TEST_F(TodayEventsViewTest, LaysOutRows) {
     EXPECT_EQ(describe(view), c.lines);
   }
   view.updateData(std::nullopt);
-  EXPECT_EQ(describe(view), noPlans) << "nothing reads like an empty list";
+  EXPECT_EQ(describe(view), noPlans) << "nullopt is shown like an empty list";
 
   view.setFrame({{0, 0}, {700, 110}});
   view.updateData(plans({"Sunrise", "Moon", "3", "4", "5"}));
-  EXPECT_EQ(describe(view).back(), "height 285") << "one column however wide";
+  EXPECT_EQ(describe(view).back(), "height 285") << "one column at any width";
 }
 
 TEST_F(TodayEventsViewTest, LaysOutTwoColumnsBeforeVersion10) {
@@ -113,7 +113,7 @@ TEST_F(TodayEventsViewTest, LaysOutTwoColumnsBeforeVersion10) {
                    "344.5,12 344.5x36, 344.5,53 344.5x18 " + threeLines,
                    "344.5,83 344.5x18, 344.5,106 344.5x18 Blue hour", "height 179"}));
 
-  // Compact mode is obeyed on old systems too.
+  // Old systems have the compact mode too.
   view.setMarginInsets({0, 37, 0, 0});
   view.setShowExpanded(false);
   EXPECT_EQ(describe(view), (Lines{"37,8 307.5x18, 37,31 307.5x18 Sunrise",
@@ -133,7 +133,7 @@ TEST_F(TodayEventsViewTest, ShowsDatesInThePlansOwnZone) {
     std::optional<std::string> zone;
     const char* text;
   };
-  // By `TZ=… date -d 2024-06-21T03:30Z`; the device stands in Kathmandu.
+  // By `TZ=… date -d 2024-06-21T03:30Z`; the device is in Kathmandu.
   const Case cases[] = {
       {"Tokyo", date, "Asia/Tokyo", "21/06/2024 12:30"},
       {"none", date, std::nullopt, "21/06/2024 09:15"},
@@ -196,7 +196,7 @@ TEST_F(TodayEventsViewTest, HighlightsWhileTouchedAndReportsTaps) {
   expectColor(Color::whiteColor());
 }
 
-TEST_F(TodayEventsViewTest, MayDieWithTouchesUnderWayAndInsideATap) {
+TEST_F(TodayEventsViewTest, MayBeDestroyedDuringTouchesAndInsideATap) {
   const auto delegate = std::make_shared<RecordingDelegate>();
   auto view = std::make_unique<TodayEventsView>(Rect{{0, 0}, {320, 110}});
   view->setDelegate(delegate);

@@ -49,7 +49,7 @@ const Color kEither = Color::dynamicColor(Color::blackColor(), Color::whiteColor
 const Color kBlack = Color::blackColor();
 const Color kWhite = Color::whiteColor();
 
-// The system version is read once per process: each case runs in one of its own.
+// The system version is read once per process: ctest runs each case in a new one.
 INSTANTIATE_TEST_SUITE_P(
     All, TodayUtilsTest,
     testing::Values(

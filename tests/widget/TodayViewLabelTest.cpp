@@ -31,7 +31,7 @@ TEST_F(TodayViewLabelTest, ReportsPhasesWithTheTagOfTheTouchOnceItIsOver) {
   label->setTarget(lifetime, record("later"), TodayViewLabel::kTouchEnd);
   label->setTarget(lifetime, {}, TodayViewLabel::kTouchCancelled);
   label->touchesCancelled({});
-  // A target that is gone before it is told hears nothing.
+  // A target destroyed before the call is not called.
   auto briefly = std::make_shared<char>();
   label->setTarget(briefly, record("nobody"), TodayViewLabel::kTouchBegan);
   label->touchesBegan({});
