@@ -88,8 +88,8 @@ Color componentBackgroundColor();
 /// The moon's shadow at brightness 0.89 · `x`.
 Color interpolatedMoonShadowColor(double x);
 
-/// Returns the luma of `color` (ITU-R BT.601 weights) as a grey with the same alpha. A colour of white
-/// and alpha is returned unchanged.
+/// Returns the luma of `color` (ITU-R BT.601 weights) as a grey with the same alpha. A colour of
+/// white and alpha is returned unchanged.
 Color toGrayScale(const Color& color);
 double getAlpha(const Color& color);
 /// Returns `color` as red, green and blue, with another alpha.
