@@ -10,8 +10,8 @@ class Color {
  public:
   static Color colorWithRed(double red, double green, double blue, double alpha);
   static Color colorWithWhite(double white, double alpha);
-  /// Hue, saturation and brightness as fractions of 1. Whole turns of the hue are ignored; a hue that
-  /// is infinite or NaN counts as 0.
+  /// Hue, saturation and brightness as fractions of 1. Whole turns of the hue are ignored; a hue
+  /// that is infinite or NaN counts as 0.
   static Color colorWithHue(double hue, double saturation, double brightness, double alpha);
   static Color whiteColor() { return colorWithWhite(1, 1); }
   static Color blackColor() { return colorWithWhite(0, 1); }
