@@ -4,8 +4,8 @@
 
 namespace vantrel {
 
-/// Keys of the planner in the shared settings, with the types of their values: a contract between this
-/// program and the main application.
+/// Keys of the planner in the shared settings, with the types of their values: a contract between
+/// this program and the main application.
 inline constexpr std::string_view kUserDefaultsPlannerMapLat = "planner_mapLat";  ///< double
 inline constexpr std::string_view kUserDefaultsPlannerMapLng = "planner_mapLng";  ///< double
 inline constexpr std::string_view kUserDefaultsPlannerDate = "planner_date";      ///< date

@@ -25,7 +25,8 @@ class GeodeticCurve {
   /// exactly north and if there is no direction.
   double apparentElevation() const { return apparentElevation_; }
   /// False for pairs on one meridian (whose azimuths 0 and 180 are exact nevertheless), identical
-  /// points, NaN, and nearly antipodal pairs, whose azimuths only show which point is farther north.
+  /// points, NaN, and nearly antipodal pairs, whose azimuths only show which point is farther
+  /// north.
   bool converged() const { return converged_; }
 
  private:

@@ -10,8 +10,8 @@ namespace vantrel {
 class VTObserver;
 
 /// The planner's second pin: a summit or a building, seen from the observer. The values that depend
-/// on the observer, and the texts of altitudes, are computed by recalculateDataWithObserver() and do
-/// not change until its next call. Main thread only.
+/// on the observer, and the texts of altitudes, are computed by recalculateDataWithObserver() and
+/// do not change until its next call. Main thread only.
 class Obstacle : public PinLocation {
  public:
   static constexpr float kUnknownDistance = -1;

@@ -10,8 +10,8 @@
 
 namespace vantrel {
 
-/// The photographer's pin. It has the point of the horizon that the photographer looks at and a flag
-/// whether the ephemeris uses the height above that point. Main thread only.
+/// The photographer's pin. It has the point of the horizon that the photographer looks at and a
+/// flag whether the ephemeris uses the height above that point. Main thread only.
 ///
 /// Its keyed archive, with the values of a summit set by hand, without a horizon:
 ///
@@ -50,16 +50,16 @@ class VTObserver : public PinLocation {
   bool isAltitudeAtHorizonValid() const { return isValid(altitudeAtHorizon_); }
   void resetHorizon();
 
-  /// Returns the whole metres from the horizon point up to the ground (without the offset), at least
-  /// 0. Returns 0 if the altitude is not valid, or that of the horizon is kNoHorizonAltitude or
-  /// kUnknownAltitude; a horizon of kMissingAltitude (-32768) counts as 0 metres.
+  /// Returns the whole metres from the horizon point up to the ground (without the offset), at
+  /// least 0. Returns 0 if the altitude is not valid, or that of the horizon is kNoHorizonAltitude
+  /// or kUnknownAltitude; a horizon of kMissingAltitude (-32768) counts as 0 metres.
   float heightAboveHorizon() const;
   /// "80m" or "262ft".
   std::string heightAboveHorizonString() const;
   /// "Altitude: 101m", followed by " | Height above horizon: 80m" if adjustForHeightAboveHorizon().
   std::string pinSubtitle() const;
-  /// The altitude includes the offset. Unknown altitudes are 0, and so is the height above the horizon
-  /// unless adjustForHeightAboveHorizon().
+  /// The altitude includes the offset. Unknown altitudes are 0, and so is the height above the
+  /// horizon unless adjustForHeightAboveHorizon().
   ephemeris::PtPosition getPtPosition() const;
 
  private:

@@ -27,8 +27,8 @@ struct VincentyInverse {
   /// Follows the method step by step, for every pair.
   GeodeticCurve plainCurve() const;
   /// Exists for speed alone: 2.5 times as fast. Returns `nullopt` for the 1 to 2 % of pairs whose
-  /// result depends on the rounding of the plain steps. Otherwise both agree up to the last bit of a
-  /// single-precision distance and within 1e-8 degrees: the source explains why, and
+  /// result depends on the rounding of the plain steps. Otherwise both agree up to the last bit of
+  /// a single-precision distance and within 1e-8 degrees: the source explains why, and
   /// GeodeticCalculatorTest compares them for 300,000 random pairs of ten kinds.
   std::optional<GeodeticCurve> quickCurve() const;
 

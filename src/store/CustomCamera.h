@@ -11,8 +11,8 @@ namespace vantrel {
 
 class ManagedObjectContext;
 
-/// A custom camera of the main store. Lengths are millimetres; absent sizes count as 0. All arithmetic
-/// is in single precision.
+/// A custom camera of the main store. Lengths are millimetres; absent sizes count as 0. All
+/// arithmetic is in single precision.
 class CustomCamera : public IdentifiedObject {
  public:
   static constexpr const char* kEntityName = "CustomCamera";
@@ -54,8 +54,8 @@ class CustomCamera : public IdentifiedObject {
   /// the fetch fails.
   static std::shared_ptr<CustomCamera> loadCameraWithModel(const std::string& model,
                                                            ManagedObjectContext& context);
-  /// Whether a camera other than `camera` has its model. False for a camera without a model and if the
-  /// fetch fails.
+  /// Whether a camera other than `camera` has its model. False for a camera without a model and if
+  /// the fetch fails.
   static bool existsCameraWithModel(const CustomCamera& camera, ManagedObjectContext& context);
 
  private:

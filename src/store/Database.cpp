@@ -104,7 +104,8 @@ StoreOptions Database::mainStoreOptions() {
   StoreOptions options;
   options.migratePersistentStoresAutomatically = true;
   options.inferMappingModelAutomatically = true;
-  // The attributes that the list of plans needs: the phone's model may have others and other hashes.
+  // The attributes that the list of plans needs: the phone's model may have others and other
+  // hashes.
   options.requiredAttributes = {{Planning::kEntityName, {"name", "date", "timezone"}}};
   return options;
 }

@@ -21,9 +21,9 @@ class DatabaseDelegate {
                                                              const std::string& /*title*/) {}
 };
 
-/// Owns the main store (the photographer's plans, in the container of the application group) and the
-/// static store (read-only, in the resources). Models, coordinators and contexts are created on first
-/// use and never destroyed before the database. Main thread only, except `sharedInstance`.
+/// Owns the main store (the photographer's plans, in the container of the application group) and
+/// the static store (read-only, in the resources). Models, coordinators and contexts are created on
+/// first use and never destroyed before the database. Main thread only, except `sharedInstance`.
 class Database {
  public:
   static Database& sharedInstance();
@@ -36,8 +36,9 @@ class Database {
   /// "Vantrel.momd" in the main bundle, otherwise "Vantrel.mom"; `nullopt` if neither exists.
   std::optional<std::filesystem::path> modelURL() const;
 
-  /// Never null: if the model or the store cannot be opened, the model is empty, the coordinator has no
-  /// store, the error is logged and passed to the delegate, and fetches of the context fail with it.
+  /// Never null: if the model or the store cannot be opened, the model is empty, the coordinator
+  /// has no store, the error is logged and passed to the delegate, and fetches of the context fail
+  /// with it.
   std::shared_ptr<ManagedObjectModel> managedObjectModel();
   std::shared_ptr<PersistentStoreCoordinator> persistentStoreCoordinator();
   ManagedObjectContext* managedObjectContext();
@@ -46,8 +47,9 @@ class Database {
   ManagedObjectContext* staticManagedObjectContext();
 
   /// Copies a store with its pictures to a new file and migrates the copy to the current model. The
-  /// old store is only read. Returns false and creates no file on failure, which includes two stores
-  /// in one folder whose names differ only in the extension: they would share their pictures.
+  /// old store is only read. Returns false and creates no file on failure, which includes two
+  /// stores in one folder whose names differ only in the extension: they would share their
+  /// pictures.
   bool migrateDatabase(const std::filesystem::path& url,
                        const std::filesystem::path& toNewDatabase);
   /// Like migrateDatabase(), but returns the error.
@@ -56,24 +58,24 @@ class Database {
   /// Whether the model of the group's store differs from that of the main coordinator. True if the
   /// store cannot be read or persistentStoreCoordinator() has not been called.
   bool isMigrationNeeded() const;
-  /// Sets a unique identifier in every record that lacks one, saves (all or none; errors are ignored)
-  /// and resets the main context: its objects must be fetched again. Does nothing unless
+  /// Sets a unique identifier in every record that lacks one, saves (all or none; errors are
+  /// ignored) and resets the main context: its objects must be fetched again. Does nothing unless
   /// managedObjectContext() has been called.
   void performUpdatesFrom3To4();
 
   using Objects = ManagedObjectContext::Objects;
   using Comparison = std::function<bool(const ManagedObject& earlier, const ManagedObject& later)>;
   /// Returns the later object of every pair for which `withCompare` is true, in the order of the
-  /// pairs: of three equal objects 0, 1 and 2, returns 1, 2 and 2. The comparison need not be symmetric
-  /// or transitive. O(n²).
+  /// pairs: of three equal objects 0, 1 and 2, returns 1, 2 and 2. The comparison need not be
+  /// symmetric or transitive. O(n²).
   Objects duplicateObjectsInArray(const Objects& array, const Comparison& withCompare) const;
   /// Returns every duplicate plan, point of interest and camera of the main context, each once.
   /// Entities that cannot be fetched have none. Fails if the pictures in a foreign store cannot be
   /// counted: plans that differ only in their pictures would be reported. O(n log n).
   Expected<Objects> duplicateObjects();
-  /// Deletes the duplicates on a later turn of the main queue and saves, all or none; does not save if
-  /// there are none. Then calls `completion`, which must not be empty, there with the error, `nullopt`
-  /// on success. The database must outlive the call.
+  /// Deletes the duplicates on a later turn of the main queue and saves, all or none; does not save
+  /// if there are none. Then calls `completion`, which must not be empty, there with the error,
+  /// `nullopt` on success. The database must outlive the call.
   void removeDuplicatesWithCompletion(std::function<void(const std::optional<Error>&)> completion);
 
   /// The options to open any store of plans.

@@ -13,8 +13,8 @@ namespace vantrel {
 /// the plan's object identifier.
 std::string deepLink(const Planning& plan);
 
-/// Returns the object URI in an untrusted link; `nullopt` unless it is the URI of a saved plan, encoded
-/// like deepLink() does.
+/// Returns the object URI in an untrusted link; `nullopt` unless it is the URI of a saved plan,
+/// encoded like deepLink() does.
 std::optional<std::string> planUriFromDeepLink(std::string_view link);
 
 /// Whether `text` is the object URI of a saved plan: "x-coredata://<store UUID>/Planning/p7".

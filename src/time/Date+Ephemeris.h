@@ -8,12 +8,12 @@
 /// Calendar arithmetic on dates, in `cachedCalendar` unless noted. Thread-safe.
 ///
 /// A skipped wall time is moved forward by the gap, of a repeated one the first is used. In Havana
-/// clocks jumped on 2024-03-10 from 00:00 to 01:00: that day starts at 01:00. On 2024-11-03 they went
-/// back from 01:00 to 00:00: that day starts at the first 00:00.
+/// clocks jumped on 2024-03-10 from 00:00 to 01:00: that day starts at 01:00. On 2024-11-03 they
+/// went back from 01:00 to 00:00: that day starts at the first 00:00.
 namespace vantrel::ephemeris {
 
-/// Converts a record in GMT, rounded to minutes or, `withSeconds`, truncated to seconds. Fields out of
-/// range carry over: minute 60 is the next hour.
+/// Converts a record in GMT, rounded to minutes or, `withSeconds`, truncated to seconds. Fields out
+/// of range carry over: minute 60 is the next hour.
 Date dateWithPtDateTime(const PtDateTime& dateTime, bool withSeconds = false);
 /// Sets all fields from `date` in GMT, truncated to seconds.
 void ptDateTimeForDate(Date date, PtDateTime& dateTime);

@@ -3,9 +3,9 @@
 #include <array>
 #include <cmath>
 
-// Source: Meeus, Astronomical Algorithms, chapter 7. Common days are computed with integers, which gives
-// identical results faster; all others with the original formulas, out of line to keep the common
-// path small.
+// Source: Meeus, Astronomical Algorithms, chapter 7. Common days are computed with integers, which
+// gives identical results faster; all others with the original formulas, out of line to keep the
+// common path small.
 
 namespace vantrel::ephemeris {
 
@@ -36,14 +36,14 @@ struct CivilDay {
           static_cast<std::int32_t>(day)};
 }
 
-/// The range of `civilDayOfWholeDay`. From 512 on, the fraction of t has at most 43 bits: adding it to
-/// r (below 512) is exact, and truncating the sum gives r.
+/// The range of `civilDayOfWholeDay`. From 512 on, the fraction of t has at most 43 bits: adding it
+/// to r (below 512) is exact, and truncating the sum gives r.
 constexpr double kFirstWholeDay = 512;
 constexpr double kLastWholeDay = 1e8;
 
 /// Like civilDay(), with fractions expanded to integers: (z - 1867216.25) / 36524.25 is
-/// (4z - 7468865) / 146097, etc. Each quotient is an integer, which doubles represent exactly, or at
-/// least 1/306001 away from one, which is far more than the rounding error of doubles.
+/// (4z - 7468865) / 146097, etc. Each quotient is an integer, which doubles represent exactly, or
+/// at least 1/306001 away from one, which is far more than the rounding error of doubles.
 CivilDay civilDayOfWholeDay(std::uint32_t z) {
   std::uint32_t b = z + 1524;
   if (z >= 2299161) {
@@ -122,9 +122,10 @@ void PtDateTime::FromJulianDay(double julianDay) {
   day = civil.day;
 
   const double s = (t - midnight) * 86400.0;
-  // Equals floor(s / 3600) and fmod(s / 60, 60) in doubles: dividing the largest double below 3600 h
-  // gives 0.53 units in the last place below h (and 60 h), which is more than half a unit, so neither
-  // quotient rounds up to a whole hour. The difference below is exact, like every remainder.
+  // Equals floor(s / 3600) and fmod(s / 60, 60) in doubles: dividing the largest double below 3600
+  // h gives 0.53 units in the last place below h (and 60 h), which is more than half a unit, so
+  // neither quotient rounds up to a whole hour. The difference below is exact, like every
+  // remainder.
   hour = static_cast<std::int32_t>(static_cast<std::uint32_t>(s) / 3600);
   const double remainder = s / 60.0 - 60.0 * hour;
   // Below 2^23 the sum of a float and 0.5 is exact in a double: halves round away from zero.
