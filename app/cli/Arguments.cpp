@@ -21,10 +21,10 @@ constexpr int kMostDaysAhead = 36500;
 constexpr std::array<std::string_view, kDaysPerWeek> kWeekdays = {
     "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
 
-/// The number that the whole text is.
+/// `nullopt` unless all of `text` is a number.
 template <typename Number>
 std::optional<Number> number(std::string_view text) {
-  // A sign of its own, not one more.
+  // std::from_chars accepts no plus sign.
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   Number value = 0;
   const char* end = text.data() + text.size();
@@ -33,7 +33,7 @@ std::optional<Number> number(std::string_view text) {
   return value;
 }
 
-/// The days that "+3d" or "-2w" counts.
+/// The days in "+3d" or "-2w".
 std::optional<int> countedDays(std::string_view word) {
   if (word.size() < 3 || (word.front() != '+' && word.front() != '-')) return std::nullopt;
   const int unit = word.back() == 'd' ? 1 : word.back() == 'w' ? kDaysPerWeek : 0;
@@ -42,8 +42,8 @@ std::optional<int> countedDays(std::string_view word) {
   return *count * unit;
 }
 
-/// How many days after `today` (days since 2001-01-01, a Monday) the word's day is. A weekday is
-/// the coming one, today included.
+/// How many days after `today` (days since 2001-01-01, a Monday) `word` is. A weekday is the next
+/// one, today included.
 std::optional<int> daysAhead(std::string_view word, int today) {
   if (word == "today") return 0;
   if (word == "tomorrow") return 1;
@@ -57,7 +57,7 @@ std::optional<int> daysAhead(std::string_view word, int today) {
   return countedDays(word);
 }
 
-/// The text with a leading relative day replaced by that day on the zone's calendar.
+/// Returns `text` with a relative day at its start replaced by that day in `zone`.
 std::string withCalendarDay(const std::string& text, const TimeZone& zone) {
   const std::size_t wordEnd = text.find(' ');
   const Date now = Clock::sharedClock().now();
@@ -76,14 +76,18 @@ Expected<double> degrees(const std::string& option, const std::string& text, int
   const auto degrees = number<double>(text);
   if (degrees && std::fabs(*degrees) <= limit) return *degrees;
   const std::string bound = std::to_string(limit);
-  return refused(option, text, "allowed are degrees from -" + bound + " to " + bound);
+  return invalidArgument(option, text, "degrees from -" + bound + " to " + bound);
 }
 
 }  // namespace
 
-tl::unexpected<Error> refused(const std::string& option, const std::string& text,
-                              const std::string& why) {
-  return tl::unexpected(failure(kExitUsage, option + " \"" + text + "\"", why));
+tl::unexpected<Error> invalidArgument(const std::string& option, std::string_view text,
+                                      const std::string& expected) {
+  constexpr std::size_t kMostQuoted = 40;
+  const std::string_view quoted = beginning(text, kMostQuoted);
+  return tl::unexpected(failure(kExitUsage, option,
+                                "expected " + expected + ", got \"" + std::string(quoted) +
+                                    (quoted.size() < text.size() ? "...\"" : "\"")));
 }
 
 double secondsOfWallTime(const WallTime& wall) {
@@ -98,28 +102,32 @@ double secondsOfWallTime(const WallTime& wall) {
          wall.second;
 }
 
-Expected<Moment> momentFromArgument(const std::string& option, const std::string& text,
-                                    const TimeZone& zone) {
+Expected<DateInterval> dateIntervalFromArgument(const std::string& option, const std::string& text,
+                                                const TimeZone& zone) {
   std::optional<Date> instant = dateFromIso8601String(text);
   if (text == "now") instant = Clock::sharedClock().now();
-  if (instant) return Moment{*instant, *instant};
+  if (instant) return DateInterval{*instant, *instant};
   const std::string absolute = withCalendarDay(text, zone);
   if (const auto wall = wallTimeFromIso8601String(absolute)) {
     const double seconds = secondsOfWallTime(*wall);
     const Date first = zone.dateForWallSeconds(seconds);
-    if (absolute.find_first_of("T ") != std::string::npos) return Moment{first, first};
+    if (absolute.find_first_of("T ") != std::string::npos) return DateInterval{first, first};
     const Date next = zone.dateForWallSeconds(seconds + kSecondsPerDay);
-    return Moment{first, Date(std::nextafter(next.timeIntervalSinceReferenceDate(),
-                                             first.timeIntervalSinceReferenceDate()))};
+    return DateInterval{first, Date(std::nextafter(next.timeIntervalSinceReferenceDate(),
+                                                   first.timeIntervalSinceReferenceDate()))};
   }
-  return refused(option, text,
-                 "no such date; allowed are 2026-07-15T21:40:00Z, \"2026-07-15 23:40\", "
-                 "2026-07-15, \"tomorrow 05:30\", friday, +3d, now");
+  return invalidArgument(option, text,
+                         "a date such as 2026-07-15T21:40:00Z, \"2026-07-15 23:40\", 2026-07-15, "
+                         "\"tomorrow 05:30\", friday, +3d or now");
+}
+
+Expected<Date> dateFromArgument(const std::string& option, const std::string& text) {
+  return dateIntervalFromArgument(option, text).map(&DateInterval::first);
 }
 
 Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::string& text) {
   if (auto zone = TimeZone::timeZoneWithName(text)) return *zone;
-  return refused(option, text, "no such time zone; allowed are names such as Europe/Madrid");
+  return invalidArgument(option, text, "a time zone such as Europe/Madrid");
 }
 
 Expected<double> latitudeFromArgument(const std::string& option, const std::string& text) {
@@ -137,18 +145,18 @@ std::optional<double> finiteNumber(std::string_view text) {
 
 Expected<double> realFromArgument(const std::string& option, const std::string& text) {
   if (const auto real = finiteNumber(text)) return *real;
-  return refused(option, text, "allowed are decimal numbers");
+  return invalidArgument(option, text, "a decimal number");
 }
 
 Expected<float> floatFromArgument(const std::string& option, const std::string& text) {
   const auto real = number<float>(text);
   if (real && std::isfinite(*real)) return *real;
-  return refused(option, text, "allowed are decimal numbers of single precision");
+  return invalidArgument(option, text, "a single-precision number");
 }
 
 Expected<std::int64_t> integerFromArgument(const std::string& option, const std::string& text) {
   if (const auto integer = number<std::int64_t>(text)) return *integer;
-  return refused(option, text, "allowed are whole numbers of 64 bits");
+  return invalidArgument(option, text, "a 64-bit integer");
 }
 
 Expected<bool> switchFromArgument(const std::string& option, const std::string& text) {
@@ -158,22 +166,22 @@ Expected<bool> switchFromArgument(const std::string& option, const std::string& 
   for (const char* word : {"off", "no", "false", "0"}) {
     if (text == word) return false;
   }
-  return refused(option, text, "allowed are on and off");
+  return invalidArgument(option, text, "on or off");
 }
 
 Expected<std::string> textFromArgument(const std::string& option, const std::string& text) {
   if (isUtf8(text)) return text;
-  return refused(option, text, "allowed is UTF-8 text");
+  return invalidArgument(option, text, "UTF-8 text");
 }
 
 Expected<std::string> filledTextFromArgument(const std::string& option, const std::string& text) {
-  if (text.find_first_not_of(' ') == std::string::npos) return pathFromArgument(option, "");
-  return textFromArgument(option, text);
+  if (text.find_first_not_of(' ') != std::string::npos) return textFromArgument(option, text);
+  return invalidArgument(option, text, "a text that is not empty");
 }
 
 Expected<std::string> pathFromArgument(const std::string& option, const std::string& text) {
   if (!text.empty()) return text;
-  return tl::unexpected(failure(kExitUsage, option, "must not be empty"));
+  return invalidArgument(option, text, "a path");
 }
 
 }  // namespace vantrel::cli

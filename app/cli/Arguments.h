@@ -12,48 +12,50 @@
 
 namespace vantrel::cli {
 
-/// What people type for a value, checked. `option` is what the error names ("--date"); errors end
-/// the program with kExitUsage and say what is allowed.
+/// Parsers for the values of options and arguments. `option` is the name in error messages
+/// ("--date"). Errors: kExitUsage, from `invalidArgument`.
 
-/// The error for a value that is none, as `why` tells.
-tl::unexpected<Error> refused(const std::string& option, const std::string& text,
-                              const std::string& why);
+/// Returns the error `option: expected …, got "text"`; a long `text` is cut.
+tl::unexpected<Error> invalidArgument(const std::string& option, std::string_view text,
+                                      const std::string& expected);
 
 /// Seconds since 2001-01-01 00:00 on the same clock.
 double secondsOfWallTime(const WallTime& wall);
 
-struct Moment {
+struct DateInterval {
   Date first;
-  Date last;  ///< The last instant of the day when only a day was given, else the same as `first`.
+  Date last;  ///< The last instant of the day if only a day was given, otherwise `first`.
 };
-/// "now", an ISO 8601 instant, or a day with or without wall time in `zone`: "2026-07-15 23:40",
-/// "2026-07-15", "tomorrow 05:30", "yesterday", "friday" or "fri" (today or later), "+3d", "-2w".
-Expected<Moment> momentFromArgument(const std::string& option, const std::string& text,
-                                    const TimeZone& zone);
+/// Accepts "now", an ISO 8601 instant, or a day with or without wall time in `zone`:
+/// "2026-07-15 23:40", "2026-07-15", "tomorrow 05:30", "yesterday", "friday" or "fri" (today or
+/// later), "+3d", "-2w".
+Expected<DateInterval> dateIntervalFromArgument(const std::string& option, const std::string& text,
+                                                const TimeZone& zone = TimeZone::defaultTimeZone());
+/// Returns the first instant of that interval.
+Expected<Date> dateFromArgument(const std::string& option, const std::string& text);
 
-/// A name of the system's time-zone database.
+/// Accepts names of the system's time-zone database.
 Expected<TimeZone> timeZoneFromArgument(const std::string& option, const std::string& text);
 
 /// Degrees from -90 to 90, or -180 to 180.
 Expected<double> latitudeFromArgument(const std::string& option, const std::string& text);
 Expected<double> longitudeFromArgument(const std::string& option, const std::string& text);
 
-/// The finite decimal number that the whole text is.
+/// `nullopt` unless all of `text` is a finite decimal number.
 std::optional<double> finiteNumber(std::string_view text);
-/// The same of an argument.
 Expected<double> realFromArgument(const std::string& option, const std::string& text);
-/// One that single precision can hold.
+/// Rejects numbers outside the range of single precision.
 Expected<float> floatFromArgument(const std::string& option, const std::string& text);
 Expected<std::int64_t> integerFromArgument(const std::string& option, const std::string& text);
 
-/// "on", "yes", "true", "1" or "off", "no", "false", "0".
+/// Accepts "on", "yes", "true", "1" or "off", "no", "false", "0".
 Expected<bool> switchFromArgument(const std::string& option, const std::string& text);
 
-/// Any UTF-8 text.
+/// Accepts any UTF-8 text.
 Expected<std::string> textFromArgument(const std::string& option, const std::string& text);
-/// The same, but for blanks alone.
+/// Accepts UTF-8 text that has a character other than a space.
 Expected<std::string> filledTextFromArgument(const std::string& option, const std::string& text);
-/// Any bytes, for the system to judge, but not none.
+/// Accepts any bytes, but not an empty text.
 Expected<std::string> pathFromArgument(const std::string& option, const std::string& text);
 
 }  // namespace vantrel::cli

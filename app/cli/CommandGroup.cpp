@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 
+#include "cli/Arguments.h"
 #include "cli/Command.h"
 
 namespace vantrel::cli {
@@ -14,21 +15,20 @@ namespace {
 
 constexpr std::array kGroups = {
     CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
-    CommandGroup{"watch", "Print the next plans again whenever they change, until ended",
+    CommandGroup{"watch", "Print the next plans whenever they change, until interrupted",
                  &fillWatchCommand},
     CommandGroup{"plan", "Add, list, show, edit, remove, import and export plans",
                  &fillPlanCommands},
-    CommandGroup{"camera", "Cameras of your own, by the size of their sensor", &fillCameraCommands},
-    CommandGroup{"open", "Show the plan that a vantrel:// link names", &fillOpenCommand},
+    CommandGroup{"camera", "Add, list, show and remove custom cameras", &fillCameraCommands},
+    CommandGroup{"open", "Show the plan of a vantrel:// link", &fillOpenCommand},
     CommandGroup{"geo", "Bearing, distance and elevation between two points", &fillGeoCommands},
-    CommandGroup{"units", "Choose metric or imperial units; write lengths in them",
-                 &fillUnitsCommands},
-    CommandGroup{"store", "Look into the store, copy it, repair it, fill it with samples",
+    CommandGroup{"units", "Choose metric or imperial units; format lengths", &fillUnitsCommands},
+    CommandGroup{"store", "Inspect, copy and repair the store; add sample plans",
                  &fillStoreCommands},
     CommandGroup{"planner", "Preset the planner of the main application", &fillPlannerCommands},
-    CommandGroup{"observer", "Where the planner stands, how high, and its horizon",
+    CommandGroup{"observer", "Show and set the planner's observer: place, altitude, horizon",
                  &fillObserverCommands},
-    CommandGroup{"obstacle", "A summit or a building, seen from the observer",
+    CommandGroup{"obstacle", "Show and set an obstacle, such as a summit, seen from the observer",
                  &fillObstacleCommands},
     CommandGroup{"lookup", "Ask a web service for a place's altitude or time zone",
                  &fillLookupCommands},
@@ -44,7 +44,7 @@ constexpr const char* kExamples = R"(Examples:
 constexpr const char* kEverywhere =
     "Everywhere: --json, --quiet, --color auto|always|never, --help. See vantrel --help.";
 
-/// Help without the remarks that the library adds to options; descriptions say what is needed.
+/// Omits the remarks that CLI11 adds to options.
 class HelpFormatter : public CLI::Formatter {
  public:
   HelpFormatter() {
@@ -59,11 +59,11 @@ class HelpFormatter : public CLI::Formatter {
 };
 
 void addEverywhere(CLI::App& root, Session& session) {
-  root.set_help_flag("-h,--help", "Show this help and end");
+  root.set_help_flag("-h,--help", "Show this help and exit");
   root.set_version_flag("--version", std::string("vantrel ") + VANTREL_VERSION,
-                        "Show the version and end");
+                        "Print version and exit");
   root.add_flag_callback(
-      "--json", [&] { session.console.setJson(true); }, "Answer in JSON");
+      "--json", [&] { session.console.setJson(true); }, "Print JSON");
   root.add_flag_callback(
       "-q,--quiet", [&] { session.console.setQuiet(true); }, "No hints on standard error");
   const auto setColor = [&](const CLI::results_t& values) {
@@ -71,11 +71,11 @@ void addEverywhere(CLI::App& root, Session& session) {
     if (mode == "always" || mode == "never") {
       session.console.setColor(mode == "always");
     } else if (mode != "auto") {
-      throw CLI::ValidationError("--color \"" + mode + "\": allowed are auto, always, never");
+      throw ArgumentError{invalidArgument("--color", mode, "auto, always or never").value()};
     }
     return true;
   };
-  root.add_option("--color", setColor, "Colour; auto is on a terminal that shows it")
+  root.add_option("--color", setColor, "When to use colour; auto: on a terminal that has it")
       ->type_name("auto|always|never");
   root.add_flag_callback(
       "--no-color", [&] { session.console.setColor(false); }, "The same as --color never");

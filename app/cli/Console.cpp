@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "cli/Suggestion.h"
 #include "common/ExitCode.h"
 #include "common/TerminalText.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::size_t kPiece = 1 << 16;
 
-/// 0, or the error that stopped the writing.
+/// Returns 0 or an errno.
 int writeAll(int file, std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = ::write(file, text.data(), text.size());
@@ -65,10 +66,17 @@ void Console::note(std::string_view text) {
 }
 
 int Console::fail(const Error& error) {
-  // Errors of a store say beside their text which file they are about.
-  const auto path = error.userInfo.find("path");
-  const std::string what = path == error.userInfo.end() ? "" : path->second + ": ";
-  tell("vantrel: " + printableLines(what + error.localizedDescription, "  ") + "\n");
+  const auto detail = [&](const char* key) {
+    const auto found = error.userInfo.find(key);
+    return found == error.userInfo.end() ? std::string() : found->second;
+  };
+  // The path of the store in errors of the store.
+  const std::string path = detail("path");
+  std::string line = (path.empty() ? "" : path + ": ") + error.localizedDescription;
+  for (std::size_t at = 0; (at = line.find('\n', at)) != std::string::npos; ++at) {
+    line.replace(at, 1, "\\n");
+  }
+  tell("vantrel: " + printable(line) + printableLines(detail(kCandidatesKey), "  ") + "\n");
   return exitCodeForError(error);
 }
 

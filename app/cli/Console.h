@@ -8,11 +8,11 @@
 
 namespace vantrel::cli {
 
-/// Receives a long text piece by piece.
+/// Called with consecutive pieces of a long text.
 using TextSink = std::function<void(std::string_view)>;
 
-/// Where a command's answers go: data to standard output, messages to standard error. Holds the
-/// switches that every command knows.
+/// The output of a command, data to standard output and messages to standard error, with the
+/// options that all commands share. Not thread-safe.
 class Console {
  public:
   bool isJson() const { return json_; }
@@ -20,30 +20,31 @@ class Console {
   bool isQuiet() const { return quiet_; }
   void setQuiet(bool quiet) { quiet_ = quiet; }
   void setColor(bool color) { color_ = color; }
-  /// Whether standard output is a terminal that can show colour, and $NO_COLOR is not set.
+  /// Whether standard output is a terminal with colours and $NO_COLOR is not set.
   static bool terminalShowsColor();
 
-  /// Adds to standard output, as it is; written in large pieces.
+  /// Buffers `text` for standard output; it is written unchanged.
   void print(std::string_view text);
-  /// Writes what was printed so far, for a reader that waits for it. False when nobody reads any
-  /// more or it cannot be written: more need not be printed.
+  /// Writes the buffer. Returns false if standard output is closed or cannot be written, so that
+  /// the caller can stop.
   bool flush();
-  /// The text in bold or dimmed, where standard output shows that.
+  /// Returns `text`, with escape sequences around it if colour is on.
   std::string bold(std::string_view text) const;
   std::string dim(std::string_view text) const;
 
-  /// One line of what is known of a thing: "  Label      value", with a line break.
+  /// Returns the line "  Label      value\n".
   std::string labelled(std::string_view label, std::string_view value) const;
   static constexpr std::size_t kLabelWidth = 11;
 
-  /// Writes to standard error, as it is.
+  /// Flushes, then writes `text` to standard error unchanged.
   void tell(std::string_view text);
-  /// A hint for a person, on standard error; only on a terminal, and not when quiet.
+  /// Writes a hint to standard error if that is a terminal and --quiet was not given.
   void note(std::string_view text);
-  /// Tells what went wrong in one line on standard error and gives the exit code to end with.
+  /// Writes `error` to standard error as one line, line breaks escaped, with the candidates of
+  /// `ambiguous` below. Returns the exit code for it.
   int fail(const Error& error);
-  /// Writes what is left and gives the exit code to end with: `exitCode`, unless standard output
-  /// could not be written. A reader that went away is no failure.
+  /// Flushes. Returns `exitCode`, or kExitInputOutput if standard output could not be written; a
+  /// closed pipe is no error.
   int finish(int exitCode);
 
  private:

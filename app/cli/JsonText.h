@@ -8,20 +8,21 @@ namespace vantrel::cli {
 
 using Json = nlohmann::ordered_json;
 
-/// The answer as programs read it: indented, safe for a terminal, with a line break at the end.
-/// Bytes that are no UTF-8 become U+FFFD, numbers that are not finite null.
+/// Returns indented JSON that is safe for a terminal, with a line break at the end. Invalid UTF-8
+/// becomes U+FFFD; numbers that are not finite become null.
 std::string jsonText(const Json& json);
 /// The same on one line.
 std::string jsonLine(const Json& json);
 
-/// The shortest decimal number that single precision reads back as `value`: 100.6, where mere
-/// widening gives 100.5999984741211.
+/// Returns the shortest decimal number that converts back to `value`: 100.6, where a cast gives
+/// 100.5999984741211.
 double decimalOfFloat(float value);
 
-/// The value, or null for none. Only who calls it needs the whole of the library.
-template <typename T, typename Whole = Json>
-Whole orNull(const std::optional<T>& value) {
-  return value ? Whole(*value) : Whole(nullptr);
+/// Returns `value`, or null for `nullopt`. A template, so that only its callers need the complete
+/// type.
+template <typename T, typename CompleteJson = Json>
+CompleteJson orNull(const std::optional<T>& value) {
+  return value ? CompleteJson(*value) : CompleteJson(nullptr);
 }
 
 }  // namespace vantrel::cli

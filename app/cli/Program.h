@@ -5,7 +5,8 @@
 
 namespace vantrel::cli {
 
-/// Does what the words behind the program's name ask for, and tells what went wrong; the exit code.
+/// Runs the command in `arguments` (without the program's name), reports errors on standard error
+/// and returns the exit code.
 int runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace vantrel::cli

@@ -8,29 +8,29 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience(1);
-constexpr std::chrono::milliseconds kPace(100);
+constexpr std::chrono::seconds kDelay(1);
+constexpr std::chrono::milliseconds kInterval(100);
 
 }  // namespace
 
-Progress::Progress(std::string what, Console& console)
-    : what_(std::move(what)),
+Progress::Progress(std::string title, Console& console)
+    : title_(std::move(title)),
       console_(console),
-      isWanted_(!console.isQuiet() && ::isatty(STDERR_FILENO)),
-      next_(std::chrono::steady_clock::now() + kPatience) {}
+      isEnabled_(!console.isQuiet() && ::isatty(STDERR_FILENO)),
+      nextUpdate_(std::chrono::steady_clock::now() + kDelay) {}
 
 Progress::~Progress() {
-  if (isShown_) console_.tell("\r" + std::string(what_.size() + 6, ' ') + "\r");
+  if (isShown_) console_.tell("\r" + std::string(title_.size() + 6, ' ') + "\r");
 }
 
-void Progress::report(std::size_t done, std::size_t all) {
-  if (!isWanted_ || all == 0) return;
+void Progress::report(std::size_t done, std::size_t total) {
+  if (!isEnabled_ || total == 0) return;
   const auto now = std::chrono::steady_clock::now();
-  if (now < next_) return;
-  next_ = now + kPace;
+  if (now < nextUpdate_) return;
+  nextUpdate_ = now + kInterval;
   isShown_ = true;
-  const std::string percent = std::to_string(done * 100 / all);
-  console_.tell("\r" + what_ + " " + std::string(3 - percent.size(), ' ') + percent + "%");
+  const std::string percent = std::to_string(done * 100 / total);
+  console_.tell("\r" + title_ + " " + std::string(3 - percent.size(), ' ') + percent + "%");
 }
 
 }  // namespace vantrel::cli

@@ -8,23 +8,23 @@
 
 namespace vantrel::cli {
 
-/// Tells on standard error how far long work is: only on a terminal, not when quiet, and nothing
-/// before a second has passed. The line is gone at the end.
+/// Shows the progress of long work on standard error if that is a terminal and --quiet was not
+/// given. Prints nothing during the first second; the destructor clears the line.
 class Progress {
  public:
-  Progress(std::string what, Console& console);
+  Progress(std::string title, Console& console);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  void report(std::size_t done, std::size_t all);
+  void report(std::size_t done, std::size_t total);
 
  private:
-  std::string what_;
+  std::string title_;
   Console& console_;
   bool isShown_ = false;
-  bool isWanted_;
-  std::chrono::steady_clock::time_point next_;
+  bool isEnabled_;
+  std::chrono::steady_clock::time_point nextUpdate_;
 };
 
 }  // namespace vantrel::cli

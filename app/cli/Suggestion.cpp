@@ -12,7 +12,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// How many letters must be added, removed, replaced or swapped with their neighbour.
+/// The number of characters to insert, delete, replace or swap with their neighbour.
 std::size_t editDistance(const std::string& a, const std::string& b) {
   std::vector<std::size_t> before;
   std::vector<std::size_t> row(b.size() + 1);
@@ -38,7 +38,7 @@ std::optional<std::string> nearestWord(const std::string& word,
   const auto nearest = std::min_element(
       known.begin(), known.end(),
       [&](const auto& a, const auto& b) { return editDistance(word, a) < editDistance(word, b); });
-  // A third of the letters may be wrong; beyond that, a guess would only confuse.
+  // A guess with more than a third of its characters wrong would only confuse.
   if (nearest == known.end() || editDistance(word, *nearest) * 3 > nearest->size() + 1) {
     return std::nullopt;
   }
@@ -63,12 +63,14 @@ std::string folded(const std::string& name) {
 Error ambiguous(const std::string& text, const std::string& why,
                 const std::vector<std::string>& candidates) {
   constexpr std::size_t kMostCandidates = 10;
-  std::string lines = why;
+  std::string lines;
   for (std::size_t i = 0; i < candidates.size() && i < kMostCandidates; ++i) {
     lines += "\n" + candidates[i];
   }
   if (candidates.size() > kMostCandidates) lines += "\n...";
-  return failure(kExitUsage, text, lines);
+  Error error = failure(kExitUsage, text, why);
+  error.userInfo[kCandidatesKey] = lines;
+  return error;
 }
 
 }  // namespace vantrel::cli

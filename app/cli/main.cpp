@@ -4,7 +4,7 @@
 
 int main(int argc, char** argv) {
   vantrel::exitWhenOutOfMemory("vantrel");
-  // What goes wrong is told once, by the command.
+  // The command reports errors itself.
   vantrel::setLogsEnabled(false);
   return vantrel::cli::runProgram(std::vector<std::string>(argv + 1, argv + argc));
 }

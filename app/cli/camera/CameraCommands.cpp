@@ -35,7 +35,7 @@ constexpr float kMost = 100'000;
 Expected<float> positiveFromArgument(const std::string& option, const std::string& text) {
   auto number = floatFromArgument(option, text);
   if (number && *number > 0 && *number <= kMost) return number;
-  return refused(option, text, "allowed are numbers above 0, up to 100000");
+  return invalidArgument(option, text, "a number above 0, up to 100000");
 }
 
 /// Zero is a circle of confusion that may be chosen.
@@ -167,14 +167,14 @@ void fillCameraCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
   const auto add =
       addCommand(parser, session, "add", "Add a camera by the size of its sensor", &addCamera);
-  addAttributes(add.parser, add.given);
+  addAttributes(add.parser, add.options);
   addCommand(parser, session, "list",
              "List cameras with diagonal, circle of confusion and crop factor", &listCameras);
   const auto show =
       addCommand(parser, session, "show", "Show all that is known of a camera", &showCamera);
-  addCameraName(show.parser, show.given);
+  addCameraName(show.parser, show.options);
   const auto remove = addCommand(parser, session, "remove", "Remove a camera", &removeCamera);
-  addCameraName(remove.parser, remove.given);
+  addCameraName(remove.parser, remove.options);
   addCommand(parser, session, "sensors", "List common sensors and film frames", &listSensors);
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "cli/Arguments.h"
 #include "cli/Suggestion.h"
+#include "common/ExitCode.h"
 #include "store/Database.h"
 
 namespace vantrel::cli {
@@ -70,9 +70,10 @@ Expected<SensorFormat> sensorNamed(const std::string& option, const std::string&
     }
   }
   if (matches.size() == 1) return matches.front();
-  return refused(option, text,
-                 matches.empty() ? "no such sensor; " + suggestion(text, *formats)
-                                 : "more than one sensor; there are " + listed(matches));
+  return tl::unexpected(failure(
+      kExitUsage, option,
+      matches.empty() ? "no sensor \"" + text + "\"; " + suggestion(text, *formats)
+                      : "more than one sensor matches \"" + text + "\": " + listed(matches)));
 }
 
 }  // namespace vantrel::cli

@@ -40,8 +40,7 @@ void addFile(CLI::App& parser, ExchangeOptions& options, const char* whatItIs, c
 
 Expected<ExchangeFormat> formatFromArgument(const std::string& option, const std::string& text) {
   if (const auto format = formatNamed(text)) return *format;
-  return tl::unexpected(
-      failure(kExitUsage, option + " \"" + text + "\"", "allowed are ics, json, csv, gpx, kml"));
+  return invalidArgument(option, text, "ics, json, csv, gpx or kml");
 }
 
 std::string_view nameOfFormat(ExchangeFormat format) {
@@ -65,8 +64,7 @@ void addImportOptions(CLI::App& parser, ExchangeOptions& options) {
 void addExportOptions(CLI::App& parser, ExchangeOptions& options) {
   addFile(parser, options, "Where to; - (or nothing) is standard output", "ics|json|csv|gpx|kml",
           "Else as FILE is named, else ics");
-  addTextOption(parser, "--from", options.from, "WHEN", "No earlier than this, as for plan list");
-  addTextOption(parser, "--to", options.to, "WHEN", "No later than this");
+  addRangeOptions(parser, options.range);
 }
 
 }  // namespace vantrel::cli

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/Error.h"
+#include "cli/plan/PlanSelection.h"
 
 namespace vantrel::cli {
 
@@ -25,8 +26,7 @@ struct ExchangeOptions {
   static constexpr const char* kStandardStream = "-";
   std::string file = kStandardStream;
   std::optional<ExchangeFormat> format;
-  std::optional<std::string> from;
-  std::optional<std::string> to;
+  DateRange range;
   bool isDryRun = false;
 };
 

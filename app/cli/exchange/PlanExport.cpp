@@ -69,12 +69,12 @@ int exportPlans(const ExchangeOptions& options, Console& console) {
     format = formatOfFileName(options.file);
     if (!format) {
       return console.fail(failure(kExitUsage, options.file,
-                                  "tells no format; name it .ics, .json, .csv, .gpx or .kml, or "
-                                  "give --format"));
+                                  "unknown format; expected .ics, .json, .csv, .gpx or .kml, or "
+                                  "--format"));
     }
   }
   if (!format) format = console.isJson() ? ExchangeFormat::kJson : ExchangeFormat::kCalendar;
-  const auto plans = plansBetween(options.from, options.to);
+  const auto plans = plansBetween(options.range);
   if (!plans) return console.fail(plans.error());
   const auto leftOut =
       isFile ? writeFile(*plans, *format, options.file) : writeToConsole(*plans, *format, console);

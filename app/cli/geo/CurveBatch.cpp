@@ -66,7 +66,7 @@ Expected<PinPairTexts> wordsOf(std::string_view line) {
   }
   if (count == words.size()) return words;
   return tl::unexpected(
-      failure(kExitBadData, std::to_string(count) + " values", "wanted are the 6 of two points"));
+      failure(kExitBadData, "values", "expected 6, got " + std::to_string(count)));
 }
 
 class Batch {

@@ -65,7 +65,7 @@ int showCurve(const CurveOptions& options, Console& console) {
   }
   if (options.points.size() != kCurveArguments) {
     return console.fail(failure(kExitUsage, "geo curve",
-                                "wanted are LAT1 LON1 ALT1 LAT2 LON2 ALT2; see vantrel geo curve "
+                                "expected LAT1 LON1 ALT1 LAT2 LON2 ALT2; see vantrel geo curve "
                                 "--help"));
   }
   PinPairTexts texts;
@@ -161,7 +161,7 @@ void fillGeoCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
   const auto curve = addCommand(parser, session, "curve",
                                 "Azimuths, distance and elevation between two points", &showCurve);
-  addCurveOptions(curve.parser, curve.given);
+  addCurveOptions(curve.parser, curve.options);
   const auto [radius, latitude] =
       addCommand(parser, session, "radius", "The earth's radius at a latitude", &showRadius);
   addValueOption(radius, "LAT", latitude, &hemisphereLatitudeFromArgument, "",
@@ -169,12 +169,12 @@ void fillGeoCommands(CLI::App& parser, Session& session) {
   const auto height = addCommand(
       parser, session, "height",
       "How high above the object's terrain the observer sees the sun or moon pass", &showHeight);
-  addSightOptions(height.parser, height.given, "--sun-moon-elevation", "DEGREES",
+  addSightOptions(height.parser, height.options, "--sun-moon-elevation", "DEGREES",
                   "Of the sun or moon above the horizon");
   const auto elevation = addCommand(
       parser, session, "elevation",
       "At which angle the observer sees a height above the object's terrain", &showElevation);
-  addSightOptions(elevation.parser, elevation.given, "--apparent-height", "METRES",
+  addSightOptions(elevation.parser, elevation.options, "--apparent-height", "METRES",
                   "Above the object's terrain");
 }
 

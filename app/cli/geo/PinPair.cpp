@@ -7,7 +7,6 @@
 #include "cli/Arguments.h"
 #include "common/ExitCode.h"
 #include "geo/GeodeticCalculator.h"
-#include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 
@@ -17,14 +16,13 @@ struct Axis {
   double limit;
   char positive;
   char negative;
-  const char* allowed;
+  const char* expected;
 };
-constexpr Axis kLatitude{90, 'N', 'S',
-                         "allowed are degrees from -90 to 90, or 0 to 90 with N or S behind"};
+constexpr Axis kLatitude{90, 'N', 'S', "degrees from -90 to 90, or 0 to 90 followed by N or S"};
 constexpr Axis kLongitude{540, 'E', 'W',
-                          "allowed are degrees from -540 to 540, or 0 to 540 with E or W behind"};
+                          "degrees from -540 to 540, or 0 to 540 followed by E or W"};
 
-constexpr const char* kMetres = "allowed are finite numbers of metres";
+constexpr const char* kMetres = "a finite number of metres";
 
 std::optional<double> degrees(std::string_view text, const Axis& axis) {
   double sign = 1;
@@ -42,19 +40,11 @@ std::optional<double> degrees(std::string_view text, const Axis& axis) {
   return sign * *number;
 }
 
-/// The error for one word of a line, which may be of any length.
-tl::unexpected<Error> refusedWord(const std::string& name, std::string_view text,
-                                  const char* allowed) {
-  constexpr std::size_t kMostQuoted = 40;
-  const std::string quoted(beginning(text, kMostQuoted));
-  return refused(name, quoted.size() < text.size() ? quoted + "..." : quoted, allowed);
-}
-
 }  // namespace
 
 Expected<double> hemisphereLatitudeFromArgument(const std::string& name, const std::string& text) {
   if (const auto number = degrees(text, kLatitude)) return *number;
-  return refusedWord(name, text, kLatitude.allowed);
+  return invalidArgument(name, text, kLatitude.expected);
 }
 
 Expected<PinPair> pinPairFromArguments(const PinPairTexts& texts, bool isLonLat) {
@@ -78,7 +68,7 @@ Expected<PinPair> pinPairFromArguments(const PinPairTexts& texts, bool isLonLat)
     const Field& field = fields[(isLonLat ? kLonLat : kLatLon)[i]];
     const auto value = field.axis ? degrees(texts[i], *field.axis) : finiteNumber(texts[i]);
     if (!value) {
-      return refusedWord(field.name, texts[i], field.axis ? field.axis->allowed : kMetres);
+      return invalidArgument(field.name, texts[i], field.axis ? field.axis->expected : kMetres);
     }
     field.target = *value;
   }

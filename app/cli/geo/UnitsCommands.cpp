@@ -23,15 +23,14 @@ template <int kLeast, int kMost>
 Expected<int> countFromArgument(const std::string& name, const std::string& text) {
   const auto count = integerFromArgument(name, text);
   if (count && *count >= kLeast && *count <= kMost) return static_cast<int>(*count);
-  return refused(
-      name, text,
-      "allowed are whole numbers from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
+  return invalidArgument(
+      name, text, "an integer from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
 }
 
 Expected<std::int32_t> systemFromArgument(const std::string& name, const std::string& text) {
   if (text == "metric") return DistanceUnitsManager::kMetric;
   if (text == "imperial") return DistanceUnitsManager::kImperial;
-  return refused(name, text, "allowed are metric, imperial");
+  return invalidArgument(name, text, "metric or imperial");
 }
 
 const char* systemName(const DistanceUnitsManager& manager) {
@@ -90,7 +89,7 @@ Expected<void> checkUnit(const DistanceUnitsManager& manager, const char* option
   if (!name || manager.indexOfUnit(*name) != -1) return {};
   std::string names;
   for (const auto& unit : manager.units()) names += (names.empty() ? "" : ", ") + unit.name();
-  return refused(option, *name, "allowed are " + names);
+  return invalidArgument(option, *name, "one of " + names);
 }
 
 struct BestRequest {
@@ -109,7 +108,8 @@ int showBest(const BestRequest& request, Console& console) {
   }
   const DistanceUnit* unit = (*manager)->bestDistanceUnitForValue(*length, least, most);
   if (!unit) {
-    return console.fail(refused("--min", *least, "larger than --max \"" + *most + "\"").value());
+    return console.fail(
+        invalidArgument("--min", *least, "a unit no larger than --max \"" + *most + "\"").value());
   }
   console.print(console.isJson() ? jsonText(jsonOfUnit(*unit)) : unit->name() + "\n");
   return kExitDone;

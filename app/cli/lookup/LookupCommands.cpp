@@ -82,7 +82,7 @@ void fillLookupCommands(CLI::App& parser, Session& session) {
       ->excludes(username);
   const auto zone =
       addCommand(parser, session, "timezone", "The time zone that it lies in", &showTimeZone);
-  addQuestion(zone.parser, zone.given);
+  addQuestion(zone.parser, zone.options);
 }
 
 }  // namespace vantrel::cli

@@ -22,12 +22,6 @@ struct Preset {
   std::optional<Date> date;
 };
 
-Expected<Date> dateFromArgument(const std::string& option, const std::string& text) {
-  return momentFromArgument(option, text, TimeZone::defaultTimeZone()).map([](const Moment& m) {
-    return m.first;
-  });
-}
-
 /// What the settings hold for a key, read so; nothing when they lack it.
 template <typename T>
 std::optional<T> held(const UserDefaults& defaults, std::string_view key,

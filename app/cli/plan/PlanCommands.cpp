@@ -20,7 +20,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// A plan's attribute as it is given on the command line.
+/// An attribute of a plan with an option of its name.
 struct Field {
   const char* key;
   const char* valueName;
@@ -31,21 +31,22 @@ constexpr std::array kFields = {
     Field{"notes", "TEXT", "Notes"},
     Field{"date", "WHEN", "\"2026-07-15 23:40\", \"friday 05:30\", +3d, 2026-07-15T21:40:00Z"},
     Field{"timezone", "ZONE",
-          "Zone of the place, as Europe/Madrid (when new: else the device's), or auto: see lookup"},
+          "Zone of the place, as Europe/Madrid (new plans: by default the device's), or auto: see "
+          "lookup"},
     Field{"latitude", "DEGREES", "-90 to 90, north positive"},
     Field{"longitude", "DEGREES", "-180 to 180, east positive"},
 };
 
-/// What was given, by attribute; nothing stands for "clear it".
-using Given = std::map<std::string, std::optional<std::string>>;
-using Changes = std::map<std::string, Value>;
+/// The texts of the options by attribute; `nullopt` to clear the attribute. Each was validated by
+/// `valueOf` while the command line was parsed, except kLookUp.
+using FieldTexts = std::map<std::string, std::optional<std::string>>;
 
-Expected<Value> checkedValue(const std::string& key, const std::string& text,
-                             const TimeZone& zone) {
+/// Returns the value of `text`; wall times are in `zone`.
+Expected<Value> valueOf(const std::string& key, const std::string& text, const TimeZone& zone) {
   const std::string option = "--" + key;
   if (key == "date") {
-    return momentFromArgument(option, text, zone).map([](const Moment& m) {
-      return Value(m.first);
+    return dateIntervalFromArgument(option, text, zone).map([](const auto& interval) {
+      return Value(interval.first);
     });
   }
   if (key == "timezone") {
@@ -56,83 +57,68 @@ Expected<Value> checkedValue(const std::string& key, const std::string& text,
   return textFromArgument(option, text);
 }
 
-/// Everything that was given, checked; wall times are those of `zone`, or of the zone given.
-Expected<Changes> checkedChanges(const Given& given, TimeZone zone) {
-  if (const auto name = given.find("timezone"); name != given.end()) {
-    zone = TimeZone::timeZoneOrDefault(name->second);
-  }
-  Changes changes;
-  for (const auto& [key, text] : given) {
-    auto value = text ? checkedValue(key, *text, zone) : Value();
-    if (!value) return tl::unexpected(value.error());
-    changes[key] = *value;
-  }
-  return changes;
+bool hasZoneToLookUp(const FieldTexts& texts) {
+  const auto zone = texts.find("timezone");
+  return zone != texts.end() && zone->second == kLookUp;
 }
 
-bool asksForZone(const Given& given) {
-  const auto zone = given.find("timezone");
-  return zone != given.end() && zone->second == kLookUp;
-}
-
-/// What was given without the wish to look something up: it can be checked before anybody is asked.
-Given withoutAsking(Given given) {
-  if (asksForZone(given)) given.erase("timezone");
-  return given;
-}
-
-/// A coordinate that was given, else the plan's own.
-std::optional<double> coordinateOf(const Given& given, const std::string& key,
+/// Returns the coordinate from the command line, otherwise `stored`.
+std::optional<double> coordinateOf(const FieldTexts& texts, const std::string& key,
                                    std::optional<double> stored) {
-  const auto text = given.find(key);
-  if (text == given.end()) return stored;
+  const auto text = texts.find(key);
+  if (text == texts.end()) return stored;
   return text->second ? finiteNumber(*text->second) : std::nullopt;
 }
 
-/// What was given, with the zone that a web service names for the place when that is asked for.
-/// `plan` is the one to change; null for a new one.
-Expected<Given> withZoneOfPlace(Given given, const Planning* plan) {
-  if (!asksForZone(given)) return given;
-  const auto latitude = coordinateOf(given, "latitude", plan ? plan->latitude() : std::nullopt);
-  const auto longitude = coordinateOf(given, "longitude", plan ? plan->longitude() : std::nullopt);
+/// Returns `texts` with the time zone that a web service reports for the place, if it is kLookUp.
+/// `plan` is null for a new plan.
+Expected<FieldTexts> withZoneOfPlace(FieldTexts texts, const Planning* plan) {
+  if (!hasZoneToLookUp(texts)) return texts;
+  const auto latitude = coordinateOf(texts, "latitude", plan ? plan->latitude() : std::nullopt);
+  const auto longitude = coordinateOf(texts, "longitude", plan ? plan->longitude() : std::nullopt);
   if (!latitude || !longitude) {
     return tl::unexpected(
-        failure(kExitUsage, "--timezone auto", "of which place? give --latitude and --longitude"));
+        failure(kExitUsage, "--timezone auto", "requires --latitude and --longitude"));
   }
   return timeZoneOfPlace({*latitude, *longitude}).map([&](const TimeZone& zone) {
-    given["timezone"] = zone.name();
-    return given;
+    texts["timezone"] = zone.name();
+    return texts;
   });
 }
 
-Expected<void> applyAndSave(const Changes& changes, Planning& plan) {
-  for (const auto& [key, value] : changes) {
-    if (!plan.setValueForKey(value, key)) {
-      return tl::unexpected(failure(kExitBadData, key, "this store has no place for it"));
+/// Sets the attributes and saves. Wall times are in the zone of `texts`, otherwise in `zone`.
+Expected<void> applyAndSave(const FieldTexts& texts, TimeZone zone, Planning& plan) {
+  if (const auto name = texts.find("timezone"); name != texts.end()) {
+    zone = TimeZone::timeZoneOrDefault(name->second);
+  }
+  for (const auto& [key, text] : texts) {
+    const auto value = text ? valueOf(key, *text, zone) : Value();
+    if (!value) return tl::unexpected(value.error());
+    if (!plan.setValueForKey(*value, key)) {
+      return tl::unexpected(failure(kExitBadData, key, "not an attribute of plans in this store"));
     }
   }
   return plan.managedObjectContext()->save();
 }
 
-int addPlan(const Given& given, Console& console) {
-  if (given.empty()) {
-    return console.fail(failure(kExitUsage, "plan add", "give at least --name or --date"));
+int addPlan(const FieldTexts& texts, Console& console) {
+  if (texts.empty()) {
+    return console.fail(
+        failure(kExitUsage, "plan add", "expected --name or --date; see vantrel plan add --help"));
   }
+  auto complete = withZoneOfPlace(texts, nullptr);
+  if (!complete) return console.fail(complete.error());
   const TimeZone here = TimeZone::defaultTimeZone();
-  auto changes = checkedChanges(withoutAsking(given), here).and_then([&](const Changes&) {
-    return withZoneOfPlace(given, nullptr).and_then([&](const Given& complete) {
-      return checkedChanges(complete, here);
-    });
-  });
-  if (!changes) return console.fail(changes.error());
   // A wall time means little without its zone.
-  if (!given.contains("timezone")) (*changes)["timezone"] = here.name();
+  complete->try_emplace("timezone", here.name());
   const auto context = contextForWriting();
   if (!context) return console.fail(context.error());
   const auto plan =
       std::dynamic_pointer_cast<Planning>((*context)->insertNewObject(Planning::kEntityName));
   if (!plan) return console.fail(failure(kExitInternal, "plan add", "the model has no plans"));
-  if (const auto saved = applyAndSave(*changes, *plan); !saved) return console.fail(saved.error());
+  if (const auto saved = applyAndSave(*complete, here, *plan); !saved) {
+    return console.fail(saved.error());
+  }
   console.print(console.isJson() ? jsonText(*plan) : plan->uniqueIdentifier().value_or("") + "\n");
   return kExitDone;
 }
@@ -143,27 +129,22 @@ Expected<std::shared_ptr<Planning>> storedPlan(const PlanName& name) {
   return contextForReading().and_then([&](auto* context) { return planNamed(*context, *name); });
 }
 
-struct Edit {
+struct EditOptions {
   PlanName plan;
-  Given changes;
+  FieldTexts texts;
 };
 
-int editPlan(const Edit& edit, Console& console) {
-  const Given& given = edit.changes;
-  if (given.empty()) {
+int editPlan(const EditOptions& options, Console& console) {
+  if (options.texts.empty()) {
     return console.fail(
         failure(kExitUsage, "plan edit", "nothing to change; see vantrel plan edit --help"));
   }
-  const auto checked = checkedChanges(withoutAsking(given), TimeZone::defaultTimeZone());
-  if (!checked) return console.fail(checked.error());
-  const auto plan = storedPlan(edit.plan);
+  const auto plan = storedPlan(options.plan);
   if (!plan) return console.fail(plan.error());
-  // Wall time is the plan's own, so it is read again.
   const auto done =
-      withZoneOfPlace(given, plan->get())
-          .and_then(
-              [&](const Given& complete) { return checkedChanges(complete, zoneOfPlan(**plan)); })
-          .and_then([&](const Changes& changes) { return applyAndSave(changes, **plan); });
+      withZoneOfPlace(options.texts, plan->get()).and_then([&](const FieldTexts& texts) {
+        return applyAndSave(texts, zoneOfPlan(**plan), **plan);
+      });
   return done ? kExitDone : console.fail(done.error());
 }
 
@@ -179,65 +160,65 @@ int showPlan(const PlanName& name, Console& console) {
   return kExitDone;
 }
 
-/// What `plan list` is given.
-struct Listing {
-  std::optional<std::string> from;
-  std::optional<std::string> to;
+struct ListOptions {
+  DateRange range;
   std::optional<PlanTemplate> format;
   bool isPlain = false;
 };
 
-int listPlans(const Listing& listing, Console& console) {
-  if (int{listing.isPlain} + int{listing.format.has_value()} + int{console.isJson()} > 1) {
+int listPlans(const ListOptions& options, Console& console) {
+  if (int{options.isPlain} + int{options.format.has_value()} + int{console.isJson()} > 1) {
     return console.fail(
-        failure(kExitUsage, "plan list", "only one of --plain, --format and --json"));
+        failure(kExitUsage, "plan list", "expected only one of --plain, --format and --json"));
   }
-  const auto plans = plansBetween(listing.from, listing.to);
+  const auto plans = plansBetween(options.range);
   if (!plans) return console.fail(plans.error());
   if (plans->empty()) console.note("no plans");
   if (console.isJson()) {
     printJson(*plans, [&](std::string_view text) { console.print(text); });
-  } else if (listing.isPlain) {
+  } else if (options.isPlain) {
     for (const auto& plan : *plans) console.print(plainLine(*plan));
-  } else if (listing.format) {
-    for (const auto& plan : *plans) console.print(listing.format->line(*plan));
+  } else if (options.format) {
+    for (const auto& plan : *plans) console.print(options.format->line(*plan));
   } else {
     printTable(*plans, console);
   }
   return kExitDone;
 }
 
-/// One option for each attribute; with `clearing`, also one to clear it.
-void addFields(CLI::App& parser, Given& given, bool clearing) {
+/// Adds an option for each attribute; with `clearing`, also one to clear it.
+void addFields(CLI::App& parser, FieldTexts& texts, bool clearing) {
   for (const auto& field : kFields) {
     const std::string key = field.key;
-    const auto keep = [&given, key](const CLI::results_t& values) {
-      given[key] = values.front();
+    const auto store = [&texts, key](const CLI::results_t& values) {
+      const std::string& text = values.front();
+      if (key != "timezone" || text != kLookUp) {
+        const auto value = valueOf(key, text, TimeZone::defaultTimeZone());
+        if (!value) throw ArgumentError{value.error()};
+      }
+      texts[key] = text;
       return true;
     };
-    auto* option = parser.add_option("--" + key, keep, field.description);
+    auto* option = parser.add_option("--" + key, store, field.description);
     option->type_name(field.valueName);
     if (!clearing) continue;
-    const auto clear = [&given, key] { given[key] = std::nullopt; };
+    const auto clear = [&texts, key] { texts[key] = std::nullopt; };
     parser.add_flag_callback("--no-" + key, clear, "Clear the " + key)->excludes(option);
   }
 }
 
 void addPlanName(CLI::App& parser, PlanName& name) {
-  addTextOption(parser, "PLAN", name, "",
-                "Identifier, the first four or more of its characters, or URI");
+  addTextOption(parser, "PLAN", name, "", "Identifier, at least its first four characters, or URI");
 }
 
-void addListOptions(CLI::App& parser, Listing& listing) {
-  const std::string when = "now, today, friday, +2w, 2026-07-15, \"2026-07-15 23:40\"";
-  addTextOption(parser, "--from", listing.from, "WHEN", "No earlier than this: " + when);
-  addTextOption(parser, "--to", listing.to, "WHEN", "No later than this; a day counts to its end");
-  addValueOption(parser, "--format", listing.format, &PlanTemplate::parsed, "TEMPLATE",
-                 "A line for each plan, as \"{day} {time}\\t{name}\"; in braces may stand " +
-                     PlanTemplate::fieldNames() + "; {{ is a brace");
-  parser.add_flag("--plain", listing.isPlain,
-                  "Lines for programs, columns divided by tabs: identifier, date, the same in the "
-                  "plan's zone, zone, latitude, longitude, name");
+void addListOptions(CLI::App& parser, ListOptions& options) {
+  addRangeOptions(parser, options.range);
+  addValueOption(parser, "--format", options.format, &PlanTemplate::parsed, "TEMPLATE",
+                 "Format of a plan's line, as \"{day} {time}\\t{name}\"; fields: " +
+                     PlanTemplate::fieldNames() + "; {{ is a literal brace");
+  parser.add_flag("--plain", options.isPlain,
+                  "For programs, columns separated by tabs: identifier, date, local date, zone, "
+                  "latitude, longitude, name");
 }
 
 }  // namespace
@@ -246,18 +227,17 @@ void fillPlanCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
   const auto add =
       addCommand(parser, session, "add", "Add a plan and print its identifier", &addPlan);
-  addFields(add.parser, add.given, false);
+  addFields(add.parser, add.options, false);
   const auto list =
       addCommand(parser, session, "list", "List plans by date, undated ones last", &listPlans);
-  addListOptions(list.parser, list.given);
-  const auto show =
-      addCommand(parser, session, "show", "Show all that is known of a plan", &showPlan);
-  addPlanName(show.parser, show.given);
+  addListOptions(list.parser, list.options);
+  const auto show = addCommand(parser, session, "show", "Show all attributes of a plan", &showPlan);
+  addPlanName(show.parser, show.options);
   const auto edit = addCommand(parser, session, "edit", "Change a plan", &editPlan);
-  addPlanName(edit.parser, edit.given.plan);
-  addFields(edit.parser, edit.given.changes, true);
+  addPlanName(edit.parser, edit.options.plan);
+  addFields(edit.parser, edit.options.texts, true);
   const auto remove = addCommand(parser, session, "remove", "Remove a plan", &removePlan);
-  addPlanName(remove.parser, remove.given);
+  addPlanName(remove.parser, remove.options);
   fillExchangeCommands(parser, session);
 }
 

@@ -71,7 +71,7 @@ void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSi
     print(plan == plans.front() ? lineBreak : std::string(",") + lineBreak);
     std::string text = jsonText(*plan);
     text.pop_back();
-    // Within texts line breaks are escaped, so all of these are the layout's.
+    // All line breaks belong to the layout: those in strings are escaped.
     for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) {
       text.replace(at, 1, lineBreak);
     }

@@ -10,13 +10,13 @@
 
 namespace vantrel::cli {
 
-/// JSON texts with a line break at the end: keys in a fixed order, absent values null, instants in
-/// ISO 8601, nothing that depends on the locale but the texts of the widget.
+/// JSON with a line break at the end: keys in a fixed order, null for absent values, ISO 8601
+/// dates. Only the widget's texts depend on the locale.
 std::string jsonText(const Planning& plan);
 std::string jsonText(const TodayList& today);
 /// The same on one line.
 std::string jsonLine(const TodayList& today);
-/// The plans as one such text, each printed before the next is made.
+/// Prints all plans as one JSON text, plan by plan.
 void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSink& print);
 
 }  // namespace vantrel::cli

@@ -5,7 +5,7 @@
 
 #include "base/Ascii.h"
 #include "base/Iso8601.h"
-#include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/Suggestion.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
@@ -17,40 +17,20 @@ namespace vantrel::cli {
 
 namespace {
 
-struct Range {
-  std::optional<Date> first;
-  std::optional<Date> last;
-};
-
-Expected<Range> checkedRange(const std::optional<std::string>& from,
-                             const std::optional<std::string>& to) {
-  const TimeZone here = TimeZone::defaultTimeZone();
-  Range range;
-  if (from) {
-    const auto moment = momentFromArgument("--from", *from, here);
-    if (!moment) return tl::unexpected(moment.error());
-    range.first = moment->first;
-  }
-  if (to) {
-    const auto moment = momentFromArgument("--to", *to, here);
-    if (!moment) return tl::unexpected(moment.error());
-    range.last = moment->last;
-  }
-  return range;
-}
-
-/// The dated plans from `first` to `last`, by date.
-Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) {
+/// Returns the dated plans of `range` by date.
+Expected<Plans> plansInRange(ManagedObjectContext& context, const DateRange& range) {
   constexpr double kEarliest = -1e300;
   constexpr std::size_t kFewPlans = 100;
+  const Date first = range.from ? range.from->first : Date(kEarliest);
   FetchRequest request;
-  request.predicate = Predicate::greaterThanOrEqual("date", range.first.value_or(Date(kEarliest)));
+  request.predicate = Predicate::greaterThanOrEqual("date", first);
   request.sortDescriptors = {{"date", true}};
-  const auto isLater = [&](const auto& plan) { return range.last && plan->date() > range.last; };
-  // A predicate has no upper end: some plans first, and more while none of them lies behind it.
-  if (range.last) request.fetchLimit = kFewPlans;
+  if (!range.to) return fetchPlans(context, request);
+  const auto isLater = [&](const auto& plan) { return plan->date() > range.to->last; };
+  // Predicates have no upper limit: fetches more until a plan is later.
+  request.fetchLimit = kFewPlans;
   auto plans = fetchPlans(context, request);
-  while (plans && range.last && plans->size() == request.fetchLimit && !isLater(plans->back())) {
+  while (plans && plans->size() == request.fetchLimit && !isLater(plans->back())) {
     request.fetchLimit *= 10;
     plans = fetchPlans(context, request);
   }
@@ -59,7 +39,7 @@ Expected<Plans> plansInRange(ManagedObjectContext& context, const Range& range) 
 }
 
 constexpr std::size_t kShortestPrefix = 4;
-/// One more than ambiguous() lists, so that it knows of more.
+/// One more than `ambiguous` lists, so that it can tell that there are more.
 constexpr std::size_t kMostFetched = 11;
 constexpr std::string_view kUriScheme = "x-coredata://";
 constexpr const char* kIdentifierKey = "uniqueIdentifier";
@@ -85,7 +65,8 @@ Expected<Plans> plansWithPrefix(ManagedObjectContext& context, const std::string
   return plans;
 }
 
-/// The exact matches, else those that begin so; as typed, else in the upper case of new plans.
+/// Returns the exact matches, otherwise those with the prefix; as typed, otherwise in upper case,
+/// as the identifiers of new plans are.
 Expected<Plans> candidates(ManagedObjectContext& context, const std::string& text) {
   std::vector<std::string> spellings = {text};
   if (asciiUpper(text) != text) spellings.push_back(asciiUpper(text));
@@ -131,32 +112,38 @@ Expected<Plans> allPlans(ManagedObjectContext& context) {
   });
 }
 
-Expected<Plans> plansBetween(const std::optional<std::string>& from,
-                             const std::optional<std::string>& to) {
-  const auto range = checkedRange(from, to);
-  if (!range) return tl::unexpected(range.error());
-  const auto context = contextForReading();
-  if (!context) return tl::unexpected(context.error());
-  return range->first || range->last ? plansInRange(**context, *range) : allPlans(**context);
+void addRangeOptions(CLI::App& parser, DateRange& range) {
+  const auto parse = [](const std::string& option, const std::string& text) {
+    return dateIntervalFromArgument(option, text);
+  };
+  addValueOption(parser, "--from", range.from, parse, "WHEN",
+                 "No earlier than this: now, today, friday, +2w, 2026-07-15, \"2026-07-15 23:40\"");
+  addValueOption(parser, "--to", range.to, parse, "WHEN",
+                 "No later than this; a day counts to its end");
+}
+
+Expected<Plans> plansBetween(const DateRange& range) {
+  return contextForReading().and_then([&](auto* context) {
+    return range.from || range.to ? plansInRange(*context, range) : allPlans(*context);
+  });
 }
 
 Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
                                               const std::string& text) {
   if (text.starts_with(kUriScheme)) return planWithURI(context, text);
-  if (text.empty()) return tl::unexpected(failure(kExitUsage, "PLAN", "must not be empty"));
+  if (text.empty()) return invalidArgument("PLAN", text, "an identifier or a URI");
   const auto plans = candidates(context, text);
   if (!plans) return tl::unexpected(plans.error());
   const bool exact =
       plans->size() == 1 && asciiUpper(*plans->front()->uniqueIdentifier()) == asciiUpper(text);
   if (text.size() < kShortestPrefix && !exact) {
-    return tl::unexpected(
-        ambiguous(text, "too short to name a plan; give at least four characters of its identifier",
-                  candidateLines(*plans)));
+    return tl::unexpected(ambiguous(text, "expected at least four characters of an identifier",
+                                    candidateLines(*plans)));
   }
-  if (plans->empty()) return tl::unexpected(failure(kExitMissing, text, "no such plan"));
+  if (plans->empty()) return tl::unexpected(failure(kExitMissing, text, "no matching plan"));
   if (plans->size() > 1) {
-    return tl::unexpected(
-        ambiguous(text, "more than one plan; give more characters of", candidateLines(*plans)));
+    return tl::unexpected(ambiguous(text, "more than one plan matches; give more characters of",
+                                    candidateLines(*plans)));
   }
   return plans->front();
 }

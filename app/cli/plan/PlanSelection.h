@@ -6,26 +6,38 @@
 #include <vector>
 
 #include "base/Error.h"
+#include "cli/Arguments.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "store/Planning.h"
+
+namespace CLI {
+class App;
+}
 
 namespace vantrel::cli {
 
 using Plans = std::vector<std::shared_ptr<Planning>>;
 
-/// The plans that a request finds; its entity is theirs.
+/// Returns the plans that match `request`, whose entity name is set here.
 Expected<Plans> fetchPlans(ManagedObjectContext& context, FetchRequest request);
 
-/// Every plan by date, those without one last.
+/// Returns all plans by date, those without a date last.
 Expected<Plans> allPlans(ManagedObjectContext& context);
 
-/// The plans of the existing store that `--from` and `--to` leave, by date: moments as people type
-/// them. Undated plans are among them, last, only when neither is given.
-Expected<Plans> plansBetween(const std::optional<std::string>& from,
-                             const std::optional<std::string>& to);
+/// The options --from and --to.
+struct DateRange {
+  std::optional<DateInterval> from;
+  std::optional<DateInterval> to;
+};
+/// `range` must outlive the parser.
+void addRangeOptions(CLI::App& parser, DateRange& range);
 
-/// The plan that `text` names: its object URI, its unique identifier, or a prefix of that of at
-/// least four characters, in either case. kExitMissing if there is none; kExitUsage, with the
+/// Returns the plans of the existing store in `range` by date. Undated plans are included, last,
+/// only if the range has no limit.
+Expected<Plans> plansBetween(const DateRange& range);
+
+/// Finds a plan by its object URI, its unique identifier, or a prefix of that of at least four
+/// characters, in either case. Errors: kExitMissing if there is none; kExitUsage, with the
 /// candidates, if there are several or the prefix is too short.
 Expected<std::shared_ptr<Planning>> planNamed(ManagedObjectContext& context,
                                               const std::string& text);

@@ -7,8 +7,8 @@
 
 #include "base/Iso8601.h"
 #include "cli/Arguments.h"
-#include "cli/Suggestion.h"
 #include "cli/plan/PlanText.h"
+#include "common/ExitCode.h"
 #include "common/TerminalText.h"
 #include "store/PlanLink.h"
 #include "time/Formatters.h"
@@ -27,8 +27,8 @@ std::string degrees(std::optional<double> value, const NumberFormatter& formatte
   return value && std::isfinite(*value) ? formatter.stringFromNumber(*value) : kUnknown;
 }
 
-/// What a backslash and the character behind it stand for; nothing for themselves.
-std::optional<char> escaped(std::string_view pair) {
+/// Returns the character for an escape sequence; `nullopt` if `pair` is none.
+std::optional<char> unescaped(std::string_view pair) {
   if (pair == "\\t") return '\t';
   if (pair == "\\n") return '\n';
   if (pair == "\\\\") return '\\';
@@ -79,43 +79,41 @@ std::string PlanTemplate::fieldNames() {
   return names;
 }
 
-tl::expected<PlanTemplate::Write, std::string> PlanTemplate::fieldNamed(const std::string& name) {
-  std::vector<std::string> names;
+PlanTemplate::Write PlanTemplate::fieldNamed(std::string_view name) {
   for (const auto& field : fields()) {
     if (field.name == name) return field.write;
-    names.emplace_back(field.name);
   }
-  const auto nearest = nearestWord(name, names);
-  return tl::unexpected(
-      "no field {" + name + "}; " +
-      (nearest ? "did you mean {" + *nearest + "}?" : "there are " + fieldNames()));
+  return nullptr;
 }
 
 Expected<PlanTemplate> PlanTemplate::parsed(const std::string& option, const std::string& text) {
   if (const auto valid = textFromArgument(option, text); !valid) {
     return tl::unexpected(valid.error());
   }
-  const auto fail = [&](const std::string& why) { return refused(option, text, why); };
+  const auto fail = [&](const std::string& why) {
+    return tl::unexpected(failure(kExitUsage, option, why));
+  };
   PlanTemplate result;
   std::string literal;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char c = text[at];
     const auto pair = std::string_view(text).substr(at, 2);
-    if (const auto meant = escaped(pair)) {
-      literal += *meant;
+    if (const auto character = unescaped(pair)) {
+      literal += *character;
       ++at;
     } else if (pair == "{{" || pair == "}}") {
       literal += c;
       ++at;
     } else if (c == '{') {
       const auto end = text.find('}', at);
-      if (end == std::string::npos) return fail("no } behind {; a brace is written {{");
-      const auto write = fieldNamed(text.substr(at + 1, end - at - 1));
-      if (!write) return fail(write.error());
-      result.pieces_.push_back({std::exchange(literal, {}), *write});
+      if (end == std::string::npos) return fail("expected } after {; a literal brace is {{");
+      const std::string name = text.substr(at + 1, end - at - 1);
+      const Write write = fieldNamed(name);
+      if (!write) return fail("unknown field {" + name + "}; expected one of " + fieldNames());
+      result.pieces_.push_back({std::exchange(literal, {}), write});
       at = end;
     } else if (c == '}') {
-      return fail("no { before }; a brace is written }}");
+      return fail("expected { before }; a literal brace is }}");
     } else {
       literal += c;
     }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Error.h"
@@ -9,18 +10,18 @@
 
 namespace vantrel::cli {
 
-/// How a person lays out the line of a plan: "{day} {time}  {name}". Dates and times are those of
-/// the current locale, in the plan's own zone; what is unknown is "--". Braces are written "{{" and
-/// "}}", a tab "\t", a line break "\n", a backslash "\\". Texts of the plan are safe for a
-/// terminal; the rest is the person's own.
+/// The user's format of a plan's line: "{day} {time}  {name}". Dates and times are in the current
+/// locale and the plan's zone; unknown values are "--". "{{" and "}}" are literal braces; "\t",
+/// "\n" and "\\" are escapes. Values of the plan are made safe for a terminal, literal text is not.
 class PlanTemplate {
  public:
-  /// kExitUsage for an unknown field or a brace that stands alone; `option` is what errors name.
+  /// `option` is the name in error messages. Errors: kExitUsage for an unknown field or an
+  /// unmatched brace.
   static Expected<PlanTemplate> parsed(const std::string& option, const std::string& text);
-  /// "name, notes, ...": the fields there are.
+  /// Returns all fields: "name, notes, …".
   static std::string fieldNames();
 
-  /// With a line break at the end.
+  /// Includes a line break at the end.
   std::string line(const Planning& plan) const;
 
  private:
@@ -30,15 +31,15 @@ class PlanTemplate {
     const char* name;
     Write write;
   };
-  /// What stands in front of a field, and how that is written; null behind the last one.
+  /// A field after the text before it; null in the last piece.
   struct Piece {
     std::string literal;
     Write write = nullptr;
   };
 
   static const std::vector<Field>& fields();
-  /// How the field is written; else why there is none.
-  static tl::expected<Write, std::string> fieldNamed(const std::string& name);
+  /// Null if there is no such field.
+  static Write fieldNamed(std::string_view name);
 
   std::vector<Piece> pieces_;
   std::shared_ptr<Formats> formats_;

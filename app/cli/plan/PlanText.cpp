@@ -16,10 +16,10 @@ namespace vantrel::cli {
 
 namespace {
 
-/// Longer names push their own line to the right instead of every line.
+/// Longer values are not cut; they shift the rest of their own line.
 constexpr std::size_t kWidestColumn = 44;
 
-/// Asked for by every row, and the same for the program's short life.
+/// Cached, since each row needs it.
 const TimeZone& deviceZone() {
   static const TimeZone zone = TimeZone::defaultTimeZone();
   return zone;
@@ -60,7 +60,6 @@ TableRow tableRow(const Planning& plan) {
     row.when = wallMinuteText(*date, zone);
     row.here = hereText(*date, zone).value_or("");
   }
-  // Without an identifier, only the URI names the plan.
   const auto identifier = plan.uniqueIdentifier();
   row.identifier = identifier ? shortIdentifier(*identifier) : plan.objectID().URIRepresentation();
   return row;
@@ -129,7 +128,7 @@ std::string planDetails(const Planning& plan, const Console& console) {
 }
 
 void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {
-  // Each row is made twice, since a million of them would fill the memory.
+  // Creates each row twice: a million of them would fill the memory.
   std::array<std::size_t, kColumns.size()> widths{};
   for (const auto& plan : plans) {
     const TableRow row = tableRow(*plan);

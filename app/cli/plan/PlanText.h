@@ -10,38 +10,36 @@
 
 namespace vantrel::cli {
 
-/// Plans as text for people; whatever the plans contain, it is safe for a terminal.
+/// Plans as text for people, safe for a terminal; unknown values are "--".
 
-/// The zone that the plan is told in: its own, else the device's.
+/// Returns the zone of the plan's date: its own, otherwise the device's.
 TimeZone zoneOfPlan(const Planning& plan);
 
-/// "41.39000, 2.17000"; "--" for what is unknown.
+/// "41.39000, 2.17000"
 std::string placeText(std::optional<double> latitude, std::optional<double> longitude);
 
-/// "2026-07-15 23:40" on that zone's clock; seconds only when there are some.
+/// The wall time in `zone`: "2026-07-15 23:40"; with seconds unless they are 0.
 std::string wallText(Date date, const TimeZone& zone);
 
-/// The device's wall time ("23:40 here", with the day where that differs); nothing when the
-/// device's clock shows the same as the zone's.
+/// The wall time of the device, "23:40 here", with the day if that differs; `nullopt` if it is the
+/// same as in `zone`.
 std::optional<std::string> hereText(Date date, const TimeZone& zone);
 
-/// The wall time of the zone, and what that is here: "2026-07-16 12:00 (05:00 here)"; "--" for
-/// none.
+/// Both wall times: "2026-07-16 12:00 (05:00 here)".
 std::string whenText(const std::optional<Date>& date, const TimeZone& zone);
 
-/// One plan with everything that is known of it, one line each.
+/// All attributes of the plan, one per line.
 std::string planDetails(const Planning& plan, const Console& console);
 
-/// One line for each plan, in columns: when, what, in which zone, when that is here, identifier.
-/// Each is printed before the next is made.
+/// Prints an aligned line for each plan: wall time, name, zone, device's wall time, identifier.
 void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console);
 
-/// One line for programs, the same in every locale: identifier (without one, the URI), instant, the
-/// same with the offset of the plan's zone, zone, latitude, longitude, name, divided by tabs; what
-/// is unknown is empty. More columns may come behind these.
+/// A line for programs, the same in every locale, with columns separated by tabs: identifier (or
+/// URI), instant, instant with the offset of the plan's zone, zone, latitude, longitude, name;
+/// unknown values are empty. New columns are added at the end.
 std::string plainLine(const Planning& plan);
 
-/// One line that tells plans of nearly the same identifier apart.
+/// A line with the full identifier, for plans whose identifiers have a common prefix.
 std::string candidateText(const Planning& plan);
 
 }  // namespace vantrel::cli

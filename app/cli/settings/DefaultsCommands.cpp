@@ -28,17 +28,17 @@ struct Request {
 };
 
 Error missingKey(const std::string& key) {
-  return failure(kExitMissing, key, "no such key; see vantrel defaults list");
+  return failure(kExitMissing, key, "key not found; see vantrel defaults list");
 }
 
 Expected<std::string> typeFromArgument(const std::string& option, const std::string& text) {
   if (std::find(kTypes.begin(), kTypes.end(), text) != kTypes.end()) return text;
-  return refused(option, text, "allowed are bool, int, float, double, string, date, data");
+  return invalidArgument(option, text, "bool, int, float, double, string, date or data");
 }
 
 Expected<std::string> keyFromArgument(const std::string& option, const std::string& text) {
   if (!text.empty()) return textFromArgument(option, text);
-  return tl::unexpected(failure(kExitUsage, option, "a key has at least one character"));
+  return invalidArgument(option, text, "a key");
 }
 
 /// The stored value as programs get it that ask for `type`.
@@ -176,7 +176,7 @@ int migrate(Console& console) {
 }
 
 void addType(const Command<Request>& command, const char* description) {
-  addValueOption(command.parser, "--type", command.given.type, &typeFromArgument,
+  addValueOption(command.parser, "--type", command.options.type, &typeFromArgument,
                  "bool|int|float|double|string|date|data", description);
 }
 
@@ -193,14 +193,14 @@ void fillDefaultsCommands(CLI::App& parser, Session& session) {
   addCommand(parser, session, "migrate", "Copy this program's own settings into the group's, once",
              &migrate);
   for (const auto& command : {read, write, remove}) {
-    addValueOption(command.parser, "KEY", command.given.key, &keyFromArgument, "", "The setting");
+    addValueOption(command.parser, "KEY", command.options.key, &keyFromArgument, "", "The setting");
   }
-  addTextOption(write.parser, "VALUE", write.given.value, "",
+  addTextOption(write.parser, "VALUE", write.options.value, "",
                 "The new value (data in base64); - reads it from standard input (data as it is)");
   addType(read, "Convert the value to this");
   addType(write, "What the value is; string when left out");
   for (const auto& command : {read, write, remove, list}) {
-    const auto standard = [&suite = command.given.suite] { suite = Suite::kStandard; };
+    const auto standard = [&suite = command.options.suite] { suite = Suite::kStandard; };
     command.parser.add_flag_callback("--standard", standard,
                                      "This program's own settings, not the group's");
   }

@@ -41,14 +41,14 @@ std::optional<Data> dataFromBase64(const std::string& text) {
 
 Expected<PropertyList> dataFromArgument(const std::string& option, const std::string& text) {
   if (const auto data = dataFromBase64(text)) return PropertyList::data(*data);
-  return tl::unexpected(failure(kExitUsage, option, "allowed is base64"));
+  return invalidArgument(option, text, "base64");
 }
 
 Expected<PropertyList> stringFromArgument(const std::string& option, const std::string& text) {
   if (text.find('\0') == std::string::npos) {
     return textFromArgument(option, text).map(&PropertyList::string);
   }
-  return tl::unexpected(failure(kExitUsage, option, "allowed is text without NUL"));
+  return tl::unexpected(failure(kExitUsage, option, "expected text without NUL"));
 }
 
 }  // namespace
@@ -105,9 +105,7 @@ Expected<PropertyList> valueFromText(const std::string& type, const std::string&
   if (type == "double") return realFromArgument(option, text).map(&PropertyList::real);
   if (type == "string") return stringFromArgument(option, text);
   if (type == "data") return dataFromArgument(option, text);
-  return momentFromArgument(option, text, TimeZone::defaultTimeZone()).map([](const Moment& m) {
-    return PropertyList::date(m.first);
-  });
+  return dateFromArgument(option, text).map(&PropertyList::date);
 }
 
 }  // namespace vantrel::cli
