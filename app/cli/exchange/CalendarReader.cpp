@@ -46,7 +46,7 @@ std::optional<std::string> extraTextOf(icalcomponent* entry, std::string_view ki
   return std::nullopt;
 }
 
-/// The two numbers that the text is, with that between them and perhaps spaces.
+/// Parses two numbers separated by `divider` and spaces.
 std::optional<Place> placeFromText(std::string_view text, char divider) {
   const auto at = text.find(divider);
   if (at == std::string_view::npos) return std::nullopt;
@@ -66,7 +66,7 @@ bool isSamePlace(const Place& a, const Place& b) {
          std::fabs(a.longitude - b.longitude) <= kPlacePrecision;
 }
 
-/// Wall seconds since 2001; nothing for a day or a time that no clock shows.
+/// Returns seconds since 2001-01-01 00:00; `nullopt` for an invalid day or time.
 std::optional<double> wallSecondsOf(const icaltimetype& time) {
   const std::chrono::year_month_day day(std::chrono::year(time.year),
                                         std::chrono::month(static_cast<unsigned>(time.month)),
@@ -77,7 +77,7 @@ std::optional<double> wallSecondsOf(const icaltimetype& time) {
   return secondsOfWallTime({time.year, time.month, time.day, time.hour, time.minute, time.second});
 }
 
-/// How many of the entries were understood only in part, or left out.
+/// The numbers of entries that were read incompletely or left out.
 struct Counts {
   std::size_t wholeDays = 0;
   std::size_t repeating = 0;
@@ -87,20 +87,18 @@ struct Counts {
 
 std::vector<std::string> notesOf(const Counts& counts) {
   std::vector<std::string> notes;
-  const auto note = [&](std::size_t count, const char* one, const char* many) {
-    if (count > 0) notes.push_back(count == 1 ? one : std::to_string(count) + many);
-  };
-  note(counts.wholeDays, "1 event is for a whole day: planned for its beginning",
-       " events are for whole days: planned for their beginning");
-  note(counts.repeating, "1 event repeats: only its first time is planned",
-       " events repeat: only their first times are planned");
-  note(counts.changedTimes, "1 changed time of a repeating event is left out",
-       " changed times of repeating events are left out");
-  note(counts.cancelled, "1 cancelled event is left out", " cancelled events are left out");
+  addNote(notes, counts.wholeDays, "1 all-day event: planned at midnight",
+          " all-day events: planned at midnight");
+  addNote(notes, counts.repeating, "1 repeating event: only its first occurrence is planned",
+          " repeating events: only their first occurrences are planned");
+  addNote(notes, counts.changedTimes, "1 changed occurrence of a repeating event was left out",
+          " changed occurrences of repeating events were left out");
+  addNote(notes, counts.cancelled, "1 cancelled event was left out",
+          " cancelled events were left out");
   return notes;
 }
 
-/// Makes a draft of one event or to-do.
+/// Reads one event or to-do.
 class EntryReader {
  public:
   EntryReader(icalcomponent* entry, std::size_t number, CalendarZones& zones, Counts& counts)
@@ -137,13 +135,13 @@ class EntryReader {
     auto* property = icalcomponent_get_first_property(entry_, ICAL_DTSTART_PROPERTY);
     if (!property) property = icalcomponent_get_first_property(entry_, ICAL_DUE_PROPERTY);
     if (!property) {
-      // Where the library could not read it, there is none.
+      // libical drops a date that it cannot parse and adds an error property.
       const bool isToDo = !isEvent && !has(entry_, ICAL_XLICERROR_PROPERTY);
-      return isToDo ? Expected<void>() : refused(draft_.where, "has no date that can be read");
+      return isToDo ? Expected<void>() : invalidData(draft_.where, "no valid date");
     }
     const icaltimetype time = icalvalue_get_datetimedate(icalproperty_get_value(property));
     const auto wallSeconds = wallSecondsOf(time);
-    if (!wallSeconds) return refused(draft_.where, "there is no such date");
+    if (!wallSeconds) return invalidData(draft_.where, "invalid date");
     counts_.wholeDays += time.is_date ? 1 : 0;
     counts_.repeating +=
         has(entry_, ICAL_RRULE_PROPERTY) || has(entry_, ICAL_RDATE_PROPERTY) ? 1 : 0;
@@ -161,7 +159,7 @@ class EntryReader {
 
   Expected<void> readZonedDate(const char* zone, const icaltimetype& time, double wallSeconds) {
     const auto zoned = zones_.dateInZone(zone, time, wallSeconds);
-    if (!zoned) return refused(draft_.where, zoned.error().localizedDescription);
+    if (!zoned) return invalidData(draft_.where, zoned.error().localizedDescription);
     draft_.values["date"] = zoned->date;
     if (zoned->zoneName) draft_.values["timezone"] = *zoned->zoneName;
     return {};
@@ -172,7 +170,8 @@ class EntryReader {
     const auto written = location ? placeFromText(*location, ',') : std::nullopt;
     const auto text = extraTextOf(entry_, kPlaceProperty);
     auto place = text ? placeFromText(*text, ';') : written;
-    if (text && !place) return refused(draft_.where, "GEO: wanted is \"41.39;2.17\"");
+    if (text && !place)
+      return invalidData(draft_.where, "GEO: expected LATITUDE;LONGITUDE, got \"" + *text + "\"");
     if (!place) return {};
     if (written && isSamePlace(*place, *written)) place = written;
     const auto latitude = checkedDegrees(draft_.where + ": latitude", place->latitude, 90);
@@ -184,14 +183,14 @@ class EntryReader {
     return {};
   }
 
-  /// Replaces values with those that the other properties could not hold, unless another program
-  /// has changed them since.
+  /// Restores the values of kValuesProperty, except those that another program has changed in the
+  /// standard properties.
   Expected<void> readValues() {
     const auto text = extraTextOf(entry_, kValuesProperty);
     if (!text) return {};
     const auto drafts = draftsFromJson("[" + percentDecoded(*text).value_or("") + "]");
     if (!drafts || drafts->plans.size() != 1) {
-      return refused(draft_.where, std::string(kValuesProperty) + ": makes no sense");
+      return invalidData(draft_.where, std::string(kValuesProperty) + ": invalid value");
     }
     const PlanDraft& exact = drafts->plans.front();
     if (exact.identifier && readCalendarText(printable(*exact.identifier)) ==
@@ -210,7 +209,7 @@ class EntryReader {
   void readNotes() {
     auto notes = textOf(entry_, ICAL_DESCRIPTION_PROPERTY);
     const auto location = textOf(entry_, ICAL_LOCATION_PROPERTY);
-    // What was read here before, and went out as notes, is not said twice.
+    // Exported notes may already contain the location from an earlier import.
     if (location && !location->empty() && !placeFromText(*location, ',') &&
         (!notes || notes->find(*location) == std::string::npos)) {
       notes = notes && !notes->empty() ? *notes + "\n" + *location : *location;
@@ -229,7 +228,7 @@ bool isCancelled(icalcomponent* entry) {
   return status && icalproperty_get_status(status) == ICAL_STATUS_CANCELLED;
 }
 
-/// Adds what a calendar holds; `number` counts the entries of the whole file.
+/// `number` counts the entries of the file.
 Expected<void> readCalendar(icalcomponent* calendar, PlanDrafts& drafts, Counts& counts,
                             std::size_t& number) {
   CalendarZones zones(calendar);

@@ -6,12 +6,12 @@
 
 namespace vantrel::cli {
 
-/// Plans from an iCalendar text (RFC 5545): one for each event, and for each to-do, by its start or
-/// else when it is due. SUMMARY is the name, DESCRIPTION the notes, GEO the place, UID the
-/// identifier; what the text lacks is left as it is. A LOCATION that is "latitude, longitude" is
-/// the place where GEO says nothing better, any other is the last line of the notes. A time without
-/// a zone is wall time of the plan's; an event for a whole day begins with it. Of an event that
-/// repeats the first time is planned; times changed later, and what was cancelled, are left out.
+/// Reads a plan from each event and to-do of an iCalendar text (RFC 5545). Its date is the start,
+/// otherwise the due time; SUMMARY is the name, DESCRIPTION the notes, GEO the place, UID the
+/// identifier. A LOCATION "latitude, longitude" is the place unless GEO has another; any other
+/// LOCATION is appended to the notes. A time without a zone is a wall time of the plan's zone; an
+/// all-day event begins at midnight. Only the first occurrence of a repeating event is read; its
+/// changed occurrences and cancelled events are left out. Errors: kExitBadData.
 Expected<PlanDrafts> draftsFromCalendar(std::string_view text, const ProgressReport& progress);
 
 }  // namespace vantrel::cli

@@ -13,11 +13,11 @@ namespace vantrel::cli {
 namespace {
 
 constexpr std::size_t kMaxNestedComponents = 16;
-/// STANDARD and DAYLIGHT, of which a zone is made.
+/// The level of STANDARD and DAYLIGHT.
 constexpr std::size_t kDepthOfObservances = 3;
 constexpr std::size_t kLongestLine = std::size_t{1} << 20;
-/// Of all zones together, in lines: the library takes the square of the bad ones for it. A rule
-/// costs a walk through its years, and counts for more.
+/// In lines of all zones: libical needs quadratic time for invalid ones. A rule counts as several
+/// lines, since libical expands its years.
 constexpr std::size_t kMostZoneWork = 20000;
 constexpr std::size_t kWorkOfRule = 20;
 constexpr std::array<std::string_view, 16> kProperties = {
@@ -30,8 +30,7 @@ struct PropertyLine {
   std::string_view value;
 };
 
-/// The property without parameters other than its first TZID and VALUE: libical takes the square
-/// of their number.
+/// Drops all parameters but the first TZID and VALUE: libical needs quadratic time for them.
 PropertyLine propertyOfLine(std::string_view line, std::size_t nameEnd) {
   PropertyLine property{std::string(line.substr(0, nameEnd)), {}};
   bool hasZone = false;
@@ -59,7 +58,7 @@ std::size_t workOf(std::string_view name, std::string_view line) {
   return 1 + static_cast<std::size_t>(std::count(line.begin(), line.end(), ','));
 }
 
-/// Follows which component a line stands in, and hands what matters to the library.
+/// Tracks the nesting of components and passes the lines that plans use to libical.
 class CalendarLines {
  public:
   CalendarLines() : parser_(icalparser_new(), &icalparser_free) {}
@@ -72,23 +71,24 @@ class CalendarLines {
           asciiUpper(std::string_view(line).substr(std::min(nameEnd + 1, line.size())));
       return name == "BEGIN" ? begin(component) : end(component);
     }
-    if (path_.empty()) return line.empty() ? Expected<void>() : refused("calendar", kNoCalendar);
+    if (path_.empty())
+      return line.empty() ? Expected<void>() : invalidData("calendar", kNoCalendar);
     const auto known = std::find(kProperties.begin(), kProperties.end(), name);
     if (path_.size() == 1 || isDropped() || known == kProperties.end()) return {};
-    if (line.size() > kLongestLine) return refused(name, "longer than 1 MiB");
+    if (line.size() > kLongestLine) return invalidData(name, "longer than 1 MiB");
     const PropertyLine property = propertyOfLine(line, nameEnd);
-    // The library takes an empty text for a mistake.
+    // libical rejects empty texts.
     if (property.value.empty()) return {};
-    // Only now: where a line is folded, a character may be cut in two.
+    // Checked after unfolding, since a fold may divide a character.
     if (line.find('\0') != std::string::npos || !isUtf8(line)) {
-      return refused(name, "is no UTF-8 text");
+      return invalidData(name, "expected UTF-8 text");
     }
     std::size_t valueSize = property.value.size();
     if (path_.size() == kDepthOfObservances) {
       zoneWork_ += workOf(name, line);
-      if (zoneWork_ > kMostZoneWork) return refused("VTIMEZONE", "too many rules");
+      if (zoneWork_ > kMostZoneWork) return invalidData("VTIMEZONE", "too many rules");
     } else {
-      // Of an event the first of each counts, and of other dates only that there are any.
+      // Keeps the first property of each name, and the first date of RDATE.
       auto& isRepeated = seen_[static_cast<std::size_t>(known - kProperties.begin())];
       if (std::exchange(isRepeated, true)) return {};
       if (name == "RDATE") valueSize = property.value.find(',');
@@ -99,18 +99,18 @@ class CalendarLines {
   }
 
   Expected<std::vector<CalendarComponent>> finish() {
-    if (!path_.empty()) return refused(path_.back(), "is not closed; the file ends too early");
-    if (calendars_.empty()) return refused("calendar", kNoCalendar);
+    if (!path_.empty()) return invalidData(path_.back(), "no END before the end of the file");
+    if (calendars_.empty()) return invalidData("calendar", kNoCalendar);
     return std::move(calendars_);
   }
 
  private:
-  static constexpr const char* kNoCalendar = "is none; wanted is BEGIN:VCALENDAR";
+  static constexpr const char* kNoCalendar = "expected BEGIN:VCALENDAR";
 
   bool isDropped() const { return droppedAt_ != 0; }
 
-  /// Whether a component of that name may make a plan, or a zone for one, where it stands.
-  bool isWanted(const std::string& component) const {
+  /// Whether plans use components of that name at the current level.
+  bool isUsed(const std::string& component) const {
     if (path_.size() == 1) {
       return component == "VEVENT" || component == "VTODO" || component == "VTIMEZONE";
     }
@@ -119,9 +119,9 @@ class CalendarLines {
   }
 
   Expected<void> begin(const std::string& component) {
-    if (path_.size() >= kMaxNestedComponents) return refused(component, "nested too deeply");
-    if (path_.empty() && component != "VCALENDAR") return refused("calendar", kNoCalendar);
-    if (!path_.empty() && !isDropped() && !isWanted(component)) droppedAt_ = path_.size();
+    if (path_.size() >= kMaxNestedComponents) return invalidData(component, "nested too deeply");
+    if (path_.empty() && component != "VCALENDAR") return invalidData("calendar", kNoCalendar);
+    if (!path_.empty() && !isDropped() && !isUsed(component)) droppedAt_ = path_.size();
     path_.push_back(component);
     if (isDropped()) return {};
     if (path_.size() < kDepthOfObservances) seen_ = {};
@@ -134,8 +134,8 @@ class CalendarLines {
 
   Expected<void> end(const std::string& component) {
     if (path_.empty() || path_.back() != component) {
-      return refused("END:" + std::string(beginning(component, 40)),
-                     path_.empty() ? "closes nothing" : "stands within " + path_.back());
+      return invalidData("END:" + std::string(beginning(component, 40)),
+                         path_.empty() ? "no component is open" : "expected END:" + path_.back());
     }
     path_.pop_back();
     if (isDropped()) {
@@ -155,9 +155,9 @@ class CalendarLines {
 
   std::unique_ptr<icalparser, decltype(&icalparser_free)> parser_;
   std::vector<std::string> path_;
-  std::size_t droppedAt_ = 0;  ///< How deep stands what is passed over; 0 for none.
+  std::size_t droppedAt_ = 0;  ///< The level of the component that is dropped; 0 for none.
   std::size_t entries_ = 0;
-  std::array<bool, kProperties.size()> seen_{};  ///< In the event.
+  std::array<bool, kProperties.size()> seen_{};  ///< By property, in the current entry.
   std::size_t zoneWork_ = 0;
   std::vector<CalendarComponent> calendars_;
 };
@@ -179,7 +179,7 @@ Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
   icalerror_set_errors_are_fatal(0);
   CalendarLines lines;
   std::string line;
-  // Folded lines are joined here: the library takes the square of a long line's length for it.
+  // Unfolds lines, for which libical needs quadratic time.
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
     std::string_view piece = text.substr(at, lineEnd - at);
@@ -191,7 +191,7 @@ Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
     } else if (const auto added = lines.add(std::exchange(line, {})); !added) {
       return tl::unexpected(added.error());
     }
-    // As much as tells that it is too long.
+    // Keeps one byte more than allowed, so that `add` rejects the line.
     line += piece.substr(0, kLongestLine + 1 - std::min(line.size(), kLongestLine));
     progress(at, text.size());
   }

@@ -16,27 +16,27 @@ struct FreeCalendarComponent {
 };
 using CalendarComponent = std::unique_ptr<icalcomponent, FreeCalendarComponent>;
 
-/// Throws std::bad_alloc unless `bytes` can be allocated. To be called before libical is given
-/// work: it crashes when an allocation of its own fails.
+/// Throws std::bad_alloc unless `bytes` can be allocated. Called before libical, which crashes if
+/// it cannot allocate memory.
 void ensureMemory(std::size_t bytes);
-/// More than libical needs to read a line or write a component with texts of `size` bytes.
+/// Returns an upper bound of what libical needs for a line, or a component with texts, of `size`
+/// bytes.
 std::size_t memoryForText(std::size_t size);
-/// More than libical needs for a zone with the most rules that are read or written.
+/// An upper bound of what libical needs for a zone with the most rules.
 inline constexpr std::size_t kMemoryForZone = std::size_t{16} << 20;
 
-/// The name under which the place of an event is found as it was written: the library takes
-/// "41;nowhere" for a place, too.
+/// Holds the unparsed text of GEO: libical also accepts "41;nowhere".
 inline constexpr std::string_view kPlaceProperty = "X-VANTREL-GEO";
 
-/// Our own property, for values that no other holds: the keys of a plan with their values in JSON,
-/// percent-encoded.
+/// A custom property for values that no standard property can hold: the plan's JSON keys and
+/// values, percent-encoded.
 inline constexpr std::string_view kValuesProperty = "X-VANTREL-VALUES";
 
-/// The calendars of a file: of each the zones, events and to-dos, with the properties that plans
-/// are made of and no others, each once. What a file holds besides is dropped before the library
-/// sees it, so that neither its depth nor its size matters. Fails where components do not match or
-/// lie more than 16 deep, for such a property that is no UTF-8 or longer than 1 MiB, beyond
-/// kMostPlansRead, and where zones have more than 20,000 lines or 1,000 rules between them.
+/// Returns the calendars of a file with their zones, events and to-dos; each of these has only the
+/// first of each property that plans use. The rest is dropped before libical sees it, so that its
+/// depth and size do not matter. Errors: kExitBadData for unbalanced components or more than 16
+/// levels of them, a used property that is not UTF-8 or longer than 1 MiB, more than kMostPlansRead
+/// entries, or zones with more than 20,000 lines or 1,000 rules in total.
 Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
                                                          const ProgressReport& progress);
 

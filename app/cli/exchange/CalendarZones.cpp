@@ -16,14 +16,14 @@ namespace vantrel::cli {
 
 namespace {
 
-/// Rules are walked year by year; those that embedded ones are asked for.
+/// libical expands rules year by year; dates outside use the rules of the nearest of these years.
 constexpr int kFirstYear = 1900;
 constexpr int kLastYear = 2200;
 constexpr int kMostOffset = 86399;
 
 std::optional<TimeZone> systemZone(std::string_view name) {
   auto zone = TimeZone::timeZoneWithName(name);
-  // "/freeassociation.sourceforge.net/Europe/Madrid": a slash in front tells a registry's name.
+  // "/freeassociation.sourceforge.net/Europe/Madrid" begins with the name of a registry.
   if (!name.starts_with('/')) return zone;
   while (!zone && name.find('/') != std::string_view::npos) {
     name.remove_prefix(name.find('/') + 1);
@@ -32,7 +32,7 @@ std::optional<TimeZone> systemZone(std::string_view name) {
   return zone;
 }
 
-/// The usual zone of those that Windows calls by that name ("Romance Standard Time").
+/// Returns the default zone for a Windows name ("Romance Standard Time").
 std::optional<TimeZone> windowsZone(const std::string& name) {
   std::array<UChar, 64> zone{};
   UErrorCode status = U_ZERO_ERROR;
@@ -56,8 +56,8 @@ std::size_t countOf(const short (&list)[Size]) {
   return static_cast<std::size_t>(std::find(list, list + Size, ICAL_RECURRENCE_ARRAY_MAX) - list);
 }
 
-/// Whether a rule says a day of each year, or a week of days to choose from, as those of clocks do:
-/// any other would be walked day by day, or second by second.
+/// Whether the rule is a day of each year, or a weekday within seven days: libical would expand any
+/// other day by day, or second by second.
 bool isClockRule(const icalrecurrencetype& rule) {
   constexpr std::size_t kWeek = 7;
   return rule.freq == ICAL_YEARLY_RECURRENCE && rule.interval == 1 && !rule.rscale &&
@@ -67,9 +67,9 @@ bool isClockRule(const icalrecurrencetype& rule) {
          countOf(rule.by_year_day) + countOf(rule.by_week_no) + countOf(rule.by_set_pos) == 0;
 }
 
-/// Whether some year has the day that a rule of a clock says, told from `start` where the rule is
-/// silent: for any other all years to come would be searched.
-bool isThereADay(const icalrecurrencetype& rule, const icaltimetype& start) {
+/// Whether the day of a clock rule exists in some year; libical would search forever otherwise. A
+/// rule without a day uses that of `start`.
+bool isExistingDay(const icalrecurrencetype& rule, const icaltimetype& start) {
   constexpr std::array kMonthLengths = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   constexpr int kMostWeeks = 5;
   const int month = countOf(rule.by_month) > 0 ? rule.by_month[0] : 1;
@@ -102,7 +102,7 @@ bool isObservance(icalcomponent* observance) {
   if (!property) return true;
   const icalrecurrencetype rule = icalproperty_get_rrule(property);
   auto* start = icalcomponent_get_first_property(observance, ICAL_DTSTART_PROPERTY);
-  return isClockRule(rule) && isThereADay(rule, icalproperty_get_dtstart(start));
+  return isClockRule(rule) && isExistingDay(rule, icalproperty_get_dtstart(start));
 }
 
 bool isZone(icalcomponent* zone) {
@@ -129,17 +129,17 @@ Expected<CalendarZones::Zone> CalendarZones::zoneNamed(const std::string& name) 
   if (component == components_.end()) {
     if (!zone.system) zone.system = windowsZone(name);
     if (zone.system) return zone;
-    return refused("time zone \"" + name + "\"",
-                   "nobody knows it, and the file has no VTIMEZONE for it");
+    return invalidData("time zone \"" + name + "\"",
+                       "unknown, and the file has no VTIMEZONE for it");
   }
   if (zone.system) return zone;
   if (!isZone(component->second)) {
-    return refused("VTIMEZONE \"" + name + "\"", "its rules make no sense");
+    return invalidData("VTIMEZONE \"" + name + "\"", "invalid rules");
   }
   ensureMemory(kMemoryForZone);
   zone.embedded.reset(icaltimezone_new());
   icaltimezone_set_component(zone.embedded.get(), icalcomponent_new_clone(component->second));
-  // All years at once: asked for one behind the other, each is walked to from the beginning.
+  // Expands all years at once: libical starts from the first year at each request for a later one.
   icaltimetype last = icaltime_null_time();
   last.year = kLastYear;
   last.month = last.day = 1;

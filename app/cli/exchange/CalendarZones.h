@@ -13,23 +13,22 @@
 
 namespace vantrel::cli {
 
-/// What a calendar's zone makes of a wall time.
 struct ZonedDate {
   Date date;
-  /// The zone of the system that it is told in; nothing when none has the calendar's rules.
+  /// The system zone with the rules of the calendar's zone; `nullopt` if there is none.
   std::optional<std::string> zoneName;
 };
 
-/// The zones that one calendar names. A name that the system knows ("Europe/Madrid", also with a
-/// registry's prefix) means the system's rules, which are newer than any file's. Any other name
-/// means the VTIMEZONE in the calendar, and without one the names that Windows has.
+/// The zones of one calendar. A name that the system knows ("Europe/Madrid", also after a
+/// registry's prefix) has the system's rules, which are newer than the file's. Any other name is
+/// that of a VTIMEZONE in the calendar, otherwise a Windows zone. Not thread-safe.
 class CalendarZones {
  public:
-  /// Borrows the calendar.
+  /// `calendar` must outlive this object.
   explicit CalendarZones(icalcomponent* calendar);
 
-  /// `wallSeconds` since 2001-01-01 00:00 on the clock of the zone. kExitBadData for a zone that
-  /// nobody knows, and for rules that say no day of a year as those of clocks do.
+  /// `wallSeconds` and `wallTime` are the same wall time in the zone, the former since 2001-01-01
+  /// 00:00. Errors: kExitBadData for an unknown zone and for rules other than one day of each year.
   Expected<ZonedDate> dateInZone(const std::string& name, const icaltimetype& wallTime,
                                  double wallSeconds);
 
@@ -39,7 +38,7 @@ class CalendarZones {
   };
   struct Zone {
     std::optional<TimeZone> system;
-    /// The file's own rules, where they count; `system` is then the zone they say they are of.
+    /// The rules of the file if they are used; `system` is then the zone that they name.
     std::unique_ptr<icaltimezone, FreeZone> embedded;
   };
   Expected<Zone> zoneNamed(const std::string& name) const;

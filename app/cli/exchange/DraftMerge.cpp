@@ -35,7 +35,7 @@ std::optional<T> contentOf(const Value& value) {
   return content ? std::optional(*content) : std::nullopt;
 }
 
-/// A year that JSON cannot write comes back as null.
+/// Whether JSON exports the date as null because of its year.
 bool isUnwritableDate(const Value& stored) {
   const auto date = contentOf<Date>(stored);
   return date && iso8601String(*date).empty();
@@ -46,7 +46,7 @@ bool isSame(const Value& stored, const Value& read, bool isRounded) {
   return std::holds_alternative<std::monostate>(read) && isUnwritableDate(stored);
 }
 
-/// All that a plan says: equal for plans that say the same.
+/// All attributes but the identifier.
 using Contents = std::array<Value, kContentKeys.size()>;
 
 template <typename ValueOf>
@@ -84,8 +84,8 @@ class Merge {
                          contentOf<std::string>(valueOf("timezone"))};
     if (plan) {
       merged.identifier = plan->uniqueIdentifier();
-      std::erase_if(values, [&](const auto& given) {
-        return isSame(plan->valueForKey(given.first), given.second, draft.isRounded);
+      std::erase_if(values, [&](const auto& value) {
+        return isSame(plan->valueForKey(value.first), value.second, draft.isRounded);
       });
       if (!values.empty()) merged.outcome = MergeOutcome::kChanged;
     } else if (draft.identifier || !hasAlike(contentsOf(valueOf), draft.isRounded)) {
@@ -97,14 +97,15 @@ class Merge {
       plan = std::dynamic_pointer_cast<Planning>(context_->insertNewObject(Planning::kEntityName));
     if (!plan) return tl::unexpected(failure(kExitInternal, "plan", "the model has no plans"));
     for (const auto& [key, value] : values) {
-      if (!plan->setValueForKey(value, key)) return refused(key, "this store has no place for it");
+      if (!plan->setValueForKey(value, key))
+        return invalidData(key, "not an attribute of plans in this store");
     }
     merged.identifier = plan->uniqueIdentifier();
     return merged;
   }
 
  private:
-  /// A store's file has as many plans that are alike as the store; a calendar names each once.
+  /// A JSON file repeats equal plans as often as the store has them; a calendar has each only once.
   bool hasAlike(const Contents& contents, bool isRounded) {
     auto& count = contents_[contents];
     if (count == 0) {
@@ -124,19 +125,19 @@ class Merge {
       known->second.pop_front();
       return plan;
     }
-    // What a plan without an identifier goes out under.
+    // Plans without an identifier are exported with their object URI.
     if (!context_ || !draft.identifier->starts_with(kUriScheme)) return nullptr;
     return planWithURI(*context_, *draft.identifier).value_or(nullptr);
   }
 
-  /// What the draft says, its wall time placed in a zone.
+  /// Returns the values of the draft with its wall time converted to a date.
   static Values valuesOf(const PlanDraft& draft, const Planning* plan) {
     Values values = draft.values;
     if (!draft.wallSeconds) return values;
     auto zone = plan ? zoneOfPlan(*plan) : TimeZone::defaultTimeZone();
-    const auto given = values.find("timezone");
-    if (given != values.end()) {
-      zone = TimeZone::timeZoneOrDefault(contentOf<std::string>(given->second));
+    const auto name = values.find("timezone");
+    if (name != values.end()) {
+      zone = TimeZone::timeZoneOrDefault(contentOf<std::string>(name->second));
     } else if (!plan) {
       // A wall time means little without its zone.
       values["timezone"] = zone.name();
@@ -147,9 +148,9 @@ class Merge {
 
   ManagedObjectContext* context_;
   bool isDryRun_;
-  /// By identifier, those that no draft has met yet.
+  /// By identifier, the plans that no draft has been merged into.
   std::unordered_map<std::string, std::deque<std::shared_ptr<Planning>>> known_;
-  /// How many plans without a draft say that.
+  /// The number of plans with these contents that no draft has matched.
   std::map<Contents, std::size_t> contents_;
 };
 
@@ -158,10 +159,10 @@ class Merge {
 Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& drafts,
                                               ManagedObjectContext* context, bool isDryRun,
                                               const ProgressReport& progress) {
-  const bool isSomeWithout = std::any_of(drafts.begin(), drafts.end(),
-                                         [](const auto& draft) { return !draft.identifier; });
+  const bool hasUnidentified = std::any_of(drafts.begin(), drafts.end(),
+                                           [](const auto& draft) { return !draft.identifier; });
   Merge merge(context, isDryRun);
-  if (const auto read = merge.readStore(isSomeWithout); !read) {
+  if (const auto read = merge.readStore(hasUnidentified); !read) {
     return tl::unexpected(read.error());
   }
   std::vector<MergedPlan> merged;

@@ -11,21 +11,21 @@ namespace vantrel::cli {
 
 enum class MergeOutcome { kAdded, kChanged, kSkipped };
 
-/// What became of a draft; the rest tells which plan it was, as it is now.
+/// The result for a draft, with values of the plan after the merge.
 struct MergedPlan {
   MergeOutcome outcome = MergeOutcome::kSkipped;
-  std::optional<std::string> identifier;  ///< Nothing for a plan that a dry run would add.
+  std::optional<std::string> identifier;  ///< `nullopt` for a plan that a dry run would add.
   std::optional<std::string> name;
   std::optional<Date> date;
   std::optional<std::string> timezone;
 };
 
-/// Makes the drafts part of the store's plans, unsaved: those with a known identifier are changed
-/// where they differ, others added; one without identifier is skipped when a plan says exactly the
-/// same. `context` is null where there is no store yet; with `isDryRun`, nothing is touched. Of
-/// a calendar's drafts under one identifier only the first counts; of others, the second is the
-/// second plan of that identifier, and so on. Fails, and nothing may be
-/// saved then, when the store has no place for an attribute.
+/// Merges the drafts into the plans of `context` without saving: updates the plan with the same
+/// identifier, otherwise adds a plan. A draft without identifier is skipped if a plan has the same
+/// values. `context` is null if there is no store yet. If `isDryRun`, changes nothing. If drafts of
+/// a calendar have the same identifier, only the first is used; otherwise the nth is merged into
+/// the nth plan with it. Errors: kExitBadData if the store has no such attribute; the caller must
+/// not save then.
 Expected<std::vector<MergedPlan>> mergeDrafts(const std::vector<PlanDraft>& drafts,
                                               ManagedObjectContext* context, bool isDryRun,
                                               const ProgressReport& progress);

@@ -82,7 +82,7 @@ bool isSameRounded(const Value& stored, const Value& read) {
 std::optional<LocationCoordinate2D> placeOfPlan(const Planning& plan) {
   const auto latitude = plan.latitude();
   const auto longitude = plan.longitude();
-  // Also false for what is not a number.
+  // Negated, so that it also rejects NaN.
   if (!latitude || !longitude || !(std::fabs(*latitude) <= 90 && std::fabs(*longitude) <= 180)) {
     return std::nullopt;
   }

@@ -11,27 +11,25 @@
 
 namespace vantrel::cli {
 
-/// What the formats for other programs share.
-
-/// The fewest digits that read back to the same number, never with an exponent.
+/// Returns the shortest decimal text that converts back to `number`, without an exponent.
 std::string decimalText(double number);
 
-/// The text as any format of ours may hold it: valid UTF-8 with U+FFFD for each control character
-/// except tabs and line breaks, and for each noncharacter that XML 1.0 forbids.
+/// Returns valid UTF-8 with U+FFFD for control characters except tabs and line breaks, and for the
+/// noncharacters that XML 1.0 forbids.
 std::string fileText(std::string_view text);
 
-/// What a calendar keeps of a text: no control characters, and one kind of line break.
+/// Returns `text` as calendars store it: without control characters, line breaks as "\n".
 std::string calendarText(std::string_view text);
-/// What is read of that: no blanks at either end.
+/// Returns `text` as it is after export to a calendar and import: also trimmed.
 std::string readCalendarText(std::string_view text);
-/// Whether a calendar rounds `stored` to `read`.
+/// Whether `read` is what a calendar keeps of `stored`.
 bool isSameRounded(const Value& stored, const Value& read);
 
-/// The plan's place where it has one on the globe.
+/// `nullopt` unless the plan has valid coordinates.
 std::optional<LocationCoordinate2D> placeOfPlan(const Planning& plan);
 
-/// The plan's date in ISO 8601, in UTC, or as wall time of the zone it is told in with the offset
-/// behind; empty when it has none within four digits of years.
+/// Returns the plan's date in ISO 8601, in UTC, or in the plan's zone with its offset; empty if
+/// there is none or its year has more than four digits.
 std::string instantText(const Planning& plan);
 std::string localText(const Planning& plan);
 

@@ -18,13 +18,12 @@ namespace {
 using nlohmann::json;
 
 constexpr int kMaxDepth = 4;
-/// For each plan there is room for a dozen of attributes and some.
 constexpr std::size_t kMostValues = kMostPlansRead * 20;
-constexpr std::array kDescriptions = {"uri",     "link", "localDate", "images",
-                                      "started", "row",  "title",     "dateText"};
+constexpr std::array kDerivedKeys = {"uri",     "link", "localDate", "images",
+                                     "started", "row",  "title",     "dateText"};
 
-/// Walks through JSON text and stops where it is none, goes too deep or too far. The library's own
-/// way to look on while it reads takes the square of a list's length.
+/// Stops at a syntax error, or beyond the limits of depth and size. (The library's callback for its
+/// parser needs quadratic time for a long list.)
 class ShapeCheck : public nlohmann::json_sax<json> {
  public:
   explicit ShapeCheck(std::string_view text) : text_(text) {}
@@ -47,8 +46,7 @@ class ShapeCheck : public nlohmann::json_sax<json> {
     constexpr int kNumberOutOfRange = 406;
     const auto end = text_.begin() + static_cast<std::ptrdiff_t>(std::min(position, text_.size()));
     const auto line = "line " + std::to_string(std::count(text_.begin(), end, '\n') + 1);
-    return fail(
-        line, fault.id == kNumberOutOfRange ? "a number is out of range" : "not JSON from here on");
+    return fail(line, fault.id == kNumberOutOfRange ? "a number is out of range" : "invalid JSON");
   }
 
  private:
@@ -56,13 +54,8 @@ class ShapeCheck : public nlohmann::json_sax<json> {
     failure_ = vantrel::failure(kExitBadData, where, why);
     return false;
   }
-  bool count() {
-    return ++values_ <= kMostValues || fail("JSON", "more values than any list of plans has");
-  }
-  bool enter() {
-    return ++depth_ <= kMaxDepth ? count()
-                                 : fail("JSON", "nested too deeply to be a list of plans");
-  }
+  bool count() { return ++values_ <= kMostValues || fail("JSON", "too many values"); }
+  bool enter() { return ++depth_ <= kMaxDepth ? count() : fail("JSON", "nested too deeply"); }
   bool leave() {
     --depth_;
     return true;
@@ -103,22 +96,20 @@ bool isOutsideEarth(const PlanDraft& draft) {
   return isBeyond("latitude", 90) || isBeyond("longitude", 180);
 }
 
-/// Stores may hold such values, but typed ones are likely mistakes.
+/// Stores may contain such values, but in a file they are probably mistakes.
 std::vector<std::string> notesOf(const std::vector<PlanDraft>& drafts) {
   std::vector<std::string> notes;
-  const auto note = [&](auto count, const char* one, const char* many) {
-    if (count > 0) notes.push_back(count == 1 ? one : std::to_string(count) + many);
+  const auto count = [&](auto matches) {
+    return static_cast<std::size_t>(std::count_if(drafts.begin(), drafts.end(), matches));
   };
-  note(std::count_if(drafts.begin(), drafts.end(),
-                     [](const auto& draft) { return unknownZone(draft).has_value(); }),
-       "1 plan has a time zone that this system does not know",
-       " plans have time zones that this system does not know");
-  note(std::count_if(drafts.begin(), drafts.end(), &isOutsideEarth),
-       "1 plan is at a place that is not on Earth", " plans are at places that are not on Earth");
+  addNote(notes, count([](const auto& draft) { return unknownZone(draft).has_value(); }),
+          "1 plan has an unknown time zone", " plans have unknown time zones");
+  addNote(notes, count(&isOutsideEarth), "1 plan has coordinates out of range",
+          " plans have coordinates out of range");
   return notes;
 }
 
-/// Reads one plan's attributes, each with its place in the file for messages.
+/// Reads one plan.
 class PlanReader {
  public:
   PlanReader(const json& object, const std::string& where) : object_(object) {
@@ -127,14 +118,15 @@ class PlanReader {
 
   Expected<PlanDraft> read() {
     if (!object_.is_object()) {
-      return refused(draft_.where, std::string("must be an object, not ") + kindOf(object_));
+      return invalidData(draft_.where, std::string("expected an object, got ") + kindOf(object_));
     }
     for (const auto& [key, value] : object_.items()) {
       const auto done = readAttribute(key, value);
       if (!done) return tl::unexpected(done.error());
     }
     if (const auto zone = unknownZone(draft_); zone && draft_.wallSeconds) {
-      return refused(draft_.where + ".timezone", "no such time zone: \"" + *zone + "\"");
+      return invalidData(draft_.where + ".timezone",
+                         "expected a time zone such as Europe/Madrid, got \"" + *zone + "\"");
     }
     return std::move(draft_);
   }
@@ -146,17 +138,17 @@ class PlanReader {
     if (key == "latitude" || key == "longitude") return readDegrees(key, value, where);
     if (key == "uniqueIdentifier") return readIdentifier(value, where);
     if (key == "date") return readDate(value, where);
-    if (std::find(kDescriptions.begin(), kDescriptions.end(), key) != kDescriptions.end()) {
+    if (std::find(kDerivedKeys.begin(), kDerivedKeys.end(), key) != kDerivedKeys.end()) {
       return {};
     }
-    return refused(where, "no such key; see vantrel plan list --json");
+    return invalidData(where, "unknown key; see vantrel plan list --json");
   }
 
-  /// The text, unless it is null or no text.
+  /// `nullopt` for null.
   static Expected<std::optional<std::string>> textOf(const json& value, const std::string& where) {
     if (value.is_null()) return std::nullopt;
     if (!value.is_string()) {
-      return refused(where, std::string("must be a text or null, not ") + kindOf(value));
+      return invalidData(where, std::string("expected a string or null, got ") + kindOf(value));
     }
     return value.get<std::string>();
   }
@@ -169,7 +161,7 @@ class PlanReader {
 
   Expected<void> readIdentifier(const json& value, const std::string& where) {
     return textOf(value, where).map([&](auto text) {
-      // Said to have none, a new plan gets none.
+      // null: a new plan gets no identifier.
       if (!text) draft_.values["uniqueIdentifier"] = Value();
       draft_.identifier = std::move(text);
     });
@@ -184,7 +176,8 @@ class PlanReader {
       } else if (instant || !text) {
         draft_.values["date"] = instant ? Value(*instant) : Value();
       } else {
-        return refused(where, "no such date: \"" + *text + "\"; wanted is 2026-07-15T21:40:00Z");
+        return invalidData(where,
+                           "expected a date such as 2026-07-15T21:40:00Z, got \"" + *text + "\"");
       }
       return {};
     });
@@ -192,7 +185,7 @@ class PlanReader {
 
   Expected<void> readDegrees(const std::string& key, const json& value, const std::string& where) {
     if (!value.is_null() && !value.is_number()) {
-      return refused(where, std::string("must be a number or null, not ") + kindOf(value));
+      return invalidData(where, std::string("expected a number or null, got ") + kindOf(value));
     }
     draft_.values[key] = value.is_null() ? Value() : Value(value.get<double>());
     return {};
@@ -210,11 +203,12 @@ Expected<PlanDrafts> draftsFromJson(std::string_view text) {
   const json* list = &*content;
   if (list->is_object()) {
     const auto plans = list->find("plans");
-    if (plans == list->end()) return refused("JSON", "has no \"plans\"");
+    if (plans == list->end())
+      return invalidData("JSON", "expected an array, or an object with \"plans\"");
     list = &*plans;
   }
   if (!list->is_array()) {
-    return refused("plans", std::string("must be an array, not ") + kindOf(*list));
+    return invalidData("plans", std::string("expected an array, got ") + kindOf(*list));
   }
   if (const auto checked = checkCount(list->size()); !checked) {
     return tl::unexpected(checked.error());

@@ -6,11 +6,11 @@
 
 namespace vantrel::cli {
 
-/// Plans from JSON text (UTF-8, at most four deep and two million values): an array, or an object
-/// with "plans", of objects as `plan list
-/// --json` writes them. null clears an attribute, a missing key leaves it; what only describes a
-/// plan (uri, link, localDate, images, started) is passed over, any other key refused. A date
-/// without "Z" or offset is wall time of the plan's zone.
+/// Reads plans from JSON: an array, or an object with "plans", of objects as `plan list --json`
+/// writes them. null clears an attribute; a missing key leaves it unchanged. Keys that are derived
+/// from a plan (uri, link, localDate, images, started) are ignored, unknown keys rejected. A date
+/// without "Z" or offset is a wall time of the plan's zone. Errors: kExitBadData, also beyond four
+/// levels or two million values.
 Expected<PlanDrafts> draftsFromJson(std::string_view text);
 
 }  // namespace vantrel::cli

@@ -8,31 +8,31 @@
 
 namespace vantrel::cli {
 
-tl::unexpected<Error> refused(const std::string& where, const std::string& why) {
+tl::unexpected<Error> invalidData(const std::string& where, const std::string& why) {
   return tl::unexpected(failure(kExitBadData, where, why));
 }
 
 Expected<void> checkIdentifier(const std::string& where, const std::string& identifier) {
-  if (identifier.empty()) return refused(where, "must not be empty");
+  if (identifier.empty()) return invalidData(where, "must not be empty");
   if (identifier.size() > kLongestIdentifier) {
-    return refused(where, "longer than " + std::to_string(kLongestIdentifier) + " bytes");
+    return invalidData(where, "longer than " + std::to_string(kLongestIdentifier) + " bytes");
   }
   const bool isPlain = std::none_of(identifier.begin(), identifier.end(), [](char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
   });
-  if (!isPlain) return refused(where, "holds control characters");
+  if (!isPlain) return invalidData(where, "expected text without control characters");
   return {};
 }
 
 Expected<double> checkedDegrees(const std::string& where, double degrees, int limit) {
   if (std::fabs(degrees) <= limit) return degrees;
   const std::string bound = std::to_string(limit);
-  return refused(where, "allowed are degrees from -" + bound + " to " + bound);
+  return invalidData(where, "expected degrees from -" + bound + " to " + bound);
 }
 
 Expected<void> checkCount(std::size_t count) {
   if (count <= kMostPlansRead) return {};
-  return refused("too many plans", "allowed are " + std::to_string(kMostPlansRead) + " at once");
+  return invalidData("plans", "more than " + std::to_string(kMostPlansRead));
 }
 
 Expected<void> checkIdentifiers(const std::vector<PlanDraft>& drafts) {
@@ -41,11 +41,16 @@ Expected<void> checkIdentifiers(const std::vector<PlanDraft>& drafts) {
     if (!draft.identifier || !draft.isRounded) continue;
     const PlanDraft& first = *known.emplace(*draft.identifier, &draft).first->second;
     if (first.values != draft.values || first.wallSeconds != draft.wallSeconds) {
-      return refused(draft.where,
-                     "has the identifier of " + first.where + ", but says other things");
+      return invalidData(draft.where,
+                         "has the identifier of " + first.where + " but different values");
     }
   }
   return {};
+}
+
+void addNote(std::vector<std::string>& notes, std::size_t count, const char* one,
+             const char* many) {
+  if (count > 0) notes.push_back(count == 1 ? one : std::to_string(count) + many);
 }
 
 }  // namespace vantrel::cli

@@ -13,44 +13,45 @@
 
 namespace vantrel::cli {
 
-/// More than any photographer's, and little enough to be held in memory.
+/// Limits of the input, which is read into memory.
 inline constexpr std::size_t kMostBytesRead = std::size_t{64} << 20;
 inline constexpr std::size_t kMostPlansRead = 100000;
 inline constexpr std::size_t kLongestIdentifier = 1024;
-/// Half of the last decimal that calendars have for places, and what rounding itself costs.
+/// In degrees: half of the sixth decimal of calendars, and the rounding error.
 inline constexpr double kPlacePrecision = 0.51e-6;
 
-/// What a file says of one plan.
+/// A plan as described by a file.
 struct PlanDraft {
-  std::string where;  ///< "event 3", "plans[2]": for messages.
+  std::string where;  ///< Its position for messages: "event 3", "plans[2]".
   std::optional<std::string> identifier;
-  /// By attribute. An absent value clears; what is not here stays as it is.
+  /// By attribute. An absent value clears the attribute; missing attributes are left unchanged.
   std::map<std::string, Value> values;
-  /// A date given as wall time, in seconds since 2001-01-01 00:00, of the plan's zone.
+  /// The date if it is a wall time of the plan's zone, in seconds since 2001-01-01 00:00.
   std::optional<double> wallSeconds;
-  /// From a calendar, which knows no fractions of seconds, no control characters, and places to six
-  /// decimals.
+  /// From a calendar: without fractions of seconds and control characters, places to six decimals.
   bool isRounded = false;
 };
 
-/// What a whole file says.
 struct PlanDrafts {
   std::vector<PlanDraft> plans;
-  /// What was understood only in part, or left out; one line each.
+  /// One line for each kind of entry that was read incompletely or left out.
   std::vector<std::string> notes;
 };
 
-/// Told now and then how much of all is done.
-using ProgressReport = std::function<void(std::size_t done, std::size_t all)>;
+/// Called repeatedly during long work.
+using ProgressReport = std::function<void(std::size_t done, std::size_t total)>;
 
-/// An error that names the place in the file, and ends with kExitBadData.
-tl::unexpected<Error> refused(const std::string& where, const std::string& why);
+/// Returns the error `where: why` with kExitBadData.
+tl::unexpected<Error> invalidData(const std::string& where, const std::string& why);
 
-/// The same checks as for what is typed; they fail as `refused` does.
+/// Checks of values in files. Errors: kExitBadData, from `invalidData`.
 Expected<void> checkIdentifier(const std::string& where, const std::string& identifier);
 Expected<double> checkedDegrees(const std::string& where, double degrees, int limit);
 Expected<void> checkCount(std::size_t count);
-/// Under one identifier a calendar may say the same again, but nothing else.
+/// Fails if two drafts of a calendar have one identifier and different values.
 Expected<void> checkIdentifiers(const std::vector<PlanDraft>& drafts);
+
+/// Appends a note unless `count` is 0: `one`, or the count followed by `many`.
+void addNote(std::vector<std::string>& notes, std::size_t count, const char* one, const char* many);
 
 }  // namespace vantrel::cli

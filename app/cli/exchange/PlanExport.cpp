@@ -1,13 +1,10 @@
-#include "cli/exchange/PlanExport.h"
-
 #include <unistd.h>
 
 #include <optional>
 #include <string>
 
-#include "cli/exchange/CalendarWriter.h"
-#include "cli/exchange/CsvWriter.h"
-#include "cli/exchange/MapWriter.h"
+#include "cli/exchange/ExchangeCommands.h"
+#include "cli/exchange/PlanWriters.h"
 #include "cli/plan/PlanJson.h"
 #include "cli/plan/PlanSelection.h"
 #include "common/ExitCode.h"
@@ -18,7 +15,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// The number of plans that the format could not hold.
+/// Returns the number of plans that are left out.
 std::size_t write(const Plans& plans, ExchangeFormat format, const TextSink& print) {
   switch (format) {
     case ExchangeFormat::kJson:
@@ -39,12 +36,12 @@ std::size_t write(const Plans& plans, ExchangeFormat format, const TextSink& pri
   return 0;
 }
 
-/// To standard output; a terminal must not act on the texts of plans.
+/// Writes to standard output, without control characters if that is a terminal.
 std::size_t writeToConsole(const Plans& plans, ExchangeFormat format, Console& console) {
   if (!::isatty(STDOUT_FILENO)) {
     return write(plans, format, [&](std::string_view text) { console.print(text); });
   }
-  // Writers may divide their text within a character.
+  // Pieces may end within a character.
   std::string all;
   const std::size_t leftOut = write(plans, format, [&](std::string_view text) { all += text; });
   console.print(printableFile(all));

@@ -1,18 +1,21 @@
-#include "cli/exchange/PlanImport.h"
-
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 
+#include "base/FileDescriptor.h"
 #include "base/Iso8601.h"
 #include "cli/JsonText.h"
 #include "cli/Progress.h"
 #include "cli/exchange/CalendarReader.h"
 #include "cli/exchange/DraftMerge.h"
-#include "cli/exchange/InputText.h"
+#include "cli/exchange/ExchangeCommands.h"
 #include "cli/exchange/JsonReader.h"
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
@@ -26,11 +29,54 @@ namespace {
 
 constexpr std::size_t kLongestReason = 500;
 
-std::string nameOf(const ExchangeOptions& options) {
-  return options.file == ExchangeOptions::kStandardStream ? "standard input" : options.file;
+bool isFromStandardInput(const ExchangeOptions& options) {
+  return options.file == ExchangeOptions::kStandardStream;
 }
 
-/// As it was named, else as the text begins.
+std::string nameOf(const ExchangeOptions& options) {
+  return isFromStandardInput(options) ? "standard input" : options.file;
+}
+
+constexpr std::size_t kBlock = 1 << 18;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// Returns 0 or an errno. Stops after kMostBytesRead.
+int readAll(int file, std::string& text) {
+  for (std::size_t filled = 0;;) {
+    text.resize(filled + kBlock);
+    const ssize_t count = ::read(file, text.data() + filled, kBlock);
+    if (count < 0 && errno == EINTR) continue;
+    const int error = errno;
+    if (count > 0) filled += static_cast<std::size_t>(count);
+    if (count > 0 && filled <= kMostBytesRead) continue;
+    text.resize(filled);
+    return count < 0 ? error : 0;
+  }
+}
+
+/// Returns the contents without a byte-order mark. Errors: kExitMissing, kExitPermission,
+/// kExitInputOutput, or kExitBadData beyond kMostBytesRead.
+Expected<std::string> inputText(const ExchangeOptions& options) {
+  const bool isStandardInput = isFromStandardInput(options);
+  const FileDescriptor opened(isStandardInput ? -1
+                                              : ::open(options.file.c_str(), O_RDONLY | O_CLOEXEC));
+  const int file = isStandardInput ? STDIN_FILENO : opened.number();
+  std::string text;
+  const int error = file < 0 ? errno : readAll(file, text);
+  if (error != 0) {
+    return tl::unexpected(
+        failure(exitCodeForReading(error), nameOf(options), std::strerror(error)));
+  }
+  if (text.size() > kMostBytesRead) {
+    return invalidData(nameOf(options),
+                       "larger than " + std::to_string(kMostBytesRead >> 20) + " MiB");
+  }
+  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+  return text;
+}
+
+/// Returns the format from --format, otherwise from the file name, otherwise from the first
+/// character.
 Expected<ExchangeFormat> formatOf(const ExchangeOptions& options, std::string_view text) {
   auto format = options.format ? options.format : formatOfFileName(options.file);
   if (!format) {
@@ -40,13 +86,14 @@ Expected<ExchangeFormat> formatOf(const ExchangeOptions& options, std::string_vi
   }
   if (*format == ExchangeFormat::kJson || *format == ExchangeFormat::kCalendar) return *format;
   return tl::unexpected(failure(kExitUsage, std::string(nameOfFormat(*format)),
-                                "is written only; plans are read from ics and json"));
+                                "cannot be imported; expected ics or json"));
 }
 
 Expected<PlanDrafts> readDrafts(const ExchangeOptions& options, Console& console) {
-  const bool isTyped = options.file == ExchangeOptions::kStandardStream && ::isatty(STDIN_FILENO);
-  if (isTyped) console.note("reading from the terminal; Ctrl-D ends");
-  const auto text = inputText(options.file);
+  if (isFromStandardInput(options) && ::isatty(STDIN_FILENO)) {
+    console.note("reading from the terminal; press Ctrl-D to finish");
+  }
+  const auto text = inputText(options);
   if (!text) return tl::unexpected(text.error());
   const auto format = formatOf(options, *text);
   if (!format) return tl::unexpected(format.error());
@@ -58,13 +105,12 @@ Expected<PlanDrafts> readDrafts(const ExchangeOptions& options, Console& console
                       });
   const auto checked = drafts.and_then([](const auto& all) { return checkIdentifiers(all.plans); });
   if (checked) return drafts;
-  // What a file calls its zones and keys may be as long as the file.
-  return tl::unexpected(
-      failure(kExitBadData, nameOf(options),
-              std::string(beginning(checked.error().localizedDescription, kLongestReason))));
+  // Names of zones and keys may be as long as the file.
+  return invalidData(nameOf(options),
+                     std::string(beginning(checked.error().localizedDescription, kLongestReason)));
 }
 
-/// Null where a dry run finds no store; it makes none.
+/// Returns null for a dry run without a store.
 Expected<ManagedObjectContext*> contextFor(const ExchangeOptions& options) {
   if (!options.isDryRun) return contextForWriting();
   auto context = contextForReading();
@@ -101,19 +147,15 @@ std::string jsonOf(const std::vector<MergedPlan>& plans, const PlanDrafts& draft
 
 /// "added    2026-07-16 05:52  Sunrise  4D2F0F13"
 std::string lineOf(const MergedPlan& plan, const Console& console) {
-  std::string when = "--";
-  if (plan.date) {
-    when = wallText(*plan.date, TimeZone::timeZoneOrDefault(plan.timezone));
-  }
+  const std::string when =
+      plan.date ? wallText(*plan.date, TimeZone::timeZoneOrDefault(plan.timezone)) : kUnknown;
   std::string line = plan.outcome == MergeOutcome::kAdded ? "added    " : "changed  ";
-  line += when + "  " + console.bold(plan.name ? printable(*plan.name) : "--");
-  if (plan.identifier) {
-    line += "  " + console.dim(shortIdentifier(*plan.identifier));
-  }
+  line += when + "  " + console.bold(shown(plan.name));
+  if (plan.identifier) line += "  " + console.dim(shortIdentifier(*plan.identifier));
   return line + "\n";
 }
 
-void tellOutcome(const std::vector<MergedPlan>& plans, const PlanDrafts& drafts, bool isDryRun,
+void printReport(const std::vector<MergedPlan>& plans, const PlanDrafts& drafts, bool isDryRun,
                  Console& console) {
   if (console.isJson()) {
     console.print(jsonOf(plans, drafts, isDryRun));
@@ -145,7 +187,7 @@ int importPlans(const ExchangeOptions& options, Console& console) {
     const auto saved = (*context)->save();
     if (!saved) return console.fail(saved.error());
   }
-  tellOutcome(*merged, *drafts, options.isDryRun, console);
+  printReport(*merged, *drafts, options.isDryRun, console);
   return kExitDone;
 }
 

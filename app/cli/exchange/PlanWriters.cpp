@@ -1,5 +1,6 @@
-#include "cli/exchange/MapWriter.h"
+#include "cli/exchange/PlanWriters.h"
 
+#include <cmath>
 #include <optional>
 #include <pugixml.hpp>
 #include <string>
@@ -10,6 +11,28 @@
 namespace vantrel::cli {
 
 namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+std::string inQuotes(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"') result += '"';
+    result += c;
+  }
+  return result + '"';
+}
+
+std::string cell(const std::optional<std::string>& text) {
+  if (!text || text->empty()) return {};
+  const bool isFormula = std::string_view("=+-@\t\r\n").find(text->front()) != std::string::npos;
+  return inQuotes((isFormula ? "'" : "") + fileText(*text));
+}
+
+std::string cell(const std::optional<double>& number) {
+  return number && std::isfinite(*number) ? decimalText(*number) : std::string();
+}
 
 class SinkWriter : public pugi::xml_writer {
  public:
@@ -22,7 +45,7 @@ class SinkWriter : public pugi::xml_writer {
   const TextSink& print_;
 };
 
-/// A new document's outermost element.
+/// Returns the root element of a new document.
 pugi::xml_node root(pugi::xml_document& document, const char* name, const char* xmlNamespace) {
   auto declaration = document.append_child(pugi::node_declaration);
   declaration.append_attribute("version") = "1.0";
@@ -32,7 +55,7 @@ pugi::xml_node root(pugi::xml_document& document, const char* name, const char* 
   return node;
 }
 
-/// An element with that text, where there is one.
+/// Appends an element unless `text` is empty or `nullopt`.
 void appendText(pugi::xml_node parent, const char* name, const std::optional<std::string>& text) {
   if (text && !text->empty()) parent.append_child(name).text().set(fileText(*text).c_str());
 }
@@ -51,6 +74,19 @@ void print(const pugi::xml_document& document, const TextSink& sink) {
 
 }  // namespace
 
+void writeCsv(const Plans& plans, const TextSink& print) {
+  print("uniqueIdentifier,name,notes,date,timezone,localDate,latitude,longitude,images");
+  print(kLineEnd);
+  for (const auto& plan : plans) {
+    std::string line = cell(plan->uniqueIdentifier()) + ',' + cell(plan->name()) + ',' +
+                       cell(plan->notes()) + ',' + instantText(*plan) + ',' +
+                       cell(plan->timezone()) + ',' + localText(*plan) + ',' +
+                       cell(plan->latitude()) + ',' + cell(plan->longitude()) + ',' +
+                       std::to_string(plan->imageCount());
+    print(line.append(kLineEnd));
+  }
+}
+
 std::size_t writeGpx(const Plans& plans, const TextSink& sink) {
   pugi::xml_document document;
   auto gpx = root(document, "gpx", "http://www.topografix.com/GPX/1/1");
@@ -65,7 +101,7 @@ std::size_t writeGpx(const Plans& plans, const TextSink& sink) {
     }
     auto waypoint = gpx.append_child("wpt");
     waypoint.append_attribute("lat") = decimalText(place->latitude).c_str();
-    // The format's longitudes end before 180.
+    // GPX longitudes are less than 180.
     const double longitude = place->longitude == 180 ? -180 : place->longitude;
     waypoint.append_attribute("lon") = decimalText(longitude).c_str();
     appendText(waypoint, "time", instantText(*plan));
