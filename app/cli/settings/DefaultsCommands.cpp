@@ -19,7 +19,6 @@ namespace {
 
 constexpr std::array kTypes = {"bool", "int", "float", "double", "string", "date", "data"};
 
-/// What a command on one key is given.
 struct Request {
   std::optional<std::string> key;
   std::optional<std::string> type;
@@ -41,7 +40,7 @@ Expected<std::string> keyFromArgument(const std::string& option, const std::stri
   return invalidArgument(option, text, "a key");
 }
 
-/// The stored value as programs get it that ask for `type`.
+/// Returns the stored value converted to `type` as by the getters of `UserDefaults`.
 Expected<PropertyList> valueAs(const std::string& type, const UserDefaults& defaults,
                                const std::string& key) {
   using Kind = PropertyList::Kind;
@@ -56,8 +55,8 @@ Expected<PropertyList> valueAs(const std::string& type, const UserDefaults& defa
   if (scalar && type == "float") {
     return PropertyList::real(decimalOfFloat(defaults.floatForKey(key)));
   }
-  return tl::unexpected(
-      failure(kExitBadData, key, "the value is of type " + typeOfValue(value) + ", not " + type));
+  return tl::unexpected(failure(
+      kExitBadData, key, "expected a value of type " + type + ", got " + typeOfValue(value)));
 }
 
 int readKey(const Request& request, Console& console) {
@@ -86,16 +85,15 @@ Expected<std::string> standardInput() {
   while (const auto count = std::fread(piece.data(), 1, piece.size(), stdin)) {
     content.append(piece.data(), count);
     if (content.size() > PropertyList::kMaxBytes) {
-      return tl::unexpected(failure(kExitBadData, "standard input", "too much for a value"));
+      return tl::unexpected(failure(kExitBadData, "standard input", "too large for a value"));
     }
   }
   if (!std::ferror(stdin)) return content;
   return tl::unexpected(failure(kExitInputOutput, "standard input", std::strerror(errno)));
 }
 
-/// From the command line, or with "-" from standard input: data as it is, a text without the line
-/// break at its end.
-Expected<PropertyList> givenValue(const std::string& type, const std::string& text) {
+/// `text` is VALUE; "-" reads standard input: raw data, or text without its last line break.
+Expected<PropertyList> newValue(const std::string& type, const std::string& text) {
   if (text != "-") return valueFromText(type, text);
   return standardInput().and_then([&](std::string content) -> Expected<PropertyList> {
     if (type == "data") return PropertyList::data(std::as_bytes(std::span(content)));
@@ -105,7 +103,7 @@ Expected<PropertyList> givenValue(const std::string& type, const std::string& te
 }
 
 int writeKey(const Request& request, Console& console) {
-  const auto value = givenValue(request.type.value_or("string"), *request.value);
+  const auto value = newValue(request.type.value_or("string"), *request.value);
   if (!value) return console.fail(value.error());
   const auto write = [&](UserDefaults& defaults) -> Expected<void> {
     defaults.setObject(*value, *request.key);
@@ -115,7 +113,7 @@ int writeKey(const Request& request, Console& console) {
 }
 
 int deleteKey(const Request& request, Console& console) {
-  // A damaged file holds no key to delete, so that it is left alone.
+  // Leaves a damaged file alone: it has no key to delete.
   const auto readable = settingsForReading(request.suite);
   if (!readable) return console.fail(readable.error());
   const auto remove = [&](UserDefaults& defaults) -> Expected<void> {
@@ -163,7 +161,7 @@ int listKeys(const Request& request, Console& console) {
 int migrate(Console& console) {
   const auto copy = [&](UserDefaults& /*defaults*/) -> Expected<void> {
     if (VantrelUserDefaults::hasMigratedDefault()) {
-      console.note("the settings were copied before");
+      console.note("the settings have been copied before");
       return {};
     }
     if (auto readable = settingsForReading(Suite::kStandard); !readable) {
@@ -190,19 +188,20 @@ void fillDefaultsCommands(CLI::App& parser, Session& session) {
   const auto remove = addCommand(parser, session, "delete", "Remove one value", &deleteKey);
   const auto list =
       addCommand(parser, session, "list", "Print all keys, types and values", &listKeys);
-  addCommand(parser, session, "migrate", "Copy this program's own settings into the group's, once",
+  addCommand(parser, session, "migrate", "Copy this program's settings into the shared ones, once",
              &migrate);
   for (const auto& command : {read, write, remove}) {
-    addValueOption(command.parser, "KEY", command.options.key, &keyFromArgument, "", "The setting");
+    addValueOption(command.parser, "KEY", command.options.key, &keyFromArgument, "",
+                   "Name of the setting");
   }
   addTextOption(write.parser, "VALUE", write.options.value, "",
-                "The new value (data in base64); - reads it from standard input (data as it is)");
-  addType(read, "Convert the value to this");
-  addType(write, "What the value is; string when left out");
+                "The new value (data in base64); - reads standard input (raw data)");
+  addType(read, "Convert the value to this type");
+  addType(write, "Type of the value; default: string");
   for (const auto& command : {read, write, remove, list}) {
     const auto standard = [&suite = command.options.suite] { suite = Suite::kStandard; };
     command.parser.add_flag_callback("--standard", standard,
-                                     "This program's own settings, not the group's");
+                                     "Use this program's settings, not the shared ones");
   }
 }
 

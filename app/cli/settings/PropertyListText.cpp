@@ -24,7 +24,7 @@ Json jsonOfDate(Date date) {
   return text.empty() ? Json(nullptr) : Json(text);
 }
 
-/// White space counts for nothing.
+/// Ignores white space.
 std::optional<Data> dataFromBase64(const std::string& text) {
   Data data(BASE64_DECODE_LENGTH(text.size()));
   std::size_t length = data.size();
@@ -67,12 +67,13 @@ std::string typeOfValue(const PropertyList& value) {
 
 Json jsonOfValue(const PropertyList& value) {
   if (const auto boolean = value.asBoolean()) return *boolean;
+  if (const auto* large = std::get_if<std::uint64_t>(&value.value())) return *large;
   if (const auto integer = value.asInteger()) return *integer;
   if (const auto real = value.asReal()) return *real;
   if (const auto text = value.asString()) return *text;
   if (const auto date = value.asDate()) return jsonOfDate(*date);
   if (const auto data = value.asData()) return base64(*data);
-  // As property lists of the other form have it.
+  // As in XML property lists.
   if (const auto uid = value.asUid()) return Json{{"CF$UID", *uid}};
   if (value.kind() == PropertyList::Kind::kArray) {
     Json array = Json::array();

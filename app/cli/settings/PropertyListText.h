@@ -12,14 +12,14 @@ namespace vantrel::cli {
 /// precisions are "double".
 std::string typeOfValue(const PropertyList& value);
 
-/// Dates in ISO 8601, data in base64, arrays and dictionaries nested.
+/// Returns dates in ISO 8601 and data in base64.
 Json jsonOfValue(const PropertyList& value);
-/// The same in one line for people, safe for a terminal: strings without quotes, what is nested as
+/// Returns one line that is safe for a terminal: strings without quotes, arrays and dictionaries as
 /// JSON.
 std::string textOfValue(const PropertyList& value);
 
-/// A value of `type` ("bool", "int", "float", "double", "string", "date", "data") from what was
-/// typed; another type, and a text that does not fit, are usage errors.
+/// Parses the argument VALUE; `type` is "bool", "int", "float", "double", "string", "date" or
+/// "data". Errors: kExitUsage.
 Expected<PropertyList> valueFromText(const std::string& type, const std::string& text);
 
 }  // namespace vantrel::cli

@@ -13,11 +13,11 @@ UserDefaults& settings(Suite suite) {
                                  : UserDefaults::standardUserDefaults();
 }
 
-/// Without a place, settings would be lost at the end of the program.
+/// Without a folder, settings would be lost on exit.
 Expected<void> checkPlace(Suite suite) {
   if (suite == Suite::kShared ? paths::groupContainer() : paths::configDirectory()) return {};
   return tl::unexpected(
-      failure(kExitMissing, "settings", "no place for them; set HOME or VANTREL_GROUP_CONTAINER"));
+      failure(kExitMissing, "settings", "no folder for them; set HOME or VANTREL_GROUP_CONTAINER"));
 }
 
 }  // namespace
@@ -36,12 +36,12 @@ int changeSettings(Console& console, const std::function<Expected<void>(UserDefa
   if (!readable && !damaged) return console.fail(readable.error());
   if (const auto locked = defaults.lock(); !locked) return console.fail(locked.error());
   if (const auto changed = change(defaults); !changed) return console.fail(changed.error());
-  // Where `change` did this already, and could not, it is tried again for the reason.
+  // Also reports the error of a write that failed within `change`.
   if (const auto written = defaults.synchronize(); !written) return console.fail(written.error());
-  // With nothing to write they would stay as they are.
+  // If `change` set nothing, the file is still damaged.
   if (damaged && defaults.checkReadable()) {
     console.tell("vantrel: " + readable.error().localizedDescription +
-                 " They were moved aside, and new ones begun.\n");
+                 " They were moved aside; new ones were created.\n");
   }
   return kExitDone;
 }

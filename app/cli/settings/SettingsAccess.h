@@ -9,15 +9,16 @@
 namespace vantrel::cli {
 
 enum class Suite {
-  kShared,    ///< Of the group: what the widget and the main application both know.
-  kStandard,  ///< Of this program alone.
+  kShared,    ///< Shared with the widget and the main application.
+  kStandard,  ///< Of this program.
 };
 
-/// The settings, which can be read; creates nothing. kExitBadData for a damaged file.
+/// Returns the settings; creates no file. Errors: kExitBadData for a damaged file; kExitPermission
+/// or kExitInputOutput if it cannot be read.
 Expected<UserDefaults*> settingsForReading(Suite suite = Suite::kShared);
 
-/// Lets `change` set values and writes them out; gives the exit code. A damaged file is moved
-/// aside, which is told. What `change` fails with is told, and nothing is written.
+/// Locks the settings, calls `change` and writes the file; reports errors and returns the exit
+/// code. Writes nothing if `change` fails. Moves a damaged file aside and reports it.
 int changeSettings(Console& console, const std::function<Expected<void>(UserDefaults&)>& change,
                    Suite suite = Suite::kShared);
 
