@@ -16,7 +16,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// A program that a signal ends exits with this plus the number of the signal.
+/// Added to the signal number for the exit code, as shells do.
 constexpr int kSignalled = 128;
 
 int watchOnFolderOfZone() {
@@ -37,12 +37,12 @@ ChangeWaiter::ChangeWaiter(const std::filesystem::path& store)
   sigprocmask(SIG_BLOCK, &brokenPipe, &signalsBefore_);
   sigemptyset(&awaitedSignals_);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) sigaddset(&awaitedSignals_, signal);
-  // Also where a shell started this program in the background, without SIGINT.
+  // Shells start background programs with SIGINT ignored.
   for (const int signal : {SIGINT, SIGTERM}) {
     std::signal(signal, [](int received) { ::_exit(kSignalled + received); });
   }
   signals_ = FileDescriptor(signalfd(-1, &awaitedSignals_, SFD_NONBLOCK | SFD_CLOEXEC));
-  // With no descriptor to spare the handlers do it alone: a blocked signal would never be seen.
+  // Without a descriptor the handlers must exit: nothing would read a blocked signal.
   if (!signals_) sigemptyset(&awaitedSignals_);
 }
 
@@ -71,11 +71,11 @@ std::optional<ChangeWaiter::Event> ChangeWaiter::settle(std::chrono::millisecond
   return receivedSignal();
 }
 
-ChangeWaiter::Event ChangeWaiter::wait(Date lookAgain) {
-  // Outside of this function a signal ends the program at once, even while it waits for a lock.
+ChangeWaiter::Event ChangeWaiter::wait(Date deadline) {
+  // Blocked only here, so that elsewhere a signal exits at once, even while waiting for a lock.
   sigset_t before;
   sigprocmask(SIG_BLOCK, &awaitedSignals_, &before);
-  const Event event = nextEvent(lookAgain);
+  const Event event = nextEvent(deadline);
   sigprocmask(SIG_SETMASK, &before, nullptr);
   return event;
 }
@@ -86,26 +86,26 @@ StoreWatcher::Change ChangeWaiter::readStore() {
   return change;
 }
 
-ChangeWaiter::Event ChangeWaiter::nextEvent(Date lookAgain) {
-  // The program's present instant may be another than the system's; time passes alike for both.
-  const Date deadline = systemNow().dateByAddingTimeInterval(
-      lookAgain.timeIntervalSinceDate(Clock::sharedClock().now()));
+ChangeWaiter::Event ChangeWaiter::nextEvent(Date deadline) {
+  // The program's clock may differ from the system's by a constant.
+  const Date end = systemNow().dateByAddingTimeInterval(
+      deadline.timeIntervalSinceDate(Clock::sharedClock().now()));
   if (isReplaced_) return Event::kRestart;
   for (;;) {
     const Date now = systemNow();
-    if (now >= deadline) return Event::kStale;
-    timer_.fireAt(std::min(deadline, now.dateByAddingTimeInterval(store_.pollingInterval())));
+    if (now >= end) return Event::kStale;
+    timer_.fireAt(std::min(end, now.dateByAddingTimeInterval(store_.pollingInterval())));
     std::array<pollfd, 5> files = {{{STDOUT_FILENO, 0, 0},
                                     {signals_.number(), POLLIN, 0},
                                     {store_.fileDescriptor(), POLLIN, 0},
                                     {timer_.fileDescriptor(), POLLIN, 0},
                                     {zoneFolder_.number(), POLLIN, 0}}};
     ::poll(files.data(), files.size(), -1);
-    if (const auto ended = receivedSignal()) return *ended;
+    if (const auto event = receivedSignal()) return *event;
     if (files[0].revents & (POLLERR | POLLNVAL)) return Event::kOutputGone;
     if (isZoneChanged()) return Event::kRestart;
     if (files[2].revents != 0) {
-      if (const auto ended = settle(kStoreSettles)) return *ended;
+      if (const auto event = settle(kStoreSettles)) return *event;
     }
     const auto change = readStore();
     if (isReplaced_) return settle(kNewStoreSettles).value_or(Event::kRestart);

@@ -13,14 +13,14 @@
 
 namespace vantrel::cli {
 
-/// Sleeps until what was shown may be old. While wait() runs, it returns on the signals that would
-/// end the program. Not thread-safe.
+/// Waits until the printed plans may be stale. `wait` also returns on signals that would end the
+/// program. Not thread-safe.
 class ChangeWaiter {
  public:
   enum class Event {
-    kStale,        ///< The store has a commit, or the clock is at another instant.
-    kRestart,      ///< Another store file or device zone: what this process read once is wrong.
-    kOutputGone,   ///< Nobody reads standard output any more.
+    kStale,        ///< The store was changed, or `wait` reached its time, or the clock was set.
+    kRestart,      ///< The store file was replaced or the device's zone changed.
+    kOutputGone,   ///< Standard output was closed.
     kInterrupted,  ///< See signal().
   };
 
@@ -29,28 +29,28 @@ class ChangeWaiter {
   ChangeWaiter(const ChangeWaiter&) = delete;
   ChangeWaiter& operator=(const ChangeWaiter&) = delete;
 
-  /// Whether the system has no file watch to spare, so that the store is looked at every 2 seconds.
+  /// Whether file watches are exhausted, so that the store is polled every 2 seconds.
   bool isPolling() const { return store_.isPolling(); }
-  /// Forgets changes of the store's content until now: opening a store writes to it. Another store
-  /// in its place is still reported by `wait`.
+  /// Ignores earlier changes of the store's content, such as those by opening it. `wait` still
+  /// reports that the store was replaced.
   void ignoreStoreChangesSoFar() { readStore(); }
-  /// Returns at `lookAgain`, an instant of the program's clock, or earlier.
-  Event wait(Date lookAgain);
-  /// Waits for `time` or a signal; the event of the signal if there was one.
+  /// Returns kStale at `deadline` of the program's clock at the latest.
+  Event wait(Date deadline);
+  /// Waits for `time` or a signal; `nullopt` if there was no signal.
   std::optional<Event> settle(std::chrono::milliseconds time);
-  /// The signal that interrupted.
+  /// The number of the signal of kInterrupted.
   int signal() const { return signal_; }
 
  private:
   bool isZoneChanged();
   std::optional<Event> receivedSignal();
-  Event nextEvent(Date lookAgain);
+  Event nextEvent(Date deadline);
   StoreWatcher::Change readStore();
 
   StoreWatcher store_;
   bool isReplaced_ = false;
   WallTimer timer_;
-  FileDescriptor zoneFolder_;  ///< Watches where the link "localtime" tells the device's zone.
+  FileDescriptor zoneFolder_;  ///< Watches /etc, whose link "localtime" is the device's zone.
   std::string zoneName_;
   sigset_t signalsBefore_{};
   sigset_t awaitedSignals_{};

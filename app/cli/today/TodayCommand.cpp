@@ -7,18 +7,18 @@ namespace vantrel::cli {
 
 namespace {
 
-struct Request {
+struct TodayOptions {
   bool isExpanded = false;
   bool isForBar = false;
 };
 
-int showToday(const Request& request, Console& console) {
-  if (request.isForBar && console.isJson()) {
-    return console.fail(failure(kExitUsage, "today", "either --waybar or --json"));
+int showToday(const TodayOptions& options, Console& console) {
+  if (options.isForBar && console.isJson()) {
+    return console.fail(failure(kExitUsage, "today", "expected only one of --waybar and --json"));
   }
-  const auto today = todayList(request.isExpanded || request.isForBar);
+  const auto today = todayList(options.isExpanded || options.isForBar);
   if (!today) return console.fail(today.error());
-  console.print(request.isForBar   ? barLine(*today)
+  console.print(options.isForBar   ? barLine(*today)
                 : console.isJson() ? jsonText(*today)
                                    : todayText(*today, console));
   return kExitDone;
@@ -27,10 +27,9 @@ int showToday(const Request& request, Console& console) {
 }  // namespace
 
 void fillTodayCommand(CLI::App& parser, Session& session) {
-  Request& request = setCommand(parser, session, &showToday);
-  parser.add_flag("--expanded", request.isExpanded,
-                  "All the next plans, five at most, instead of two");
-  parser.add_flag("--waybar", request.isForBar, "One line of JSON for a status bar");
+  TodayOptions& options = setCommand(parser, session, &showToday);
+  parser.add_flag("--expanded", options.isExpanded, "Show up to five plans instead of two");
+  parser.add_flag("--waybar", options.isForBar, "Print one line of JSON for a status bar");
 }
 
 }  // namespace vantrel::cli

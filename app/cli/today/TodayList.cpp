@@ -9,11 +9,11 @@ namespace vantrel::cli {
 
 namespace {
 
-/// The room that the notification centre gives a widget.
+/// The size of a widget in the notification centre.
 constexpr Size kMaximumSize{398, 110};
 constexpr int kFirstVersionWithModes = 10;
 
-/// Plays the notification centre to the widget; nothing can be tapped here.
+/// Stands in for the notification centre; opens no URLs.
 class TerminalHost : public ExtensionContext {
  public:
   bool respondsToWidgetLargestAvailableDisplayMode() const override {
@@ -29,9 +29,9 @@ class TerminalHost : public ExtensionContext {
   WidgetDisplayMode largest_ = WidgetDisplayMode::kCompact;
 };
 
-/// One life of the widget, and what it shows in it; nullopt if it could not fetch the plans, which
-/// it shows like an empty store.
-std::optional<TodayList> shownInOneLife(bool expanded) {
+/// Runs the widget once. `nullopt` if it could not fetch the plans, which it shows like an empty
+/// store.
+std::optional<TodayList> listOfWidget(bool expanded) {
   const auto host = std::make_shared<TerminalHost>();
   TodayEventsViewController controller(kMaximumSize, host);
   controller.loadViewIfNeeded();
@@ -59,8 +59,8 @@ Expected<TodayList> todayList(bool isExpanded) {
   if (const auto store = existingStore(); !store) return tl::unexpected(store.error());
   constexpr int kTries = 2;
   for (int i = 0; i < kTries; ++i) {
-    if (auto today = shownInOneLife(isExpanded)) return *std::move(today);
-    // A fetch of our own reports why the plans could not be fetched, unless they can by now.
+    if (auto today = listOfWidget(isExpanded)) return *std::move(today);
+    // The widget drops the error, so another fetch has to report it; if that succeeds, try again.
     if (const auto context = contextForReading(); !context) {
       return tl::unexpected(context.error());
     }

@@ -10,7 +10,7 @@
 
 namespace vantrel::cli {
 
-/// What the widget shows: its visible rows, or its message.
+/// The visible rows of the widget, or its message.
 struct TodayRow {
   std::shared_ptr<Planning> plan;
   std::string title;
@@ -22,8 +22,8 @@ struct TodayList {
   bool isExpanded = false;
 };
 
-/// What it shows at this moment; an error, where the widget would tell of no plans, when there is
-/// no store or it cannot be read.
+/// Returns what the widget shows now. Errors: there is no store, or it cannot be read (the widget
+/// shows its message for no plans then).
 Expected<TodayList> todayList(bool isExpanded);
 
 }  // namespace vantrel::cli

@@ -21,7 +21,7 @@ bool hasBegun(const TodayRow& row) {
   return row.plan->date() <= Clock::sharedClock().now();
 }
 
-/// Null when there are no rows.
+/// Null if there are no rows.
 const TodayRow* nextRow(const TodayList& today) {
   if (today.rows.empty()) return nullptr;
   const auto next = std::find_if_not(today.rows.begin(), today.rows.end(), &hasBegun);
@@ -41,7 +41,7 @@ std::string stateOf(const TodayRow* next) {
   return day.year == now.year && day.month == now.month && day.day == now.day ? "today" : "later";
 }
 
-/// Bars take texts for markup.
+/// Escapes markup, which status bars parse.
 std::string inMarkup(const std::string& text) {
   constexpr std::string_view kSpecial = "&<>\"'";
   constexpr std::array kNames = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
@@ -58,7 +58,7 @@ std::string barObject(const std::string& text, const std::string& tooltip,
   return jsonLine({{"text", text}, {"tooltip", tooltip}, {"class", state}, {"alt", state}});
 }
 
-/// The clock here, where it shows something else than the plan's: "Europe/Athens, 5:20 AM here".
+/// "Europe/Athens, 5:20 AM here"; `nullopt` if the device's wall time is the same as the plan's.
 std::optional<std::string> localText(const Planning& plan, DateFormatter& formatter) {
   const auto date = plan.date();
   const TimeZone zone = zoneOfPlan(plan);
@@ -80,7 +80,6 @@ std::optional<std::string> localText(const Planning& plan, DateFormatter& format
 }  // namespace
 
 std::string todayText(const TodayList& today, const Console& console) {
-  // The card tells each plan in its own zone without saying so; here that is said.
   DateFormatter formatter;
   std::string text;
   if (today.message) text += *today.message + "\n";

@@ -7,19 +7,19 @@
 
 namespace vantrel::cli {
 
-/// What the widget shows, as text; every one ends with a line break.
+/// The widget as text, with a line break at the end.
 
-/// Two lines for each row, as on the card, and what a plan's date is on the clock here.
+/// Two lines for each row, as in the widget, with the device's wall time if that differs.
 std::string todayText(const TodayList& today, const Console& console);
 
-/// One line: the next plan to begin, else the last of those that have begun, else the message.
+/// One line: the next plan to begin, otherwise the last that has begun, otherwise the message.
 std::string nextPlanLine(const TodayList& today);
 
-/// One line of JSON as status bars read it: "text" and "tooltip" in their markup, "class" and "alt"
-/// both "today", "later", "started" (all have begun) or "none". Without plans the text is empty,
-/// and the message in the tooltip.
+/// One line of JSON for status bars: "text" and "tooltip" with markup; "class" and "alt" are
+/// "today", "later", "started" (all have begun) or "none". Without plans, "text" is empty and
+/// "tooltip" is the message.
 std::string barLine(const TodayList& today);
-/// The same for a failure, of the class "error".
+/// The same for an error; "class" is "error".
 std::string barLine(const Error& error);
 
 }  // namespace vantrel::cli

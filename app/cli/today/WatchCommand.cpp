@@ -24,15 +24,15 @@ namespace vantrel::cli {
 
 namespace {
 
-/// What was printed last, as a number, for the process that takes this one's place.
+/// Passes the hash of the last output to the process that replaces this one.
 constexpr const char* kShown = "VANTREL_WATCH_SHOWN";
 
-/// No more than one restart in this time, whatever happens to the store.
+/// The shortest time between two restarts.
 constexpr std::chrono::seconds kRestartPause{1};
 
 enum class Form { kText, kJson, kBar };
 
-/// When time alone makes the list another: a plan begins, or a day.
+/// Returns when the list changes next without a change of the store: a plan or a day begins.
 Date nextBoundary(const Expected<TodayList>& today) {
   const Date now = Clock::sharedClock().now();
   Date boundary = nextMidnight(now);
@@ -44,7 +44,7 @@ Date nextBoundary(const Expected<TodayList>& today) {
   return boundary;
 }
 
-/// When to look at a busy store again.
+/// Returns when to read a busy store again.
 Date soon() {
   return Clock::sharedClock().now().dateByAddingTimeInterval(kBusyStoreSeconds);
 }
@@ -59,11 +59,11 @@ std::string lineFor(const Error& error, Form form) {
   return form == Form::kJson ? jsonLine({{"error", error.localizedDescription}}) : "";
 }
 
-/// This program with the same arguments in this one's place; comes back only when that fails.
-void startAgain(std::size_t shown) {
+/// Restarts this program with the same arguments; returns only on failure.
+void restart(std::size_t shown) {
   std::string words;
   {
-    // Closed before the new program starts, which would inherit it.
+    // Closed before execv, so that the new program does not inherit it.
     std::ifstream file("/proc/self/cmdline", std::ios::binary);
     words.assign(std::istreambuf_iterator<char>(file), {});
   }
@@ -89,17 +89,16 @@ bool isBusy(const Expected<TodayList>& today) {
 
 int watchPlans(const bool& isForBar, Console& console) {
   if (isForBar && console.isJson()) {
-    return console.fail(failure(kExitUsage, "watch", "either --waybar or --json"));
+    return console.fail(failure(kExitUsage, "watch", "expected only one of --waybar and --json"));
   }
   const Form form = isForBar ? Form::kBar : console.isJson() ? Form::kJson : Form::kText;
   const auto store = Database::sharedInstance().groupStoreURL();
-  // Without a home there is nothing to wait for.
+  // Without a home folder there is no path to watch.
   if (!store) return console.fail(existingStore().error());
   const auto started = std::chrono::steady_clock::now();
   ChangeWaiter waiter(*store);
   if (waiter.isPolling()) {
-    console.tell(
-        "vantrel: watch: the system has no file watch to spare; looking every 2 seconds\n");
+    console.tell("vantrel: watch: no file watches available; polling every 2 seconds\n");
   }
   std::size_t shown = shownBefore();
   bool isOpen = false;
@@ -123,7 +122,7 @@ int watchPlans(const bool& isForBar, Console& console) {
       shown = now;
     }
     auto event = waiter.wait(isBusy(today) ? soon() : nextBoundary(today));
-    // A store that could not be opened stays so for the life of a process.
+    // A process opens the store only once, even if that fails.
     if (event == ChangeWaiter::Event::kStale && !today && !isOpen && existingStore()) {
       event = ChangeWaiter::Event::kRestart;
     }
@@ -137,8 +136,8 @@ int watchPlans(const bool& isForBar, Console& console) {
       case ChangeWaiter::Event::kStale:
         break;
       case ChangeWaiter::Event::kRestart:
-        startAgain(shown);
-        return console.fail(failure(kExitInternal, "watch", "cannot start again"));
+        restart(shown);
+        return console.fail(failure(kExitInternal, "watch", "cannot restart"));
       case ChangeWaiter::Event::kOutputGone:
         return kExitDone;
       case ChangeWaiter::Event::kInterrupted:
@@ -151,7 +150,7 @@ int watchPlans(const bool& isForBar, Console& console) {
 
 void fillWatchCommand(CLI::App& parser, Session& session) {
   parser.add_flag("--waybar", setCommand(parser, session, &watchPlans),
-                  "Lines of JSON for a status bar");
+                  "Print lines of JSON for a status bar");
 }
 
 }  // namespace vantrel::cli
