@@ -4,6 +4,7 @@
 #include <charconv>
 #include <nlohmann/json.hpp>
 
+#include "base/Iso8601.h"
 #include "common/TerminalText.h"
 
 namespace vantrel::cli {
@@ -15,6 +16,11 @@ std::string jsonText(const Json& json) {
 
 std::string jsonLine(const Json& json) {
   return printableJson(json.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
+}
+
+Json jsonOfDate(std::optional<Date> date, int offsetSeconds) {
+  const std::string text = date ? iso8601String(*date, offsetSeconds) : std::string();
+  return text.empty() ? Json(nullptr) : Json(text);
 }
 
 double decimalOfFloat(float value) {

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "base/Date.h"
+
 namespace vantrel::cli {
 
 using Json = nlohmann::ordered_json;
@@ -13,6 +15,10 @@ using Json = nlohmann::ordered_json;
 std::string jsonText(const Json& json);
 /// The same on one line.
 std::string jsonLine(const Json& json);
+
+/// Returns the date in ISO 8601 with the offset; null for `nullopt`, and for years with more than
+/// four digits.
+Json jsonOfDate(std::optional<Date> date, int offsetSeconds = 0);
 
 /// Returns the shortest decimal number that converts back to `value`: 100.6, where a cast gives
 /// 100.5999984741211.

@@ -142,7 +142,7 @@ const CLI::App& deepestParsed(const CLI::App& root) {
 
 /// Returns CLI11's message, reworded if it is about the value of an option.
 std::string messageOf(const CLI::ParseError& error) {
-  const std::string message = error.what();
+  std::string message = error.what();
   if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ArgumentMismatch)) return message;
   const auto nameEnd = message.find(": ");
   return message.substr(0, nameEnd) + (message.find("received") == std::string::npos

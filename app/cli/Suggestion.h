@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Error.h"
@@ -15,6 +16,9 @@ std::optional<std::string> nearestWord(const std::string& word,
 /// Returns `name` in a form that is equal for common spellings: lower case (ASCII), without spaces,
 /// hyphens and underscores, "x" for the multiplication sign.
 std::string folded(const std::string& name);
+
+/// Changes ASCII letters only.
+std::string upperCase(std::string_view text);
 
 /// Returns the usage error for a `text` that matches several records: `why`, and the first ten
 /// candidates, one per line.

@@ -123,6 +123,19 @@ std::string printableFile(std::string_view text) {
   return result;
 }
 
+std::string fileText(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (CodePoints at(text); at.next();) {
+    const UChar32 c = at.value();
+    const bool isWhiteSpace = c == '\t' || c == '\n' || c == '\r';
+    const bool isControl = c < 0x20 || (c >= 0x7f && c < 0xa0);
+    const bool isKept = isWhiteSpace || !(isControl || c == 0xfffe || c == 0xffff);
+    result += isKept ? at.bytes() : kReplacement;
+  }
+  return result;
+}
+
 std::string printableJson(std::string_view json) {
   std::string result;
   result.reserve(json.size());

@@ -26,6 +26,10 @@ std::string printableLines(std::string_view text, std::string_view indent);
 /// `printable` for a file shown on a terminal: tabs and line ends stay.
 std::string printableFile(std::string_view text);
 
+/// Returns valid UTF-8 for files: U+FFFD for control characters except tabs and line breaks, and
+/// for the noncharacters that XML 1.0 forbids.
+std::string fileText(std::string_view text);
+
 /// JSON text with the characters that `printable` replaces written as \uXXXX.
 std::string printableJson(std::string_view json);
 

@@ -7,6 +7,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Command.h"
+#include "cli/Suggestion.h"
 
 namespace vantrel::cli {
 
@@ -20,15 +21,10 @@ constexpr std::array<std::pair<std::string_view, ExchangeFormat>, 5> kFormats = 
     {"kml", ExchangeFormat::kKml},
 }};
 
-std::optional<ExchangeFormat> formatNamed(std::string_view name) {
-  for (const auto& [known, format] : kFormats) {
-    if (known == name) return format;
-  }
-  return std::nullopt;
-}
-
 Expected<ExchangeFormat> formatFromArgument(const std::string& option, const std::string& text) {
-  if (const auto format = formatNamed(text)) return *format;
+  for (const auto& [known, format] : kFormats) {
+    if (known == text) return format;
+  }
   return invalidArgument(option, text, "ics, json, csv, gpx or kml");
 }
 
@@ -41,10 +37,11 @@ std::string_view nameOfFormat(ExchangeFormat format) {
 }
 
 std::optional<ExchangeFormat> formatOfFileName(const std::string& name) {
-  std::string extension = std::filesystem::path(name).extension();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return extension.empty() ? std::nullopt : formatNamed(std::string_view(extension).substr(1));
+  const std::string extension = upperCase(std::filesystem::path(name).extension().string());
+  for (const auto& [known, format] : kFormats) {
+    if (extension == "." + upperCase(known)) return format;
+  }
+  return std::nullopt;
 }
 
 void fillExchangeCommands(CLI::App& parser, Session& session) {

@@ -1,27 +1,15 @@
 #include "cli/exchange/ExchangeText.h"
 
-#include <unicode/utf8.h>
-
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
 
 #include "base/Iso8601.h"
 #include "cli/exchange/PlanDraft.h"
 #include "cli/plan/PlanText.h"
+#include "common/TerminalText.h"
 
 namespace vantrel::cli {
-
-namespace {
-
-bool isFileCharacter(UChar32 c) {
-  if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
-  if (c >= 0x7f && c < 0xa0) return false;
-  return c != 0xfffe && c != 0xffff;
-}
-
-}  // namespace
 
 std::string decimalText(double number) {
   std::array<char, 512> digits{};
@@ -29,26 +17,6 @@ std::string decimalText(double number) {
       std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed)
           .ptr;
   return {digits.data(), end};
-}
-
-std::string fileText(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  const auto size = static_cast<std::int32_t>(text.size());
-  for (std::int32_t end = 0; end < size;) {
-    const std::int32_t start = end;
-    UChar32 value = 0;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"  // in the macro
-    U8_NEXT(text.data(), end, size, value);
-#pragma GCC diagnostic pop
-    if (isFileCharacter(value)) {
-      result += text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
-    } else {
-      result += "\xEF\xBF\xBD";
-    }
-  }
-  return result;
 }
 
 std::string calendarText(std::string_view text) {

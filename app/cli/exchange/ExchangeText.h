@@ -14,10 +14,6 @@ namespace vantrel::cli {
 /// Returns the shortest decimal text that converts back to `number`, without an exponent.
 std::string decimalText(double number);
 
-/// Returns valid UTF-8 with U+FFFD for control characters except tabs and line breaks, and for the
-/// noncharacters that XML 1.0 forbids.
-std::string fileText(std::string_view text);
-
 /// Returns `text` as calendars store it: without control characters, line breaks as "\n".
 std::string calendarText(std::string_view text);
 /// Returns `text` as it is after export to a calendar and import: also trimmed.

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "base/FileDescriptor.h"
-#include "base/Iso8601.h"
 #include "cli/JsonText.h"
 #include "cli/Progress.h"
 #include "cli/exchange/CalendarReader.h"
@@ -126,10 +125,9 @@ Expected<std::vector<MergedPlan>> merge(const PlanDrafts& drafts, ManagedObjectC
 }
 
 Json jsonOf(const MergedPlan& plan) {
-  const auto date = plan.date ? iso8601String(*plan.date) : std::string();
   return {{"uniqueIdentifier", orNull(plan.identifier)},
           {"name", orNull(plan.name)},
-          {"date", date.empty() ? Json(nullptr) : Json(date)}};
+          {"date", jsonOfDate(plan.date)}};
 }
 
 std::string jsonOf(const std::vector<MergedPlan>& plans, const PlanDrafts& drafts, bool isDryRun) {

@@ -7,6 +7,7 @@
 
 #include "cli/exchange/ExchangeText.h"
 #include "cli/plan/PlanText.h"
+#include "common/TerminalText.h"
 
 namespace vantrel::cli {
 

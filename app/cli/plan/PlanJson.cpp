@@ -12,11 +12,6 @@ namespace vantrel::cli {
 
 namespace {
 
-Json instant(std::optional<Date> date, int offsetSeconds = 0) {
-  const std::string text = date ? iso8601String(*date, offsetSeconds) : std::string();
-  return text.empty() ? Json(nullptr) : Json(text);
-}
-
 Json jsonOfPlan(const Planning& plan) {
   const auto date = plan.date();
   const int offset = date ? zoneOfPlan(plan).secondsFromGMTForDate(*date) : 0;
@@ -26,9 +21,9 @@ Json jsonOfPlan(const Planning& plan) {
       {"link", deepLink(plan)},
       {"name", orNull(plan.name())},
       {"notes", orNull(plan.notes())},
-      {"date", instant(date)},
+      {"date", jsonOfDate(date)},
       {"timezone", orNull(plan.timezone())},
-      {"localDate", instant(date, offset)},
+      {"localDate", jsonOfDate(date, offset)},
       {"latitude", orNull(plan.latitude())},
       {"longitude", orNull(plan.longitude())},
       {"images", plan.imageCount()},

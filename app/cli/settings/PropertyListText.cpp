@@ -4,7 +4,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/Iso8601.h"
 #include "cli/Arguments.h"
 #include "common/ExitCode.h"
 #include "common/TerminalText.h"
@@ -17,11 +16,6 @@ std::string base64(const Data& data) {
   std::string text(BASE64_ENCODE_RAW_LENGTH(data.size()), '\0');
   ::base64_encode_raw(text.data(), data.size(), reinterpret_cast<const uint8_t*>(data.data()));
   return text;
-}
-
-Json jsonOfDate(Date date) {
-  const std::string text = iso8601String(date);
-  return text.empty() ? Json(nullptr) : Json(text);
 }
 
 /// Ignores white space.
