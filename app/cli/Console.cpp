@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -53,7 +54,17 @@ std::string Console::dim(std::string_view text) const {
 }
 
 std::string Console::labelled(std::string_view label, std::string_view value) const {
-  return "  " + dim(paddedToCells(std::string(label), kLabelWidth)) + std::string(value) + "\n";
+  return labelled({{std::string(label), std::string(value)}});
+}
+
+std::string Console::labelled(const LabelledValues& lines) const {
+  std::size_t width = kLabelWidth;
+  for (const auto& [label, value] : lines) width = std::max(width, cellWidth(label) + 1);
+  std::string text;
+  for (const auto& [label, value] : lines) {
+    text += "  " + dim(paddedToCells(label, width)) + value + "\n";
+  }
+  return text;
 }
 
 void Console::tell(std::string_view text) {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "base/Error.h"
 
@@ -34,6 +36,9 @@ class Console {
 
   /// Returns the line "  Label      value\n".
   std::string labelled(std::string_view label, std::string_view value) const;
+  /// The same for several, with a wider column if a label needs it.
+  using LabelledValues = std::vector<std::pair<std::string, std::string>>;
+  std::string labelled(const LabelledValues& lines) const;
   static constexpr std::size_t kLabelWidth = 11;
 
   /// Flushes, then writes `text` to standard error unchanged.

@@ -32,7 +32,7 @@ ExitCode exitCodeForStoreError(StoreErrorCode code) {
   }
 }
 
-/// For errors of reading and writing the settings.
+/// Errors of the settings and of output files.
 ExitCode exitCodeForErrno(int code) {
   switch (code) {
     case EACCES:

@@ -4,27 +4,27 @@
 
 namespace vantrel {
 
-/// What a run ends with, after the numbers of <sysexits.h>.
+/// Exit codes of all programs, with the numbers of <sysexits.h>.
 enum ExitCode : int {
-  kExitDone = 0,           ///< Also when nothing was found.
-  kExitUsage = 64,         ///< The command line is wrong; also an ambiguous plan.
-  kExitBadData = 65,       ///< What was read makes no sense.
-  kExitMissing = 66,       ///< No such store, plan or key.
-  kExitUnavailable = 69,   ///< A handler or service is not there.
-  kExitInternal = 70,      ///< A fault of the program itself.
-  kExitCannotCreate = 73,  ///< An output file or folder cannot be made.
-  kExitInputOutput = 74,   ///< Reading or writing failed half-way.
-  kExitTryAgain = 75,      ///< Something else holds the store.
+  kExitDone = 0,           ///< Also if a list is empty.
+  kExitUsage = 64,         ///< Wrong command line, or an ambiguous name of a record.
+  kExitBadData = 65,       ///< The input is invalid.
+  kExitMissing = 66,       ///< Store, record or key not found.
+  kExitUnavailable = 69,   ///< A program or service is not available.
+  kExitInternal = 70,      ///< A fault of the program itself, or out of memory.
+  kExitCannotCreate = 73,  ///< Cannot create an output file or folder.
+  kExitInputOutput = 74,   ///< Reading or writing failed.
+  kExitTryAgain = 75,      ///< Another program has locked the store.
   kExitPermission = 77,
 };
 
-/// A failure of the command line itself: `what` went wrong and `why`, ending with `code`.
+/// Returns an error with the message "`what`: `why`", for which `exitCodeForError` returns `code`.
 Error failure(ExitCode code, const std::string& what, const std::string& why);
 
-/// The exit code for an input that could not be opened or read, by its errno.
+/// Returns the exit code for an input that could not be opened or read; `error` is the errno.
 ExitCode exitCodeForReading(int error);
 
-/// The exit code for an error of any subsystem.
+/// Returns the exit code for an error of any subsystem.
 ExitCode exitCodeForError(const Error& error);
 
 }  // namespace vantrel

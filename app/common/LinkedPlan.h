@@ -9,12 +9,12 @@
 
 namespace vantrel {
 
-/// The object URI in a deep link "vantrel://plan?id=…". Links come from anywhere: nothing but the
-/// URI of a plan, written as the widget writes it, gets through; kExitBadData for all else.
+/// Returns the object URI in a deep link "vantrel://plan?id=…". Links are untrusted input: anything
+/// but the URI of a plan, encoded as the widget encodes it, fails with kExitBadData.
 Expected<std::string> uriFromLink(const std::string& link);
 
-/// The plan of an object URI; kExitMissing when it is gone or in another store, kExitBadData when
-/// the text names no plan.
+/// Returns the plan of an object URI. Errors: kExitMissing if the plan was removed or is in another
+/// store, kExitBadData if `uri` is not the URI of a plan.
 Expected<std::shared_ptr<Planning>> planWithURI(ManagedObjectContext& context,
                                                 const std::string& uri);
 

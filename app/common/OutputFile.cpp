@@ -21,7 +21,7 @@ constexpr mode_t kPermissions = 07777;
 OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)) {}
 
 OutputFile::~OutputFile() {
-  if (!beside_.empty()) ::unlink(beside_.c_str());
+  if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
 tl::unexpected<Error> OutputFile::failed(int error) const {
@@ -40,17 +40,18 @@ Expected<void> OutputFile::open() {
     if (!file_) return failed(errno);
     return {};
   }
-  const std::string beside = target_.string() + ".part" + std::to_string(::getpid());
-  // One without a name is gone when the program is stopped. Not every file system has such.
+  const std::string temporary = target_.string() + ".part" + std::to_string(::getpid());
+  // The kernel removes a file without a name if the program is killed. Not all file systems support
+  // it.
   file_ = FileDescriptor(
       ::open(target_.parent_path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kNewFileMode));
   isNameless_ = static_cast<bool>(file_);
   if (!isNameless_) {
-    file_ = FileDescriptor(
-        ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
+    file_ = FileDescriptor(::open(
+        temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
   }
   if (!file_) return failed(errno);
-  beside_ = beside;
+  temporary_ = temporary;
   if (exists && ::fchmod(file_.number(), status.st_mode & kPermissions) != 0) return failed(errno);
   return {};
 }
@@ -70,19 +71,19 @@ void OutputFile::flush() {
   pending_.clear();
 }
 
-Expected<void> OutputFile::finish(bool lasting) {
+Expected<void> OutputFile::finish(bool durable) {
   flush();
   if (error_ != 0) return failed(error_);
-  if (beside_.empty()) return {};
-  if (lasting && ::fsync(file_.number()) != 0) return failed(errno);
+  if (temporary_.empty()) return {};
+  if (durable && ::fsync(file_.number()) != 0) return failed(errno);
   const std::string nameless = "/proc/self/fd/" + std::to_string(file_.number());
   if (isNameless_ &&
-      ::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, beside_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      ::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, temporary_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
     return failed(errno);
   }
-  if (::rename(beside_.c_str(), target_.c_str()) != 0) return failed(errno);
-  beside_.clear();
-  if (lasting && !synchronizeDirectory(target_.parent_path().c_str())) return failed(errno);
+  if (::rename(temporary_.c_str(), target_.c_str()) != 0) return failed(errno);
+  temporary_.clear();
+  if (durable && !synchronizeDirectory(target_.parent_path().c_str())) return failed(errno);
   return {};
 }
 

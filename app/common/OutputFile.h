@@ -9,32 +9,32 @@
 
 namespace vantrel {
 
-/// A file that is there whole or not at all: written beside its place, then put there. A device or
-/// a pipe of that name is written to as it is.
+/// Writes a file atomically: into a temporary file in the same folder, which `finish` renames to
+/// `path`. A device or a pipe is written to directly. Not thread-safe.
 class OutputFile {
  public:
-  /// Nothing is made before `open`.
   explicit OutputFile(std::filesystem::path path);
-  /// Removes what was not finished.
+  /// Discards the text unless `finish` succeeded.
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
+  /// Creates the temporary file. Errors have the domain "POSIX", here and in `finish`.
   Expected<void> open();
-  /// The first failure ends the writing; `finish` tells it.
+  /// Buffered; `finish` reports the first error.
   void write(std::string_view text);
-  /// Puts the file in its place, and makes it lasting before; who can make it again need not wait
-  /// for the disk.
-  Expected<void> finish(bool lasting = true);
+  /// Renames the file to `path`, after an fsync unless `durable` is false, as for output that is
+  /// easily created again.
+  Expected<void> finish(bool durable = true);
 
  private:
   tl::unexpected<Error> failed(int error) const;
   void flush();
 
   std::filesystem::path path_;
-  std::filesystem::path target_;  ///< `path_` with its links followed.
-  std::filesystem::path beside_;  ///< Empty when `path_` itself is written to.
-  bool isNameless_ = false;       ///< Then `beside_` is there only at the end.
+  std::filesystem::path target_;     ///< `path_` with its links resolved.
+  std::filesystem::path temporary_;  ///< Empty while `path_` itself is written to.
+  bool isNameless_ = false;          ///< Whether only `finish` creates `temporary_`.
   std::string pending_;
   FileDescriptor file_;
   int error_ = 0;

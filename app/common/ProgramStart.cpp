@@ -14,7 +14,7 @@ namespace {
 
 const char* programName = "";
 
-/// Allocates nothing.
+/// Must not allocate.
 [[noreturn]] void exitOutOfMemory() {
   for (const char* text : {programName, ": out of memory\n"}) {
     static_cast<void>(!::write(STDERR_FILENO, text, std::strlen(text)));

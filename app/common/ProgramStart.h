@@ -4,12 +4,12 @@
 
 namespace vantrel {
 
-/// Makes the process exit with kExitInternal and one line on standard error when memory runs out,
-/// wherever that is. `program` must outlive the process. Called first by every `main`.
+/// Installs a handler that exits with kExitInternal and one line on standard error when an
+/// allocation by `new` fails. Keeps the pointer `program`. Called first by every `main`.
 void exitWhenOutOfMemory(const char* program);
 
-/// kExitUsage if $VANTREL_GROUP_CONTAINER is a relative path: the default container would be used
-/// in its place. Called by every program once it knows that it has to do more than show its help.
+/// Fails with kExitUsage if $VANTREL_GROUP_CONTAINER is a relative path: the library would use the
+/// default container instead. Called by every program after its options were parsed.
 Expected<void> checkEnvironment();
 
 }  // namespace vantrel

@@ -12,14 +12,14 @@ namespace {
 Expected<std::filesystem::path> storePath() {
   if (auto path = Database::sharedInstance().groupStoreURL()) return *path;
   return tl::unexpected(
-      failure(kExitMissing, "store", "no place for it; set HOME or VANTREL_GROUP_CONTAINER"));
+      failure(kExitMissing, "store", "no folder for it; set HOME or VANTREL_GROUP_CONTAINER"));
 }
 
-/// A store that could not be opened still has a context; a first fetch tells.
+/// Fetches once, since a store that cannot be opened has a context too.
 Expected<ManagedObjectContext*> context() {
   if (!Database::sharedInstance().modelURL()) {
-    return tl::unexpected(
-        failure(kExitInternal, "the program's resources", "not there; is it installed whole?"));
+    return tl::unexpected(failure(kExitInternal, "the program's resources",
+                                  "not found; is the installation complete?"));
   }
   ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
   FetchRequest request;
@@ -35,12 +35,12 @@ Expected<ManagedObjectContext*> context() {
 Expected<std::filesystem::path> existingStore() {
   auto path = storePath();
   std::error_code error;
-  // A file without content would be made a store by opening it; a link that leads nowhere is not.
+  // Opening would create a store in an empty file, but not in the target of a dangling link.
   if (path && (std::filesystem::symlink_status(*path, error).type() ==
                    std::filesystem::file_type::not_found ||
                std::filesystem::file_size(*path, error) == 0))
     return tl::unexpected(failure(kExitMissing, path->string(),
-                                  "no store yet; \"vantrel plan add\" makes one, \"vantrel "
+                                  "no store yet; \"vantrel plan add\" creates one, \"vantrel "
                                   "store sample\" one with sample plans"));
   return path;
 }

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 
@@ -18,7 +19,7 @@ constexpr std::uint32_t kWatched = IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_D
 constexpr double kInterval = 60;
 constexpr double kIntervalWithoutWatch = 2;
 
-/// The files beside a store that is a link are where the link points.
+/// The log and journal are in the folder that the store's link points to.
 std::filesystem::path resolved(const std::filesystem::path& path) {
   std::error_code error;
   auto result = std::filesystem::weakly_canonical(path, error);
@@ -32,7 +33,7 @@ StoreWatcher::StoreWatcher(const std::filesystem::path& store)
   watchNearestFolder();
   state_ = currentState();
   lastStore_ = state_.front();
-  if (isPolling()) logLine("store: the system has no file watch to spare; looking every 2 seconds");
+  if (isPolling()) logLine("store: cannot watch its folder; checking every 2 seconds");
 }
 
 StoreWatcher::FileState StoreWatcher::stateOf(const std::filesystem::path& file) {
@@ -47,8 +48,8 @@ StoreWatcher::StoreState StoreWatcher::currentState() const {
   return {stateOf(store), stateOf(store + "-wal"), stateOf(store + "-journal")};
 }
 
-/// Watches the store's folder or, while that does not exist, the nearest one above it that does.
-/// Watching a folder again that is watched already changes nothing.
+/// Watches the store's folder or, while that does not exist, the nearest existing one above it. Has
+/// no effect if that is watched already.
 void StoreWatcher::watchNearestFolder() {
   int before = -1;
   do {
@@ -60,7 +61,7 @@ void StoreWatcher::watchNearestFolder() {
       watch_ = inotify_add_watch(events_.number(), folder.c_str(), kWatched);
     }
     if (before >= 0 && before != watch_) inotify_rm_watch(events_.number(), before);
-    // Again after a move: a folder may have been created after the look at its place.
+    // Once more after a change: the next folder may have been created before the watch was added.
   } while (watch_ >= 0 && watch_ != before);
 }
 
@@ -80,7 +81,8 @@ StoreWatcher::Change StoreWatcher::read() {
   const bool isOther = store.inode != 0 && lastStore_.inode != 0 &&
                        (store.inode != lastStore_.inode || store.device != lastStore_.device);
   if (store.inode != 0) lastStore_ = store;
-  return isOther ? Change::kReplaced : Change::kContent;
+  pending_ = isOther ? Change::kReplaced : std::max(pending_, Change::kContent);
+  return pending_;
 }
 
 }  // namespace vantrel

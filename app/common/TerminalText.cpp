@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-/// Steps through UTF-8 text; a code point is negative where the bytes are ill-formed.
+/// Iterates over UTF-8 text; the code point is negative for ill-formed bytes.
 class CodePoints {
  public:
   explicit CodePoints(std::string_view text) : text_(text) {}
@@ -44,7 +44,7 @@ class CodePoints {
   UChar32 value_ = 0;
 };
 
-/// Terminals act on control characters; direction overrides make a text read as another one.
+/// Terminals execute control characters; direction overrides can disguise text.
 bool isUnsafe(UChar32 c) {
   const bool control = c < 0x20 || (c >= 0x7f && c < 0xa0);
   const bool lineBreak = c == 0x2028 || c == 0x2029;
@@ -57,10 +57,10 @@ std::size_t cellsOf(UChar32 c) {
   if (c >= ' ' && c <= '~') return 1;
   const auto category = u_getIntPropertyValue(c, UCHAR_GENERAL_CATEGORY);
   const auto syllable = u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE);
-  const bool joinsTheOneBefore = category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK ||
-                                 (category == U_FORMAT_CHAR && c != kSoftHyphen) ||
-                                 syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO;
-  if (joinsTheOneBefore) return 0;
+  const bool isCombining = category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK ||
+                           (category == U_FORMAT_CHAR && c != kSoftHyphen) ||
+                           syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO;
+  if (isCombining) return 0;
   const auto width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
@@ -112,7 +112,7 @@ std::string printableFile(std::string_view text) {
   bool isAfterReturn = false;
   for (CodePoints at(text); at.next();) {
     const UChar32 c = at.value();
-    // A return without a line break goes back over what was printed.
+    // A return without a line feed would overwrite the line.
     if (std::exchange(isAfterReturn, c == '\r')) result += c == '\n' ? "\r" : kReplacement;
     if (c == '\t' || c == '\n') {
       result += at.bytes();

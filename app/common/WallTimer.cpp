@@ -20,7 +20,7 @@ bool WallTimer::fireAt(Date instant) {
   when.it_value.tv_sec = static_cast<time_t>(whole);
   when.it_value.tv_nsec = static_cast<long>((seconds - whole) * 1e9);
   const int flags = TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET;
-  // A step of the clock that was not read yet is reported here, with the timer armed all the same.
+  // ECANCELED reports an earlier clock step that was not read yet; the timer is armed nevertheless.
   return timerfd_settime(file_.number(), flags, &when, nullptr) == 0 || errno == ECANCELED;
 }
 

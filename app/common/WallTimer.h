@@ -5,21 +5,21 @@
 
 namespace vantrel {
 
-/// Fires at an instant of the wall clock, through suspends and changes of the clock, which ordinary
-/// timers sleep through. For a caller with an event loop of its own. One thread.
+/// Fires at an instant of the wall clock and accounts for suspends and clock changes, unlike
+/// ordinary timers. For callers with an event loop. Not thread-safe.
 class WallTimer {
  public:
   enum class Event { kNone, kReached, kClockSet };
 
   WallTimer();
 
-  /// Becomes readable when there is an event; -1 when the system has none to give.
+  /// Becomes readable when there is an event; -1 if the system has no descriptor left.
   int fileDescriptor() const { return file_.number(); }
-  /// Arms the timer, in place of an earlier instant; one that has passed fires at once. False when
-  /// the system refuses.
+  /// Arms the timer and replaces an earlier instant; a past one fires at once. Returns whether the
+  /// system accepted it.
   bool fireAt(Date instant);
-  /// What happened since the last call; never waits. After kClockSet (also told on the return from
-  /// suspend) the timer is to be armed again.
+  /// Returns what happened since the last call; never blocks. After kClockSet (also reported after
+  /// a suspend) the caller must arm the timer again.
   Event read();
 
  private:

@@ -18,7 +18,7 @@ Error fileError(const std::string& file, int code) {
   return failure(exitCodeForReading(code), file, std::strerror(code));
 }
 
-/// The first line of the file, "-" being standard input.
+/// Returns the first line of the file; "-" is standard input.
 Expected<std::string> keyInFile(const std::string& file) {
   constexpr std::size_t kMostBytes = 4096;
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
@@ -33,7 +33,7 @@ Expected<std::string> keyInFile(const std::string& file) {
   const bool isPlain =
       std::all_of(key.begin(), key.end(), [](char c) { return c > ' ' && c < 0x7f; });
   if (!key.empty() && isPlain && count < kMostBytes) return key;
-  return tl::unexpected(failure(kExitBadData, file, "no key; one is expected on the first line"));
+  return tl::unexpected(failure(kExitBadData, file, "expected a key on the first line"));
 }
 
 Expected<std::optional<Account>> accountWithKey(const std::string& username,
@@ -48,10 +48,10 @@ Expected<std::optional<Account>> googleAccount(const LookupOptions& options,
                                                const UserDefaults& settings) {
   const auto file = options.keyFile ? options.keyFile : settings.stringForKey(kLookupGoogleKeyFile);
   if (file) return accountWithKey("", file);
-  return tl::unexpected(failure(kExitUsage, "--google",
-                                std::string("needs a key of your own; give --key-file, or "
-                                            "name its file in the setting ") +
-                                    kLookupGoogleKeyFile));
+  return tl::unexpected(
+      failure(kExitUsage, "--google",
+              std::string("requires your own key; give --key-file or the setting ") +
+                  kLookupGoogleKeyFile));
 }
 
 }  // namespace
@@ -62,16 +62,15 @@ Expected<std::optional<Account>> accountOfUser(const LookupOptions& options) {
     return tl::unexpected(readable.error());
   }
   if (options.google) return googleAccount(options, settings);
-  // A key belongs to the name that stands beside it.
+  // The key file of the settings belongs to the user name of the settings.
   if (options.username) return accountWithKey(*options.username, options.keyFile);
   const auto username = settings.stringForKey(kLookupUsername);
   const auto keyFile = options.keyFile ? options.keyFile : settings.stringForKey(kLookupKeyFile);
   if (username && !username->empty()) return accountWithKey(*username, keyFile);
   if (!keyFile) return std::optional<Account>();
-  return tl::unexpected(failure(kExitUsage, "--key-file",
-                                std::string("belongs to a user; give --username, or the "
-                                            "setting ") +
-                                    kLookupUsername));
+  return tl::unexpected(
+      failure(kExitUsage, "--key-file",
+              std::string("requires a user; give --username or the setting ") + kLookupUsername));
 }
 
 }  // namespace vantrel

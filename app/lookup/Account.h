@@ -8,19 +8,20 @@
 
 namespace vantrel {
 
-/// Settings of vantrel alone that name an account of the user's own. Keys stand in files, so that
-/// settings can be shown.
+/// Keys of the standard settings for the user's account. The settings have the paths of key files,
+/// not keys, so that users can show their settings to others.
 inline constexpr const char* kLookupUsername = "lookup_username";
 inline constexpr const char* kLookupKeyFile = "lookup_keyFile";
 inline constexpr const char* kLookupGoogleKeyFile = "lookup_googleKeyFile";
 
 struct Account {
   std::string username;  ///< Empty for Google.
-  std::string key;       ///< Empty where the service needs none.
+  std::string key;       ///< Empty if the account has no key.
 };
 
-/// The account of the options, else that of the settings; nothing when neither names one and the
-/// program's own will do. Google needs one.
+/// Returns the account in `options`, otherwise the one in the settings; `nullopt` if neither has
+/// one, for the program's account. Errors: kExitUsage if Google has no key or a key no user name;
+/// kExitBadData for an invalid key file; those of reading the files.
 Expected<std::optional<Account>> accountOfUser(const LookupOptions& options);
 
 }  // namespace vantrel

@@ -24,23 +24,23 @@ namespace {
 using Json = nlohmann::json;
 using Done = std::function<void(Expected<Json> result)>;
 
-/// GeoNames' codes for a request that was understood, and has no answer.
+/// GeoNames' codes for valid requests without a result.
 constexpr std::array kNothingThere = {11, 14, 15};
 
-/// A service that turns one away now may serve another time; an answer without sense stays so.
+/// Temporary errors are kExitUnavailable; an invalid answer or a missing result stays the same.
 ExitCode exitCodeFor(const Error& error) {
-  const bool mayPass =
+  const bool isTemporary =
       error.domain == UrlSession::kErrorDomain ||
       (error.domain == WebServiceRequestOperation::kGeoNamesErrorDomain &&
        std::find(kNothingThere.begin(), kNothingThere.end(), error.code) == kNothingThere.end());
-  return mayPass ? kExitUnavailable : kExitBadData;
+  return isTemporary ? kExitUnavailable : kExitBadData;
 }
 
 const char* serviceName(const WebServiceRequestOperation& operation) {
   return operation.serverType() == WebServiceRequestOperation::kGeoNames ? "GeoNames" : "Google";
 }
 
-/// Turns failures into words for a person.
+/// Converts failures to errors with an exit code and a message.
 class FailureListener : public WebServiceRequestOperationDelegate {
  public:
   explicit FailureListener(Done done) : done_(std::move(done)) {}
@@ -48,7 +48,7 @@ class FailureListener : public WebServiceRequestOperationDelegate {
   void webServiceRequestOperationDidFailWithError(WebServiceRequestOperation& operation,
                                                   const std::optional<Error>& error) override {
     std::string why = error ? error->localizedDescription : operation.serviceMessage().value_or("");
-    if (why.empty()) why = "refused without a reason";
+    if (why.empty()) why = "request rejected without a reason";
     const auto code = error ? exitCodeFor(*error) : kExitUnavailable;
     done_(tl::unexpected(failure(code, serviceName(operation), operation.withoutAccount(why))));
   }
@@ -57,8 +57,8 @@ class FailureListener : public WebServiceRequestOperationDelegate {
   Done done_;
 };
 
-std::shared_ptr<PlaceRequestOperation> makeOperation(const LookupOptions& options,
-                                                     const Done& done) {
+std::shared_ptr<PlaceRequestOperation> createOperation(const LookupOptions& options,
+                                                       const Done& done) {
   if (options.subject == LookupOptions::Subject::kTimeZone) {
     return std::make_shared<GeoNamesTimeZoneOperation>(options.place, [done](const auto& name) {
       done(Json{{"timezone", name ? Json(*name) : Json()}});
@@ -76,12 +76,12 @@ std::shared_ptr<PlaceRequestOperation> makeOperation(const LookupOptions& option
 Expected<Json> lookUp(const LookupOptions& options, const std::optional<Account>& account) {
   QEventLoop loop;
   std::optional<Expected<Json>> result;
-  const Done done = [&](Expected<Json> brought) {
-    result = std::move(brought);
+  const Done done = [&](Expected<Json> received) {
+    result = std::move(received);
     loop.quit();
   };
   const auto listener = std::make_shared<FailureListener>(done);
-  const auto operation = makeOperation(options, done);
+  const auto operation = createOperation(options, done);
   operation->setDelegate(listener);
   if (account) {
     operation->setUsername(account->username);
@@ -90,14 +90,13 @@ Expected<Json> lookUp(const LookupOptions& options, const std::optional<Account>
   if (options.address) operation->setServiceAddress(*options.address);
   QtOperationQueue queue;
   queue.addOperation(operation);
-  // An answer may bring no notice at all.
+  // Google's "OK" without results calls neither the delegate nor the completion.
   QTimer::singleShot(std::chrono::milliseconds(static_cast<int>(options.wait * 1000)), &loop,
                      &QEventLoop::quit);
   loop.exec();
   operation->cancel();
   if (result) return std::move(*result);
-  return tl::unexpected(
-      failure(kExitUnavailable, serviceName(*operation), "no answer came in time"));
+  return tl::unexpected(failure(kExitUnavailable, serviceName(*operation), "no answer in time"));
 }
 
 }  // namespace vantrel

@@ -9,9 +9,11 @@
 
 namespace vantrel {
 
-/// Asks the service and waits for its answer, handling events: {"altitude": metres or null}, or
-/// {"timezone": name or null}. Errors tell an exit code, and the service's own words without the
-/// account. Needs the main queue and the URL session to be installed.
+/// Asks the service and runs an event loop until it answers or `options.wait` has passed. Returns
+/// {"altitude": metres or null} or {"timezone": name or null}. Errors: kExitUnavailable if the
+/// service does not answer or may answer later, otherwise kExitBadData; with the message of the
+/// service, without the account. Main thread only; requires an installed main queue and URL
+/// session.
 Expected<nlohmann::json> lookUp(const LookupOptions& options,
                                 const std::optional<Account>& account);
 

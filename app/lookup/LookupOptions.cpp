@@ -27,7 +27,7 @@ std::optional<double> number(const std::string& text, double least, double most)
 void addDegrees(CLI::App& app, const std::string& name, double& target, double limit) {
   const auto keep = [name, &target, limit](const CLI::results_t& values) {
     const auto degrees = number(values.front(), -limit, limit);
-    if (!degrees) throw CLI::ValidationError(name, "takes degrees");
+    if (!degrees) throw CLI::ValidationError(name, "expected degrees");
     target = *degrees;
     return true;
   };
@@ -40,7 +40,7 @@ void describe(CLI::App& app, LookupOptions& options) {
          "SUBJECT",
          [&options](const std::string& subject) {
            if (subject != "altitude" && subject != "timezone") {
-             throw CLI::ValidationError("SUBJECT", "altitude or timezone");
+             throw CLI::ValidationError("SUBJECT", "expected altitude or timezone");
            }
            options.subject = subject == "altitude" ? LookupOptions::Subject::kAltitude
                                                    : LookupOptions::Subject::kTimeZone;
@@ -52,11 +52,11 @@ void describe(CLI::App& app, LookupOptions& options) {
   addDegrees(app, "LAT", options.place.latitude, kMostLatitude);
   addDegrees(app, "LON", options.place.longitude, kMostLongitude);
   app.add_flag("--google", options.google, "Ask Google, not GeoNames");
-  app.add_option("--username", options.username, "An account of your own");
-  app.add_option("--key-file", options.keyFile, "The file that holds its key");
+  app.add_option("--username", options.username, "Your account");
+  app.add_option("--key-file", options.keyFile, "File with its key");
 }
 
-/// The account goes there: it must not travel in the open, but on this machine.
+/// The request contains the account, so it must be encrypted unless it stays on this machine.
 bool isAllowedAddress(const std::string& text) {
   const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(text), QUrl::StrictMode);
   const bool isLocal = QHostAddress(url.host()).isLoopback();
@@ -87,7 +87,7 @@ Expected<void> LookupOptions::readEnvironment() {
   if (const char* text = std::getenv("VANTREL_LOOKUP_ADDRESS"); text && *text) {
     if (!isAllowedAddress(text)) {
       return tl::unexpected(failure(kExitUsage, "VANTREL_LOOKUP_ADDRESS",
-                                    "allowed are https, and http to this machine"));
+                                    "expected an https address, or http to this machine"));
     }
     address = text;
   }
@@ -96,7 +96,7 @@ Expected<void> LookupOptions::readEnvironment() {
     const auto seconds = number(text, 0, kMostWait);
     if (!seconds) {
       return tl::unexpected(
-          failure(kExitUsage, "VANTREL_LOOKUP_WAIT", "allowed are seconds up to 60"));
+          failure(kExitUsage, "VANTREL_LOOKUP_WAIT", "expected seconds, 0 to 60"));
     }
     wait = *seconds;
   }

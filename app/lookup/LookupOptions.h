@@ -8,7 +8,7 @@
 
 namespace vantrel {
 
-/// What the command line asks for.
+/// The command line and environment of vantrel-lookup.
 struct LookupOptions {
   enum class Subject { kAltitude, kTimeZone };
 
@@ -17,14 +17,14 @@ struct LookupOptions {
   bool google = false;
   std::optional<std::string> username;
   std::optional<std::string> keyFile;  ///< "-" is standard input.
-  /// Instead of the service's own; https, or http to this machine. $VANTREL_LOOKUP_ADDRESS.
+  /// Replaces the address of the service; https, or http to this machine. $VANTREL_LOOKUP_ADDRESS.
   std::optional<std::string> address;
-  /// How long an answer is waited for, in seconds. $VANTREL_LOOKUP_WAIT.
+  /// Seconds to wait for an answer. $VANTREL_LOOKUP_WAIT.
   double wait = 20;
 
-  /// Fills `options`, or gives the exit code to end with at once (help, version, bad usage).
+  /// Fills `options`, or returns the exit code (after --help, --version or a usage error).
   static std::optional<int> parse(int argc, char** argv, LookupOptions& options);
-  /// Takes what the environment says of address and wait.
+  /// Reads `address` and `wait`. Fails with kExitUsage if one is invalid.
   Expected<void> readEnvironment();
 };
 

@@ -49,11 +49,11 @@ int main(int argc, char** argv) {
   vantrel::exitWhenOutOfMemory("vantrel-lookup");
   vantrel::LookupOptions options;
   if (const auto code = vantrel::LookupOptions::parse(argc, argv, options)) return *code;
-  // What goes wrong is told once, in the answer.
+  // Errors are reported once, in the answer.
   vantrel::setLogsEnabled(false);
   const QCoreApplication application(argc, argv);
   const int code = vantrel::run(options);
   std::fflush(stdout);
-  // An orderly end would wait for a name server that is silent.
+  // Returning from main would wait for a name server that does not answer.
   std::_Exit(code);
 }

@@ -41,14 +41,13 @@ RefreshTriggers::RefreshTriggers(const std::filesystem::path& store,
 
 void RefreshTriggers::ignoreStoreChangesSoFar() {
   readStoreWatcher();
-  if (!storeReplaced_) storeSettles_.stop();
+  if (storeWatcher_.pendingChange() == StoreWatcher::Change::kReplaced) return;
+  storeWatcher_.takeChange();
+  storeSettles_.stop();
 }
 
 void RefreshTriggers::armForMidnight() {
-  // The program's present instant may be another than the system's; time passes alike for both.
-  const Date now = Clock::sharedClock().now();
-  const double remaining = nextMidnight(now).timeIntervalSinceDate(now);
-  midnight_.fireAt(systemNow().dateByAddingTimeInterval(remaining));
+  midnight_.fireAt(systemInstant(nextMidnight(Clock::sharedClock().now())));
 }
 
 void RefreshTriggers::readTimer() {
@@ -72,17 +71,13 @@ void RefreshTriggers::readStoreWatcher() {
   const auto change = storeWatcher_.read();
   startStoreLook();
   if (change == StoreWatcher::Change::kNone) return;
-  if (change == StoreWatcher::Change::kReplaced) storeReplaced_ = true;
-  if (storeReplaced_) {
-    storeSettles_.start(kNewStoreSettles);
-  } else if (!storeSettles_.isActive()) {
-    storeSettles_.start(kStoreSettles);
+  if (change == StoreWatcher::Change::kReplaced || !storeSettles_.isActive()) {
+    storeSettles_.start(StoreWatcher::settlingTime(change));
   }
 }
 
 void RefreshTriggers::tellStoreChange() {
-  if (storeReplaced_) {
-    storeReplaced_ = false;
+  if (storeWatcher_.takeChange() == StoreWatcher::Change::kReplaced) {
     emit storeReplaced();
   } else {
     emit storeChanged();

@@ -49,7 +49,6 @@ class RefreshTriggers : public QObject {
   StoreWatcher storeWatcher_;
   QTimer storeLook_;
   QTimer storeSettles_;
-  bool storeReplaced_ = false;
   QFileSystemWatcher zoneFolderWatcher_;
   std::string zoneName_;
 };

@@ -23,9 +23,9 @@ std::string numberText(std::optional<float> value) {
   return {text.data(), written.ptr};
 }
 
-std::string withUnit(std::optional<float> value, const char* before, const char* behind) {
+std::string withUnit(std::optional<float> value, const char* before, const char* after) {
   const std::string number = numberText(value);
-  return number == kUnknown ? number : before + number + behind;
+  return number == kUnknown ? number : before + number + after;
 }
 
 std::string sizeText(std::optional<float> width, std::optional<float> height) {
@@ -36,7 +36,7 @@ Json orNull(std::optional<float> value) {
   return value && std::isfinite(*value) ? Json(decimalOfFloat(*value)) : Json(nullptr);
 }
 
-/// The rows with all columns but the last padded to the widest text of each.
+/// Returns a line for each row, with all columns but the last padded to their widest text.
 std::string aligned(const std::vector<Row>& rows) {
   std::vector<std::size_t> widths(rows.empty() ? 0 : rows.front().size());
   for (const auto& row : rows) {
@@ -44,8 +44,9 @@ std::string aligned(const std::vector<Row>& rows) {
   }
   std::string text;
   for (const auto& row : rows) {
-    for (std::size_t i = 0; i + 1 < row.size(); ++i)
+    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
       text += paddedToCells(row[i], widths[i]) + "  ";
+    }
     text += row.back() + "\n";
   }
   return text;

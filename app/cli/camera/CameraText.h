@@ -10,23 +10,23 @@
 
 namespace vantrel::cli {
 
-/// Cameras as people and programs read them; numbers are the shortest that single precision reads
-/// back, lengths millimetres. Texts are safe for a terminal.
+/// Cameras and sensors as text and JSON. Numbers are the shortest that single precision reads back,
+/// lengths millimetres. Texts are safe for a terminal.
 
 Json jsonOfCamera(const CustomCamera& camera);
 Json jsonOfSensor(const SensorFormat& sensor);
 
-/// One camera with everything that is known of it, one line each.
+/// Returns all values of a camera, one a line.
 std::string cameraDetails(const CustomCamera& camera, const Console& console);
 
-/// One line for each camera, in columns: model, sensor, diagonal, circle of confusion, crop factor,
-/// identifier.
+/// Returns one line for each camera, in columns: model, sensor, diagonal, circle of confusion, crop
+/// factor, identifier (without one, the URI).
 std::string cameraTable(const CustomCamera::Cameras& cameras, const Console& console);
 
-/// One line for each sensor, in columns: name, size.
+/// Returns one line for each sensor, in columns: name, size.
 std::string sensorTable(const std::vector<SensorFormat>& sensors);
 
-/// One line that tells cameras of the same model apart.
+/// Returns one line that distinguishes cameras of the same model.
 std::string candidateText(const CustomCamera& camera);
 
 }  // namespace vantrel::cli

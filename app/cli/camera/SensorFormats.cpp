@@ -11,9 +11,6 @@ namespace vantrel::cli {
 
 namespace {
 
-/// Shorter words are in too many names.
-constexpr std::size_t kShortestPart = 3;
-
 float sizeOf(const ManagedObject& format, const char* key) {
   const Value value = format.valueForKey(key);
   const auto* size = std::get_if<double>(&value);
@@ -26,7 +23,8 @@ std::string listed(const std::vector<SensorFormat>& formats) {
   return names;
 }
 
-/// The last name that the text goes on from, as "aps-c 1.5x" does from "APS-C", else the nearest.
+/// Suggests the last name that `text` begins with, as "aps-c 1.5x" does with "APS-C", otherwise the
+/// most similar one.
 std::string suggestion(const std::string& text, const std::vector<SensorFormat>& formats) {
   const std::string wanted = folded(text);
   std::vector<std::string> names;
@@ -61,6 +59,8 @@ Expected<SensorFormat> sensorNamed(const std::string& option, const std::string&
   const auto formats = sensorFormats();
   if (!formats) return tl::unexpected(formats.error());
   const std::string wanted = folded(text);
+  // Shorter words are part of too many names.
+  constexpr std::size_t kShortestPart = 3;
   std::vector<SensorFormat> matches;
   for (const auto& format : *formats) {
     const std::string name = folded(format.name);
@@ -70,10 +70,9 @@ Expected<SensorFormat> sensorNamed(const std::string& option, const std::string&
     }
   }
   if (matches.size() == 1) return matches.front();
-  return tl::unexpected(failure(
-      kExitUsage, option,
-      matches.empty() ? "no sensor \"" + text + "\"; " + suggestion(text, *formats)
-                      : "more than one sensor matches \"" + text + "\": " + listed(matches)));
+  return refused(option, text,
+                 matches.empty() ? "sensor not found; " + suggestion(text, *formats)
+                                 : "more than one sensor; expected one of " + listed(matches));
 }
 
 }  // namespace vantrel::cli

@@ -14,11 +14,12 @@ struct SensorFormat {
   float height = 0;
 };
 
-/// Those that are delivered with the program, large to small within each kind.
+/// Returns the formats in the bundle, large to small within each kind.
 Expected<std::vector<SensorFormat>> sensorFormats();
 
-/// The one of that name, or the only one whose name has `text` in it; case, spaces and hyphens do
-/// not count, and an "x" may stand for the sign. kExitUsage when there is none, or several.
+/// Returns the format named `text`, or the only one whose name contains it; ignores case, spaces
+/// and hyphens, and accepts "x" for "×". Fails with kExitUsage if none or several match; the
+/// message starts with the name of the `option`.
 Expected<SensorFormat> sensorNamed(const std::string& option, const std::string& text);
 
 }  // namespace vantrel::cli

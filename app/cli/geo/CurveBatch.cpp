@@ -23,10 +23,10 @@ namespace {
 constexpr std::size_t kBlock = 1 << 18;
 constexpr std::string_view kBlanks = " \t\r\v\f";
 
-/// Calls `answer` for each line, and `pause`, which may end it all, whenever no whole line is left
-/// of what was read. Of a line longer than a block only the beginning is seen. 0, or an errno.
-template <typename Answer, typename Pause>
-int forEachLine(int file, Answer answer, Pause pause) {
+/// Calls `answer` for each line of `file`, and `flush` after the complete lines of each read; stops
+/// if `flush` returns false. Lines longer than a block are cut. Returns 0 or an errno.
+template <typename Answer, typename Flush>
+int forEachLine(int file, Answer answer, Flush flush) {
   std::vector<char> block(kBlock);
   std::size_t filled = 0;
   bool isCut = false;
@@ -46,13 +46,13 @@ int forEachLine(int file, Answer answer, Pause pause) {
       isCut = true;
       rest = {};
     }
-    if (!pause() || isEnd) return 0;
+    if (!flush() || isEnd) return 0;
     filled = rest.size();
     if (filled > 0) std::memmove(block.data(), rest.data(), filled);
   }
 }
 
-/// The words of a line; fails when they are not as many as the array has places.
+/// Splits a line into words; fails unless there are six.
 Expected<PinPairTexts> wordsOf(std::string_view line) {
   PinPairTexts words;
   std::size_t count = 0;
@@ -66,7 +66,7 @@ Expected<PinPairTexts> wordsOf(std::string_view line) {
   }
   if (count == words.size()) return words;
   return tl::unexpected(
-      failure(kExitBadData, "values", "expected 6, got " + std::to_string(count)));
+      failure(kExitBadData, "two points", "expected 6 values, got " + std::to_string(count)));
 }
 
 class Batch {
@@ -80,16 +80,17 @@ class Batch {
     const auto pins = wordsOf(line).and_then(
         [&](const PinPairTexts& words) { return pinPairFromArguments(words, isLonLat_); });
     if (!pins) {
-      refuse(pins.error().localizedDescription);
+      reject(pins.error().localizedDescription);
       return;
     }
-    const GeodeticCurve curve = curveOf(*pins);
-    const Direction direction = directionOf(*pins, curve);
-    if (direction != Direction::kKnown && withoutDirection_++ == 0) firstWithout_ = line_;
+    const PinCurve curve(*pins);
+    if (curve.direction != PinCurve::Direction::kKnown && withoutDirection_++ == 0) {
+      firstWithout_ = line_;
+    }
     if (console_.isJson()) {
-      answers_ += jsonOfCurve(curve, direction).dump() + "\n";
+      answers_ += jsonOfCurve(curve).dump() + "\n";
     } else {
-      appendCurveLine(answers_, curve, direction);
+      appendCurveLine(answers_, curve);
     }
   }
 
@@ -111,7 +112,7 @@ class Batch {
   }
 
  private:
-  void refuse(const std::string& why) {
+  void reject(const std::string& why) {
     exitCode_ = kExitBadData;
     answers_ += console_.isJson() ? jsonLine({{"line", line_}, {"error", why}}) : "\n";
     flush();

@@ -6,10 +6,11 @@
 
 namespace vantrel::cli {
 
-/// Answers each line of `file` ("-" is standard input) with one line: the curve between the two
-/// pins that it names. Blank lines and those that begin with # are passed over. A line that makes
-/// no sense is told, answered with an empty line (an object with "line" and "error" in JSON), and
-/// ends it all with kExitBadData. Lines are answered as they come: a program may talk to this one.
+/// Prints the curve between the two points on each line of `file` ("-" is standard input), one line
+/// each. Skips blank lines and those that begin with #. An invalid line is reported, its answer is
+/// empty (in JSON an object with "line" and "error"), and the exit code becomes kExitBadData.
+/// Answers are flushed whenever all lines read so far are answered, for callers that write to a
+/// pipe and wait. Returns the exit code.
 int answerCurves(const std::string& file, bool isLonLat, Console& console);
 
 }  // namespace vantrel::cli

@@ -5,86 +5,102 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "cli/JsonText.h"
 #include "common/TerminalText.h"
+#include "geo/GeodeticCalculator.h"
 
 namespace vantrel::cli {
 
 namespace {
 
-constexpr const char* kNone = "--";
+using Direction = PinCurve::Direction;
+
 /// A millimetre on the ground.
 constexpr int kDegreeDecimals = 8;
 constexpr double kLeastDegrees = 0.5e-8;
-/// What the earth's axes are given with.
+/// The precision of the earth's axes.
 constexpr int kMetreDecimals = 4;
-/// The largest double has 309 digits before the point.
-constexpr std::size_t kMostCharacters = 336;
 
-void appendFixed(std::string& text, double number, int decimals) {
-  std::array<char, kMostCharacters> digits;
+/// Appends "--" if `number` is not finite. `decimals` are passed to std::to_chars, if any.
+template <typename Number, typename... Decimals>
+void appendFixed(std::string& text, Number number, Decimals... decimals) {
+  if (!std::isfinite(number)) {
+    text += kUnknown;
+    return;
+  }
+  // The largest double has 309 digits before the point.
+  std::array<char, 336> digits;
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                                 std::chars_format::fixed, decimals);
+                                 std::chars_format::fixed, decimals...);
   text.append(digits.data(), end.ptr);
 }
 
 void appendDegrees(std::string& text, double degrees) {
-  if (!std::isfinite(degrees)) {
-    text += kNone;
-  } else {
-    // Rounding leaves no sign before a zero.
-    appendFixed(text, std::abs(degrees) < kLeastDegrees ? 0 : degrees, kDegreeDecimals);
-  }
+  // No sign before a zero.
+  appendFixed(text, std::abs(degrees) < kLeastDegrees ? 0 : degrees, kDegreeDecimals);
 }
 
-/// 0 to 360, where 360 itself is never reached by rounding.
+/// Rounds to below 360.
 void appendAzimuth(std::string& text, double azimuth, Direction direction) {
   constexpr double kRoundedToFullTurn = 360 - kLeastDegrees;
   if (direction == Direction::kKnown) {
     appendDegrees(text, azimuth < kRoundedToFullTurn ? azimuth : 0);
   } else {
-    text += kNone;
+    text += kUnknown;
   }
 }
 
 void appendDistance(std::string& text, double distance) {
-  if (!std::isfinite(distance)) {
-    text += kNone;
-    return;
+  appendFixed(text, static_cast<float>(distance));
+}
+
+std::string withUnit(std::string number, const char* unit) {
+  return number == kUnknown ? number : number + unit;
+}
+
+Direction directionOf(const PinPair& pins, const GeodeticCurve& curve) {
+  constexpr double kFullTurn = 360;
+  const bool isOneMeridian =
+      std::remainder(pins.source.longitude - pins.destination.longitude, kFullTurn) == 0;
+  if (isOneMeridian && pins.source.latitude == pins.destination.latitude) {
+    return Direction::kSamePoint;
   }
-  std::array<char, kMostCharacters> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
-                                 static_cast<float>(distance), std::chars_format::fixed);
-  text.append(digits.data(), end.ptr);
+  return curve.converged() || isOneMeridian ? Direction::kKnown : Direction::kNearlyAntipodal;
 }
 
 }  // namespace
 
-std::string curveDetails(const GeodeticCurve& curve, Direction direction) {
+PinCurve::PinCurve(const PinPair& pins)
+    : curve(GeodeticCalculator().geodeticCurveBetweenSource(
+          pins.source, pins.sourceAltitude, pins.destination, pins.destinationAltitude)),
+      direction(directionOf(pins, curve)) {}
+
+std::string curveDetails(const PinCurve& pair, const Console& console) {
   const auto azimuth = [&](double degrees) {
     std::string text;
-    appendAzimuth(text, degrees, direction);
-    return direction == Direction::kKnown ? text + "°" : text;
+    appendAzimuth(text, degrees, pair.direction);
+    return withUnit(text, "°");
   };
   std::string distance;
-  appendDistance(distance, curve.distance());
-  return "Azimuth at the start  " + azimuth(curve.startAzimuth()) + "\nAzimuth back          " +
-         azimuth(curve.endAzimuth()) + "\nDistance              " + distance +
-         " m\nApparent elevation    " + degreesText(curve.apparentElevation()) + "\n";
+  appendDistance(distance, pair.curve.distance());
+  return console.labelled({{"Azimuth at the start", azimuth(pair.curve.startAzimuth())},
+                           {"Azimuth back", azimuth(pair.curve.endAzimuth())},
+                           {"Distance", distance + " m"},
+                           {"Apparent elevation", degreesText(pair.curve.apparentElevation())}});
 }
 
-void appendCurveLine(std::string& text, const GeodeticCurve& curve, Direction direction) {
-  appendAzimuth(text, curve.startAzimuth(), direction);
+void appendCurveLine(std::string& text, const PinCurve& pair) {
+  appendAzimuth(text, pair.curve.startAzimuth(), pair.direction);
   text += ' ';
-  appendAzimuth(text, curve.endAzimuth(), direction);
+  appendAzimuth(text, pair.curve.endAzimuth(), pair.direction);
   text += ' ';
-  appendDistance(text, curve.distance());
+  appendDistance(text, pair.curve.distance());
   text += ' ';
-  appendDegrees(text, curve.apparentElevation());
+  appendDegrees(text, pair.curve.apparentElevation());
   text += '\n';
 }
 
-Json jsonOfCurve(const GeodeticCurve& curve, Direction direction) {
+Json jsonOfCurve(const PinCurve& pair) {
+  const auto& [curve, direction] = pair;
   const bool isKnown = direction == Direction::kKnown;
   const auto azimuth = [&](double degrees) { return isKnown ? Json(degrees) : Json(nullptr); };
   return {
@@ -99,14 +115,13 @@ Json jsonOfCurve(const GeodeticCurve& curve, Direction direction) {
 std::string degreesText(double degrees) {
   std::string text;
   appendDegrees(text, degrees);
-  return std::isfinite(degrees) ? text + "°" : text;
+  return withUnit(std::move(text), "°");
 }
 
 std::string metresText(double metres) {
-  if (!std::isfinite(metres)) return kNone;
   std::string text;
   appendFixed(text, metres, kMetreDecimals);
-  return text + " m";
+  return withUnit(std::move(text), " m");
 }
 
 }  // namespace vantrel::cli

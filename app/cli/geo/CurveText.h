@@ -1,25 +1,39 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
-#include <optional>
 #include <string>
 
+#include "cli/Console.h"
+#include "cli/JsonText.h"
 #include "cli/geo/PinPair.h"
+#include "geo/GeodeticCurve.h"
 
 namespace vantrel::cli {
 
-/// Azimuths are "--" (null in JSON) where there is no direction.
+/// The curve between two points. Azimuths are "--" (null in JSON) unless the direction is known.
+struct PinCurve {
+  enum class Direction {
+    kKnown,
+    kSamePoint,
+    kNearlyAntipodal,  ///< The iteration did not converge; the distance is inexact too.
+  };
 
-/// For people: one line for each value.
-std::string curveDetails(const GeodeticCurve& curve, Direction direction);
+  /// Azimuths along one meridian, 0 and 180, are exact although the iteration does not converge.
+  explicit PinCurve(const PinPair& pins);
 
-/// Adds one line, "AZIMUTH1 AZIMUTH2 DISTANCE ELEVATION": degrees with eight decimals, metres with
-/// the digits that single precision has.
-void appendCurveLine(std::string& text, const GeodeticCurve& curve, Direction direction);
+  GeodeticCurve curve;
+  Direction direction = Direction::kKnown;
+};
 
-nlohmann::ordered_json jsonOfCurve(const GeodeticCurve& curve, Direction direction);
+/// Returns one labelled line for each value.
+std::string curveDetails(const PinCurve& pair, const Console& console);
 
-/// "40.44309401°" and "6893166.5 m"; "--" for what is not finite.
+/// Appends one line, "AZIMUTH1 AZIMUTH2 DISTANCE ELEVATION": degrees with eight decimals, metres
+/// with as many digits as single precision has.
+void appendCurveLine(std::string& text, const PinCurve& pair);
+
+Json jsonOfCurve(const PinCurve& pair);
+
+/// Returns "40.44309401°" or "6893166.5 m"; "--" if the number is not finite.
 std::string degreesText(double degrees);
 std::string metresText(double metres);
 

@@ -18,7 +18,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// A number of the answer, with what people and programs call it.
+/// A number of the answer, its label and its JSON key.
 struct Answer {
   const char* label;
   const char* key;
@@ -28,18 +28,19 @@ struct Answer {
 
 int print(const std::vector<Answer>& answers, Console& console) {
   Json json = Json::object();
-  std::string text;
+  Console::LabelledValues lines;
   for (const auto& answer : answers) {
-    constexpr std::size_t kLabelWidth = 22;
     json[answer.key] = answer.value;
-    text +=
-        (answers.size() > 1 ? paddedToCells(answer.label, kLabelWidth) : "") + answer.text + "\n";
+    lines.emplace_back(answer.label, answer.text);
   }
-  console.print(console.isJson() ? jsonText(json) : text);
+  console.print(console.isJson()    ? jsonText(json)
+                : lines.size() == 1 ? lines.front().second + "\n"
+                                    : console.labelled(lines));
   return kExitDone;
 }
 
-void warnWithoutDirection(Direction direction, Console& console) {
+void warnWithoutDirection(PinCurve::Direction direction, Console& console) {
+  using Direction = PinCurve::Direction;
   if (direction == Direction::kSamePoint) {
     console.tell("vantrel: geo curve: no azimuths: both points are the same\n");
   } else if (direction == Direction::kNearlyAntipodal) {
@@ -61,7 +62,7 @@ int showCurve(const CurveOptions& options, Console& console) {
   if (options.batch) {
     if (options.points.empty()) return answerCurves(*options.batch, options.isLonLat, console);
     return console.fail(
-        failure(kExitUsage, options.points.front(), "points are read from the file with --batch"));
+        failure(kExitUsage, options.points.front(), "with --batch, points are read from the file"));
   }
   if (options.points.size() != kCurveArguments) {
     return console.fail(failure(kExitUsage, "geo curve",
@@ -72,11 +73,9 @@ int showCurve(const CurveOptions& options, Console& console) {
   std::copy(options.points.begin(), options.points.end(), texts.begin());
   const auto pins = pinPairFromArguments(texts, options.isLonLat);
   if (!pins) return console.fail(pins.error());
-  const GeodeticCurve curve = curveOf(*pins);
-  const Direction direction = directionOf(*pins, curve);
-  console.print(console.isJson() ? jsonText(jsonOfCurve(curve, direction))
-                                 : curveDetails(curve, direction));
-  warnWithoutDirection(direction, console);
+  const PinCurve curve(*pins);
+  console.print(console.isJson() ? jsonText(jsonOfCurve(curve)) : curveDetails(curve, console));
+  warnWithoutDirection(curve.direction, console);
   return kExitDone;
 }
 
@@ -85,9 +84,9 @@ void addCurveOptions(CLI::App& parser, CurveOptions& options) {
       std::pair{"LAT1", "Latitude of the first point: -90 to 90 degrees, or as 41.39N"},
       std::pair{"LON1", "Longitude: -540 to 540 degrees, or as 2.17E"},
       std::pair{"ALT1", "Altitude: metres"},
-      std::pair{"LAT2", "The second point likewise"},
-      std::pair{"LON2", ""},
-      std::pair{"ALT2", ""},
+      std::pair{"LAT2", "Latitude of the second point"},
+      std::pair{"LON2", "Its longitude"},
+      std::pair{"ALT2", "Its altitude"},
   };
   for (const auto& [name, description] : kPositionals) {
     const auto keep = [&options](const CLI::results_t& values) {
@@ -96,14 +95,13 @@ void addCurveOptions(CLI::App& parser, CurveOptions& options) {
     };
     parser.add_option(name, keep, description)->type_name("");
   }
-  parser.add_flag("--lonlat", options.isLonLat, "Longitudes come before latitudes");
+  parser.add_flag("--lonlat", options.isLonLat, "Longitudes are before latitudes");
   const auto keepBatch = [&options](const CLI::results_t& values) {
     options.batch = values.empty() || values.front().empty() ? "-" : typedText(values.front());
     return true;
   };
   parser
-      .add_option("--batch", keepBatch,
-                  "Answer each line of a file, or of standard input, with one line")
+      .add_option("--batch", keepBatch, "Read points from a file or standard input, a pair a line")
       ->expected(0, 1)
       ->type_name("[FILE]");
 }
@@ -118,7 +116,7 @@ struct SightOptions {
   Number blackAltitude;
 };
 
-/// The options of both line-of-sight commands, which differ in one.
+/// The options of `geo height` and `geo elevation`, which differ in one.
 void addSightOptions(CLI::App& parser, SightOptions& options, const char* name,
                      const char* valueName, const char* description) {
   const auto add = [&](const char* option, Number& target, const char* unit, const char* what) {
@@ -168,13 +166,13 @@ void fillGeoCommands(CLI::App& parser, Session& session) {
                  "Degrees, or as 41.39N");
   const auto height = addCommand(
       parser, session, "height",
-      "How high above the object's terrain the observer sees the sun or moon pass", &showHeight);
-  addSightOptions(height.parser, height.options, "--sun-moon-elevation", "DEGREES",
+      "Height above the object's terrain at which the observer sees the sun or moon", &showHeight);
+  addSightOptions(height.parser, height.given, "--sun-moon-elevation", "DEGREES",
                   "Of the sun or moon above the horizon");
   const auto elevation = addCommand(
       parser, session, "elevation",
-      "At which angle the observer sees a height above the object's terrain", &showElevation);
-  addSightOptions(elevation.parser, elevation.options, "--apparent-height", "METRES",
+      "Angle at which the observer sees a height above the object's terrain", &showElevation);
+  addSightOptions(elevation.parser, elevation.given, "--apparent-height", "METRES",
                   "Above the object's terrain");
 }
 

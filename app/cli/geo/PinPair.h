@@ -6,11 +6,10 @@
 
 #include "base/Error.h"
 #include "base/LocationCoordinate2D.h"
-#include "geo/GeodeticCurve.h"
 
 namespace vantrel::cli {
 
-/// Two pins as they are typed: latitude, longitude, altitude of the source, then the destination.
+/// Two points with altitudes in metres.
 struct PinPair {
   LocationCoordinate2D source;
   double sourceAltitude = 0;
@@ -18,25 +17,15 @@ struct PinPair {
   double destinationAltitude = 0;
 };
 
+/// LAT1 LON1 ALT1 LAT2 LON2 ALT2.
 using PinPairTexts = std::array<std::string_view, 6>;
 
-/// Latitudes are -90 to 90, longitudes -540 to 540 degrees; N, S, E or W behind the number may
-/// stand for the sign. Altitudes are metres. `isLonLat` says that longitudes come first.
-/// kExitUsage, naming the argument and what is allowed.
-Expected<PinPair> pinPairFromArguments(const PinPairTexts& texts, bool isLonLat);
+/// Parses two points. Latitudes are -90 to 90 and longitudes -540 to 540 degrees; the suffixes N,
+/// S, E and W replace the sign. `isLonLat`: each longitude is before its latitude. Fails with
+/// kExitUsage; the message has the name of the argument and what is expected.
+Expected<PinPair> pinPairFromArguments(PinPairTexts texts, bool isLonLat);
 
-/// -90 to 90, or 0 to 90 with N or S behind. kExitUsage.
+/// Parses a latitude: -90 to 90, or 0 to 90 with the suffix N or S. Fails with kExitUsage.
 Expected<double> hemisphereLatitudeFromArgument(const std::string& name, const std::string& text);
-
-GeodeticCurve curveOf(const PinPair& pins);
-
-enum class Direction {
-  kKnown,
-  kSamePoint,        ///< No point lies in any direction from itself.
-  kNearlyAntipodal,  ///< Found too imprecisely to tell one; the distance is rough as well.
-};
-/// What the azimuths of the pair's curve are worth. Those along one meridian, 0 and 180, are exact
-/// though the iteration never settles for them.
-Direction directionOf(const PinPair& pins, const GeodeticCurve& curve);
 
 }  // namespace vantrel::cli

@@ -23,21 +23,22 @@ template <int kLeast, int kMost>
 Expected<int> countFromArgument(const std::string& name, const std::string& text) {
   const auto count = integerFromArgument(name, text);
   if (count && *count >= kLeast && *count <= kMost) return static_cast<int>(*count);
-  return invalidArgument(
-      name, text, "an integer from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
+  return refused(
+      name, text,
+      "expected a whole number from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
 }
 
 Expected<std::int32_t> systemFromArgument(const std::string& name, const std::string& text) {
   if (text == "metric") return DistanceUnitsManager::kMetric;
   if (text == "imperial") return DistanceUnitsManager::kImperial;
-  return invalidArgument(name, text, "metric or imperial");
+  return refused(name, text, "expected metric or imperial");
 }
 
 const char* systemName(const DistanceUnitsManager& manager) {
   return manager.currentUnits() == DistanceUnitsManager::kMetric ? "metric" : "imperial";
 }
 
-/// The manager, once it is known that the choice of units can be read.
+/// Returns the manager; fails if the settings cannot be read.
 Expected<DistanceUnitsManager*> unitsManager() {
   return settingsForReading().map([](auto*) { return &DistanceUnitsManager::sharedInstance(); });
 }
@@ -75,7 +76,7 @@ int showUnits(Console& console) {
 int setUnits(const std::optional<std::int32_t>& units, Console& console) {
   return changeSettings(console, [&](UserDefaults& settings) -> Expected<void> {
     auto& manager = DistanceUnitsManager::sharedInstance();
-    // What is chosen already is not written, so that damaged settings would stay as they are.
+    // Setting the same units writes nothing, so that damaged settings would go unnoticed.
     if (manager.currentUnits() == units) return settings.checkReadable();
     manager.setCurrentUnits(*units);
     return {};
@@ -89,7 +90,7 @@ Expected<void> checkUnit(const DistanceUnitsManager& manager, const char* option
   if (!name || manager.indexOfUnit(*name) != -1) return {};
   std::string names;
   for (const auto& unit : manager.units()) names += (names.empty() ? "" : ", ") + unit.name();
-  return invalidArgument(option, *name, "one of " + names);
+  return refused(option, *name, "expected one of " + names);
 }
 
 struct BestRequest {
@@ -145,29 +146,29 @@ int showFraction(const Length& length, Console& console) {
 void fillUnitsCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
   addCommand(parser, session, "show", "Show the chosen system and its units", &showUnits);
-  const auto [set, system] = addCommand(
-      parser, session, "set", "Choose the system, for all programs of the group", &setUnits);
+  const auto [set, system] =
+      addCommand(parser, session, "set",
+                 "Choose the system, for all programs that share the settings", &setUnits);
   addValueOption(set, "SYSTEM", system, &systemFromArgument, "metric|imperial", "The system");
 
   constexpr const char* kInBaseUnits = "Metres, or feet while units are imperial";
   const auto [best, limits] =
-      addCommand(parser, session, "best", "Name the unit that a length reads best in", &showBest);
+      addCommand(parser, session, "best", "Show the unit that suits a length best", &showBest);
   addValueOption(best, "VALUE", limits.length, &floatFromArgument, "", kInBaseUnits);
-  addTextOption(best, "--min", limits.least, "UNIT", "No smaller unit than this");
-  addTextOption(best, "--max", limits.most, "UNIT", "No larger unit than this");
+  addTextOption(best, "--min", limits.least, "UNIT", "Smallest unit");
+  addTextOption(best, "--max", limits.most, "UNIT", "Largest unit");
 
   const auto [format, form] =
-      addCommand(parser, session, "format", "Write a length with its unit", &showFormatted);
+      addCommand(parser, session, "format", "Format a length with its unit", &showFormatted);
   addValueOption(format, "VALUE", form.length, &floatFromArgument, "", kInBaseUnits);
   addValueOption(format, "--decimals", form.decimals, &countFromArgument<0, kMostDecimals>, "COUNT",
-                 "At most so many digits behind the point (1)");
+                 "Most digits after the point (1)");
   addValueOption(format, "--levels", form.levels, &countFromArgument<1, kMostLevels>, "COUNT",
-                 "At most so many units, as in 1km 250m (1)");
+                 "Most units, as two in 1km 250m (1)");
 
-  const auto [fraction, inches] = addCommand(parser, session, "fraction",
-                                             "The nearest thirty-second of an inch", &showFraction);
-  addValueOption(fraction, "VALUE", inches, &floatFromArgument, "",
-                 "Inches, 0 to 1; nearer ends stand for what lies outside");
+  const auto [fraction, inches] = addCommand(
+      parser, session, "fraction", "Show the nearest thirty-second of an inch", &showFraction);
+  addValueOption(fraction, "VALUE", inches, &floatFromArgument, "", "Inches; clamped to 0 to 1");
 }
 
 }  // namespace vantrel::cli

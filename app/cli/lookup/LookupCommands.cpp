@@ -13,7 +13,7 @@ namespace vantrel::cli {
 
 namespace {
 
-struct Question {
+struct LookupRequest {
   std::optional<double> latitude;
   std::optional<double> longitude;
   PlaceService service;
@@ -21,68 +21,67 @@ struct Question {
   LocationCoordinate2D place() const { return {*latitude, *longitude}; }
 };
 
-Json jsonOfAnswer(const Question& question, const char* key, Json value) {
-  return {{"latitude", *question.latitude},
-          {"longitude", *question.longitude},
+Json jsonOfAnswer(const LookupRequest& request, const char* key, Json value) {
+  return {{"latitude", *request.latitude},
+          {"longitude", *request.longitude},
           {key, std::move(value)},
-          {"service", question.service.google ? "google" : "geonames"}};
+          {"service", request.service.google ? "google" : "geonames"}};
 }
 
-int showAltitude(const Question& question, Console& console) {
-  // They say in which units, and are asked before anybody far away is.
+int showAltitude(const LookupRequest& request, Console& console) {
+  // The settings choose the units; check them before any network request.
   const auto settings = settingsForReading();
   if (!settings) return console.fail(settings.error());
-  const auto found = altitudeOfPlace(question.place(), question.service);
+  const auto found = altitudeOfPlace(request.place(), request.service);
   if (!found) return console.fail(found.error());
   if (!found->has_value()) {
     return console.fail(
-        failure(kExitUnavailable, "lookup altitude", "the service knows none there"));
+        failure(kExitUnavailable, "lookup altitude", "the service knows no altitude there"));
   }
   const float altitude = **found;
   console.print(console.isJson()
-                    ? jsonText(jsonOfAnswer(question, "altitude", jsonOfAltitude(altitude)))
+                    ? jsonText(jsonOfAnswer(request, "altitude", jsonOfAltitude(altitude)))
                     : PinLocation().stringForAltitude(altitude) + "\n");
   return kExitDone;
 }
 
-int showTimeZone(const Question& question, Console& console) {
-  const auto zone = timeZoneOfPlace(question.place(), question.service);
+int showTimeZone(const LookupRequest& request, Console& console) {
+  const auto zone = timeZoneOfPlace(request.place(), request.service);
   if (!zone) return console.fail(zone.error());
-  console.print(console.isJson() ? jsonText(jsonOfAnswer(question, "timezone", zone->name()))
+  console.print(console.isJson() ? jsonText(jsonOfAnswer(request, "timezone", zone->name()))
                                  : zone->name() + "\n");
   return kExitDone;
 }
 
-/// Gives the option that names an account.
-CLI::Option* addQuestion(CLI::App& parser, Question& question) {
-  addValueOption(parser, "LAT", question.latitude, &latitudeFromArgument, "",
+/// Returns the option --username.
+CLI::Option* addRequestOptions(CLI::App& parser, LookupRequest& request) {
+  addValueOption(parser, "LAT", request.latitude, &latitudeFromArgument, "",
                  "Latitude: -90 to 90 degrees, north positive");
-  addValueOption(parser, "LON", question.longitude, &longitudeFromArgument, "",
+  addValueOption(parser, "LON", request.longitude, &longitudeFromArgument, "",
                  "Longitude: -180 to 180 degrees, east positive");
-  addTextOption(parser, "--key-file", question.service.keyFile, "FILE",
-                "Holds the key of your own account on its first line; - is standard input");
-  return addValueOption(parser, "--username", question.service.username, &filledTextFromArgument,
-                        "NAME", "Your own account at GeoNames, instead of the program's");
+  addTextOption(parser, "--key-file", request.service.keyFile, "FILE",
+                "File with the key of your account on its first line; - is standard input");
+  return addValueOption(parser, "--username", request.service.username, &filledTextFromArgument,
+                        "NAME", "Your account at GeoNames, instead of the program's");
 }
 
-constexpr const char* kWhoIsAsked =
-    "The place is sent to secure.geonames.org (or maps.googleapis.com), and to nobody else.\n"
-    "An account for every lookup: vantrel defaults write --standard lookup_username NAME,\n"
-    "and likewise lookup_keyFile, lookup_googleKeyFile: the files that hold your keys.";
+constexpr const char* kFooter =
+    "Only secure.geonames.org (or maps.googleapis.com) receives the place.\n"
+    "To use your account always: vantrel defaults write --standard lookup_username NAME,\n"
+    "and likewise lookup_keyFile and lookup_googleKeyFile, the files with your keys.";
 
 }  // namespace
 
 void fillLookupCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  parser.footer(kWhoIsAsked);
-  const auto [altitude, asked] =
-      addCommand(parser, session, "altitude", "The altitude of the ground there", &showAltitude);
-  auto* username = addQuestion(altitude, asked);
-  altitude.add_flag("--google", asked.service.google, "Ask Google; needs a key of your own")
+  parser.footer(kFooter);
+  const auto [altitude, request] =
+      addCommand(parser, session, "altitude", "Show the altitude of the ground", &showAltitude);
+  auto* username = addRequestOptions(altitude, request);
+  altitude.add_flag("--google", request.service.google, "Ask Google; requires your own key")
       ->excludes(username);
-  const auto zone =
-      addCommand(parser, session, "timezone", "The time zone that it lies in", &showTimeZone);
-  addQuestion(zone.parser, zone.options);
+  const auto zone = addCommand(parser, session, "timezone", "Show the time zone", &showTimeZone);
+  addRequestOptions(zone.parser, zone.given);
 }
 
 }  // namespace vantrel::cli

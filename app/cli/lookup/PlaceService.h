@@ -9,24 +9,25 @@
 
 namespace vantrel::cli {
 
-/// What a web service knows of a place. It is asked by vantrel-lookup, a program of its own, so
-/// that no other command pays for the network. Nothing else in this program reaches it.
+/// Lookups: requests to a web service about a place. They run vantrel-lookup and block until it
+/// exits; this program itself links no network library. Errors are those of vantrel-lookup;
+/// kExitUnavailable if it or the service is not available.
 
-/// Who is asked, and with whose account; by default GeoNames, with that of the settings.
+/// The service and account to use; by default GeoNames with the account of the settings.
 struct PlaceService {
   bool google = false;
   std::optional<std::string> username;
   std::optional<std::string> keyFile;
 };
 
-/// Metres; nothing where the service knows none. kExitUnavailable when it does not answer.
+/// Returns metres; `nullopt` if the service knows no altitude there.
 Expected<std::optional<float>> altitudeOfPlace(LocationCoordinate2D place,
                                                const PlaceService& service = {});
 
-/// One of the system's time-zone database; kExitBadData for a name that is not in it.
+/// Fails with kExitBadData unless the system's time-zone database has the zone.
 Expected<TimeZone> timeZoneOfPlace(LocationCoordinate2D place, const PlaceService& service = {});
 
-/// The word that asks for a value to be looked up.
+/// The value of an option that requests a lookup.
 inline constexpr const char* kLookUp = "auto";
 
 }  // namespace vantrel::cli

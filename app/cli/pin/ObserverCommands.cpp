@@ -11,7 +11,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// What `observer set` is given; nothing stays as it is.
+/// The options of `observer set`; `nullopt` keeps a value.
 struct ObserverChanges {
   PinChanges pin;
   std::optional<double> horizonLatitude;
@@ -34,7 +34,7 @@ Expected<void> apply(const ObserverChanges& changes, VTObserver& observer) {
   if (isNew && changes.horizonLatitude.has_value() != changes.horizonLongitude.has_value()) {
     return tl::unexpected(
         failure(kExitUsage, "observer set",
-                "there is no horizon yet; give --horizon-latitude and --horizon-longitude"));
+                "no horizon is stored; give --horizon-latitude and --horizon-longitude"));
   }
   horizon.latitude = changes.horizonLatitude.value_or(horizon.latitude);
   horizon.longitude = changes.horizonLongitude.value_or(horizon.longitude);
@@ -84,23 +84,24 @@ int showObserver(Console& console) {
 
 void fillObserverCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  addCommand(parser, session, "show", "Show the stored observer, or what a fresh one is",
+  addCommand(parser, session, "show", "Show the stored observer, or the default one",
              &showObserver);
   const auto [set, changes] =
-      addCommand(parser, session, "set", "Change what is given, and nothing else", &setObserver);
+      addCommand(parser, session, "set", "Change the given values of the observer", &setObserver);
   addPinOptions(set, changes.pin);
   CLI::Option* const horizon[] = {
       addValueOption(set, "--horizon-latitude", changes.horizonLatitude, &latitudeFromArgument,
-                     "DEGREES", "Of the point of the horizon"),
+                     "DEGREES", "Latitude of the horizon point"),
       addValueOption(set, "--horizon-longitude", changes.horizonLongitude, &longitudeFromArgument,
-                     "DEGREES", "Of the point of the horizon"),
+                     "DEGREES", "Longitude of the horizon point"),
       addValueOption(set, "--horizon-altitude", changes.horizonAltitude, &altitudeFromArgument,
-                     "METRES", "Of the point of the horizon"),
+                     "METRES", "Altitude of the horizon point"),
       addValueOption(set, "--adjust", changes.adjust, &switchFromArgument, "on|off",
-                     "Reckon with the height above the horizon"),
+                     "Adjust for the height above the horizon"),
   };
   const auto clear = [&isClear = changes.clearHorizon] { isClear = true; };
-  auto* none = set.add_flag_callback("--no-horizon", clear, "Forget the horizon; adjusts off");
+  auto* none =
+      set.add_flag_callback("--no-horizon", clear, "Remove the horizon; implies --adjust off");
   for (auto* option : horizon) none->excludes(option);
 }
 

@@ -5,6 +5,7 @@
 
 #include "cli/plan/PlanText.h"
 #include "common/ExitCode.h"
+#include "common/TerminalText.h"
 #include "defaults/PlannerKeys.h"
 
 namespace vantrel::cli {
@@ -17,7 +18,7 @@ bool hasHorizon(const VTObserver& observer) {
          horizon.longitude != kLocationCoordinate2DInvalid.longitude;
 }
 
-/// "51m", which the pin's formatter writes like the altitude.
+/// Returns the height as "51m". `heightAboveHorizonString` formats it like the last altitude.
 std::string heightText(const VTObserver& observer) {
   (void)observer.altitudeString();
   return observer.heightAboveHorizonString();
@@ -31,10 +32,10 @@ Expected<StoredObserver> storedObserver(const UserDefaults& defaults) {
   const auto wrong = [](const std::string& why) {
     const std::string key(kUserDefaultsPlannerObserver);
     return tl::unexpected(
-        failure(kExitBadData, key, why + " Begin anew with vantrel defaults delete " + key));
+        failure(kExitBadData, key, why + " Remove it with vantrel defaults delete " + key));
   };
   const auto data = stored.asData();
-  if (!data) return wrong("This is no archive.");
+  if (!data) return wrong("Not an archive.");
   auto observer = VTObserver::unarchivedObserver(*data);
   if (!observer) return wrong(observer.error().localizedDescription);
   return StoredObserver{std::move(*observer), true};
@@ -78,7 +79,7 @@ std::string textOfObserver(const StoredObserver& stored, const Console& console)
     altitude += " (ground " + observer.stringForAltitude(observer.altitude()) + ", offset " +
                 observer.stringForAltitude(observer.altitudeOffset()) + ")";
   }
-  return console.bold(stored.isStored ? "Observer" : "Observer (none stored: a fresh one)") + "\n" +
+  return console.bold(stored.isStored ? "Observer" : "Observer (default; none stored)") + "\n" +
          console.labelled("Place", placeText(place.latitude, place.longitude)) +
          console.labelled("Altitude", altitude) +
          console.labelled("Accuracy", observer.isAltitudeSetManually()
@@ -86,7 +87,7 @@ std::string textOfObserver(const StoredObserver& stored, const Console& console)
                                           : std::to_string(observer.altitudeAccuracy())) +
          console.labelled("Horizon", hasHorizon(observer)
                                          ? placeText(horizon.latitude, horizon.longitude)
-                                         : "--") +
+                                         : kUnknown) +
          console.labelled("  altitude", observer.stringForAltitude(observer.altitudeAtHorizon())) +
          console.labelled("  height", heightText(observer)) +
          console.labelled("  adjusted", observer.adjustForHeightAboveHorizon() ? "on" : "off");

@@ -10,17 +10,17 @@
 
 namespace vantrel::cli {
 
-/// The planner's observer; a fresh one when the settings hold none.
+/// The planner's observer; the default one if the settings have none.
 struct StoredObserver {
   VTObserver observer;
   bool isStored = false;
 };
-/// kExitBadData when the settings hold something else in its place.
+/// Reads the observer. Fails with kExitBadData if the stored value is not an archived observer.
 Expected<StoredObserver> storedObserver(const UserDefaults& defaults);
 
-/// Metres; null for a mark that stands for no altitude.
+/// Returns metres; null if the altitude is unknown.
 Json jsonOfAltitude(float altitude);
-/// What is known of the observer, with the texts that its pin shows.
+/// All values of the observer, with the texts that its pin shows.
 Json jsonOfObserver(const StoredObserver& observer);
 std::string textOfObserver(const StoredObserver& observer, const Console& console);
 

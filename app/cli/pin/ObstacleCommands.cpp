@@ -8,6 +8,7 @@
 #include "cli/plan/PlanText.h"
 #include "cli/settings/SettingsAccess.h"
 #include "common/ExitCode.h"
+#include "common/TerminalText.h"
 #include "defaults/PlannerKeys.h"
 #include "geo/Obstacle.h"
 
@@ -15,8 +16,8 @@ namespace vantrel::cli {
 
 namespace {
 
-/// The obstacle that the settings hold. Without any latitude they hold none, though the pin reads
-/// as one at (0, 0).
+/// Returns the obstacle in the settings; `nullopt` if they have no latitude for it, which the pin
+/// would read as (0, 0).
 std::optional<Obstacle> placedObstacle(const UserDefaults& defaults) {
   std::optional<Obstacle> obstacle(std::in_place);
   if (!defaults.objectForKey(kUserDefaultsPlannerObstacleLatitude) ||
@@ -26,8 +27,8 @@ std::optional<Obstacle> placedObstacle(const UserDefaults& defaults) {
   return obstacle;
 }
 
-/// Whether it is in any direction from the observer: not at the same point, nor so near to the
-/// opposite one that the direction cannot be told.
+/// Whether the bearing is defined: false at the same point, and so near to the antipode that the
+/// iteration does not converge.
 bool hasDirection(const VTObserver& observer, const Obstacle& obstacle) {
   const LocationCoordinate2D from = observer.coordinate();
   const LocationCoordinate2D to = obstacle.coordinate();
@@ -41,12 +42,13 @@ std::string degrees(float value) {
   return text.data();
 }
 
-/// Rounding does not reach the full turn.
+/// Rounds to below 360.
 std::string bearingText(float bearing) {
   constexpr float kRoundedToFullTurn = 359.995F;
   return degrees(bearing < kRoundedToFullTurn ? bearing : 0);
 }
 
+/// An obstacle as seen from the observer.
 struct Sight {
   Obstacle obstacle;
   bool isPlaced = false;
@@ -99,10 +101,12 @@ std::string textOfSight(const Sight& sight, const Console& console) {
   return console.bold(obstacle.isVisible() ? "Obstacle (shown)" : "Obstacle (hidden)") + "\n" +
          console.labelled("Place", placeText(place.latitude, place.longitude)) +
          console.labelled("Altitude", obstacle.altitudeString()) +
-         console.labelled("Bearing", sight.hasBearing ? bearingText(obstacle.bearing()) : "--") +
+         console.labelled("Bearing",
+                          sight.hasBearing ? bearingText(obstacle.bearing()) : kUnknown) +
          console.labelled("Distance", obstacle.pin2pinDistanceString()) +
          console.labelled("Difference", obstacle.altitudeDifferenceString()) +
-         console.labelled("Elevation", sight.hasDifference ? degrees(obstacle.elevation()) : "--");
+         console.labelled("Elevation",
+                          sight.hasDifference ? degrees(obstacle.elevation()) : kUnknown);
 }
 
 int showObstacle(Console& console) {
@@ -110,18 +114,19 @@ int showObstacle(Console& console) {
   if (!defaults) return console.fail(defaults.error());
   const auto observer = storedObserver(**defaults);
   if (!observer) return console.fail(observer.error());
-  const Sight seen = sight(**defaults, observer->observer);
-  console.print(console.isJson() ? jsonOfSight(seen) : textOfSight(seen, console));
+  const Sight view = sight(**defaults, observer->observer);
+  console.print(console.isJson() ? jsonOfSight(view) : textOfSight(view, console));
   return kExitDone;
 }
 
+/// The options of `obstacle set`; `nullopt` keeps a value.
 struct ObstacleChanges {
   PinChanges pin;
   std::optional<bool> visible;
 };
 
-/// Longitudes that single precision makes the mark of no obstacle are the same meridian from the
-/// other side.
+/// Longitudes that single precision rounds to the mark "not placed" become the same meridian with
+/// the opposite sign.
 double placeableLongitude(double longitude) {
   return static_cast<float>(longitude) == Obstacle::kNotPlaced ? -double{Obstacle::kNotPlaced}
                                                                : longitude;
@@ -164,7 +169,7 @@ int setObstacle(const ObstacleChanges& given, Console& console) {
 
 int toggleObstacle(Console& console) {
   return changeSettings(console, [&](UserDefaults& defaults) -> Expected<void> {
-    // Nothing else is written: the place would otherwise be, where there is none.
+    // Saving the obstacle would also write a place, even if there is none.
     Obstacle obstacle;
     obstacle.toggle();
     defaults.setBool(obstacle.isVisible(), kUserDefaultsPlannerObstacleToggle);
@@ -185,15 +190,16 @@ int clearObstacle(Console& console) {
 
 void fillObstacleCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  addCommand(parser, session, "show", "Tell bearing, distance, height difference and elevation",
+  addCommand(parser, session, "show", "Show bearing, distance, height difference and elevation",
              &showObstacle);
   const auto [set, changes] = addCommand(
-      parser, session, "set", "Place the obstacle, or change what is given", &setObstacle);
+      parser, session, "set", "Place the obstacle, or change the given values", &setObstacle);
   addPinOptions(set, changes.pin);
   addValueOption(set, "--visible", changes.visible, &switchFromArgument, "on|off",
-                 "Show it on the planner; a new one is shown");
-  addCommand(parser, session, "toggle", "Show it on the planner, or hide it", &toggleObstacle);
-  addCommand(parser, session, "clear", "Remove it from the planner", &clearObstacle);
+                 "Whether the planner shows it (a new one: on)");
+  addCommand(parser, session, "toggle", "Show the obstacle on the planner, or hide it",
+             &toggleObstacle);
+  addCommand(parser, session, "clear", "Remove the obstacle from the planner", &clearObstacle);
 }
 
 }  // namespace vantrel::cli

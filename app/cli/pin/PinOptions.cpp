@@ -16,7 +16,7 @@ Expected<std::int32_t> accuracyFromArgument(const std::string& option, const std
   if (code && *code >= Limits::min() && *code <= Limits::max()) {
     return static_cast<std::int32_t>(*code);
   }
-  return invalidArgument(option, text, "a 32-bit integer");
+  return refused(option, text, "expected a whole number of 32 bits");
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ void PinChanges::apply(PinLocation& pin) const {
   }
   if (clearAltitude) pin.setAltitude(PinLocation::kUnknownAltitude);
   if (altitude) pin.setAltitude(*altitude);
-  // What was looked up is not set by hand.
+  // An altitude from a web service is not set by hand.
   if (lookUpAltitude && pin.isAltitudeSetManually()) pin.setAltitudeAccuracy(0);
   if (offset) pin.setAltitudeOffset(*offset);
   if (accuracy) pin.setAltitudeAccuracy(*accuracy);
@@ -53,12 +53,12 @@ void addPinOptions(CLI::App& parser, PinChanges& changes) {
                      "Of the ground; auto asks GeoNames, see vantrel lookup");
   parser
       .add_flag_callback(
-          "--no-altitude", [&changes] { changes.clearAltitude = true; }, "Forget the altitude")
+          "--no-altitude", [&changes] { changes.clearAltitude = true; }, "Remove the altitude")
       ->excludes(altitude);
   addValueOption(parser, "--offset", changes.offset, &floatFromArgument, "METRES",
-                 "Above the ground: a building, a tripod");
+                 "Height above the ground, as of a building or tripod");
   addValueOption(parser, "--accuracy", changes.accuracy, &accuracyFromArgument, "CODE",
-                 "Of the altitude; -1 is set by hand");
+                 "Accuracy of the altitude; -1 means set by hand");
 }
 
 Expected<void> lookUpAltitude(PinChanges& changes,
@@ -67,13 +67,13 @@ Expected<void> lookUpAltitude(PinChanges& changes,
     return tl::unexpected(failure(code, "--altitude auto", why));
   };
   if (!stored && !(changes.latitude && changes.longitude)) {
-    return fail(kExitUsage, "requires --latitude and --longitude");
+    return fail(kExitUsage, "no place is stored; give --latitude and --longitude");
   }
   const LocationCoordinate2D at = stored.value_or(LocationCoordinate2D());
   const auto found = altitudeOfPlace(
       {changes.latitude.value_or(at.latitude), changes.longitude.value_or(at.longitude)});
   if (!found) return tl::unexpected(found.error());
-  if (!*found) return fail(kExitMissing, "no altitude is known there");
+  if (!*found) return fail(kExitMissing, "the service knows no altitude there");
   changes.altitude = **found;
   return {};
 }
@@ -81,7 +81,7 @@ Expected<void> lookUpAltitude(PinChanges& changes,
 Expected<float> altitudeFromArgument(const std::string& option, const std::string& text) {
   auto altitude = floatFromArgument(option, text);
   if (!altitude || PinLocation::isValid(*altitude)) return altitude;
-  return invalidArgument(option, text, "an altitude in metres");
+  return refused(option, text, "this number marks an unknown altitude");
 }
 
 }  // namespace vantrel::cli

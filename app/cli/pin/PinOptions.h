@@ -10,7 +10,7 @@
 
 namespace vantrel::cli {
 
-/// What a command is given for a pin; nothing stays as it is.
+/// Changes of a pin; `nullopt` keeps a value.
 struct PinChanges {
   std::optional<double> latitude;
   std::optional<double> longitude;
@@ -24,16 +24,17 @@ struct PinChanges {
   void apply(PinLocation& pin) const;
 };
 
-/// --latitude, --longitude, --altitude, --no-altitude, --offset and --accuracy; `changes` outlives
-/// the parsing.
+/// Adds --latitude, --longitude, --altitude, --no-altitude, --offset and --accuracy. `changes` must
+/// outlive the parser.
 void addPinOptions(CLI::App& parser, PinChanges& changes);
 
-/// Asks a web service for the altitude. The place is the one given; what it lacks is taken from
-/// `stored`. kExitMissing where no altitude is known.
+/// Sets the altitude to that of the ground, from a web service; blocks. Coordinates that
+/// `changes` lacks are those of `stored`. Errors: kExitUsage if a coordinate is missing;
+/// kExitMissing if the service knows no altitude there.
 Expected<void> lookUpAltitude(PinChanges& changes,
                               const std::optional<LocationCoordinate2D>& stored);
 
-/// Metres; none of the marks that stand for no altitude.
+/// Metres; rejects the numbers that mark an unknown altitude.
 Expected<float> altitudeFromArgument(const std::string& option, const std::string& text);
 
 }  // namespace vantrel::cli

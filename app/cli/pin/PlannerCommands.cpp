@@ -1,3 +1,4 @@
+#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "base/Iso8601.h"
@@ -22,31 +23,39 @@ struct Preset {
   std::optional<Date> date;
 };
 
-/// What the settings hold for a key, read so; nothing when they lack it.
+Expected<Date> dateFromArgument(const std::string& option, const std::string& text) {
+  return momentFromArgument(option, text, TimeZone::defaultTimeZone()).map([](const Moment& m) {
+    return m.first;
+  });
+}
+
+/// Returns the value of a key, read by `read`; `nullopt` if the settings lack it.
 template <typename T>
-std::optional<T> held(const UserDefaults& defaults, std::string_view key,
-                      T (UserDefaults::*read)(std::string_view) const) {
+std::optional<T> valueOf(const UserDefaults& defaults, std::string_view key,
+                         T (UserDefaults::*read)(std::string_view) const) {
   return defaults.objectForKey(key) ? std::optional((defaults.*read)(key)) : std::nullopt;
 }
 
-/// What the settings tell of the planner; nothing for what they lack.
+/// The planner's settings; `nullopt` for those that are absent.
 struct Planner {
   explicit Planner(const UserDefaults& defaults)
-      : mapLatitude(held(defaults, kUserDefaultsPlannerMapLat, &UserDefaults::doubleForKey)),
-        mapLongitude(held(defaults, kUserDefaultsPlannerMapLng, &UserDefaults::doubleForKey)),
-        pinLatitude(held(defaults, kUserDefaultsPlannerPinCoordLat, &UserDefaults::doubleForKey)),
-        pinLongitude(held(defaults, kUserDefaultsPlannerPinCoordLng, &UserDefaults::doubleForKey)),
+      : mapLatitude(valueOf(defaults, kUserDefaultsPlannerMapLat, &UserDefaults::doubleForKey)),
+        mapLongitude(valueOf(defaults, kUserDefaultsPlannerMapLng, &UserDefaults::doubleForKey)),
+        pinLatitude(
+            valueOf(defaults, kUserDefaultsPlannerPinCoordLat, &UserDefaults::doubleForKey)),
+        pinLongitude(
+            valueOf(defaults, kUserDefaultsPlannerPinCoordLng, &UserDefaults::doubleForKey)),
         date(defaults.objectForKey(kUserDefaultsPlannerDate).asDate()),
         timezone(defaults.stringForKey(kUserDefaultsPlannerTimeZone)),
-        panel(held(defaults, kUserDefaultsPlannerInfoWindowPage, &UserDefaults::integerForKey)),
-        obstacle(held(defaults, kUserDefaultsPlannerObstacleToggle, &UserDefaults::boolForKey)) {
-    if (const auto state =
-            held(defaults, kUserDefaultsPlannerMilkyWayLayerState, &UserDefaults::integerForKey)) {
+        panel(valueOf(defaults, kUserDefaultsPlannerInfoWindowPage, &UserDefaults::integerForKey)),
+        obstacle(valueOf(defaults, kUserDefaultsPlannerObstacleToggle, &UserDefaults::boolForKey)) {
+    if (const auto state = valueOf(defaults, kUserDefaultsPlannerMilkyWayLayerState,
+                                   &UserDefaults::integerForKey)) {
       milkyWay = *state != 0;
     }
   }
 
-  /// The one that is named, else the device's.
+  /// The planner's time zone, otherwise the device's.
   TimeZone zone() const { return TimeZone::timeZoneOrDefault(timezone); }
 
   std::optional<double> mapLatitude;
@@ -111,11 +120,10 @@ int showPlanner(Console& console) {
   return kExitDone;
 }
 
-/// One of the hand-offs, which write the settings themselves.
-template <typename HandOff>
-int handOff(Console& console, HandOff give) {
+/// Calls a function of TodayUtils, which writes the settings itself.
+int handOff(Console& console, const std::function<void()>& write) {
   return changeSettings(console, [&](UserDefaults& /*defaults*/) -> Expected<void> {
-    give();
+    write();
     return {};
   });
 }
@@ -138,9 +146,8 @@ int setMilkyWay(const std::optional<bool>& visible, Console& console) {
 
 void fillPlannerCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  const auto [preset, given] =
-      addCommand(parser, session, "preset",
-                 "Set map, observer and date; the obstacle is switched off", &setPreset);
+  const auto [preset, given] = addCommand(
+      parser, session, "preset", "Set map, observer and date; hides the obstacle", &setPreset);
   addValueOption(preset, "--latitude", given.latitude, &latitudeFromArgument, "DEGREES",
                  "-90 to 90, north positive")
       ->required();
@@ -152,11 +159,12 @@ void fillPlannerCommands(CLI::App& parser, Session& session) {
       ->required();
   const auto [panel, page] =
       addCommand(parser, session, "panel", "Choose the page of the information panel", &setPanel);
-  addValueOption(panel, "PAGE", page, &integerFromArgument, "", "Its number; 0 is the first");
+  addValueOption(panel, "PAGE", page, &integerFromArgument, "", "Number of the page, from 0");
   const auto [milkyWay, visible] =
       addCommand(parser, session, "milky-way", "Show or hide the milky way", &setMilkyWay);
-  addValueOption(milkyWay, "VISIBLE", visible, &switchFromArgument, "on|off", "Whether it shows");
-  addCommand(parser, session, "show", "Show what the planner is set to", &showPlanner);
+  addValueOption(milkyWay, "VISIBLE", visible, &switchFromArgument, "on|off",
+                 "Whether the planner shows it");
+  addCommand(parser, session, "show", "Show the planner's settings", &showPlanner);
 }
 
 }  // namespace vantrel::cli

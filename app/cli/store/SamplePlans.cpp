@@ -14,12 +14,11 @@ namespace {
 
 constexpr double kSecondsPerDay = 86400;
 constexpr double kSecondsPerMinute = 60;
-/// Nobody plans to the second.
 constexpr double kRounding = 5 * kSecondsPerMinute;
 
 enum class Day { kAhead, kFullMoon, kPerseids };
 
-/// A sample as a rule: so long before or after the sun's passage on such a day.
+/// A sample plan: `minutesAfter` the sun passes `sunAltitude` on the given day.
 struct Rule {
   const char* key;
   const char* timezone;
@@ -54,8 +53,7 @@ int civilDayOf(Date date, const TimeZone& zone) {
   return static_cast<int>(std::floor(wall / kSecondsPerDay));
 }
 
-/// By the mean length of a month from the full moon of 2000-01-21 04:40 UTC; the true one is at
-/// most some 14 hours away.
+/// Counts mean months from the full moon of 2000-01-21 04:40 UTC; at most 14 hours off.
 Date fullMoonAfter(Date date) {
   constexpr double kMonth = 29.530588853 * kSecondsPerDay;
   constexpr double kFullMoon = -345.8056 * kSecondsPerDay;
@@ -85,9 +83,9 @@ int civilDayFor(const Rule& rule, Date now, const TimeZone& zone) {
   return civilDayOf(now, zone) + rule.daysAhead;
 }
 
-/// When the sun's centre passes `altitude` (degrees) on a civil day, counted from 2001-01-01, at a
-/// place (degrees, north and east positive): in the morning or in the evening. Good to some
-/// minutes; on days without that, when it comes closest. The sunrise equation.
+/// Returns when the sun's centre passes `altitude` (degrees) on a civil day, counted from
+/// 2001-01-01, at a place (degrees, north and east positive), or is nearest to that altitude.
+/// Uses the sunrise equation; a few minutes off.
 Date sunPassesAltitude(double altitude, bool inTheMorning, int civilDay, double latitude,
                        double longitude) {
   constexpr double kDegree = std::numbers::pi / 180;

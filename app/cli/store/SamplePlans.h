@@ -7,7 +7,7 @@
 
 namespace vantrel::cli {
 
-/// A plan to try things out with; name and notes are keys of the table "Plannings".
+/// A sample plan. `name` and `notes` are keys of the string table "Plannings".
 struct SamplePlan {
   std::string name;
   std::string notes;
@@ -17,7 +17,7 @@ struct SamplePlan {
   Date date;
 };
 
-/// Eight plans in coming days, each when the light that it needs is there.
+/// Returns eight plans after `now`, each at a time with suitable light.
 std::vector<SamplePlan> samplePlans(Date now);
 
 }  // namespace vantrel::cli

@@ -32,7 +32,7 @@ std::uintmax_t sizeOf(const fs::path& path) {
   return error ? 0 : size;
 }
 
-/// How the store's model compares with ours, once it could be opened, or why not.
+/// Compares the model of the store with the models in the bundle.
 std::string modelState(const StoreMetadata& store, const Expected<SqliteStore*>& opened) {
   if (!opened) {
     const bool isNewer = storeErrorCode(opened.error()) == StoreErrorCode::kNewer;
@@ -46,112 +46,78 @@ std::string modelState(const StoreMetadata& store, const Expected<SqliteStore*>&
   return "foreign";
 }
 
-std::string joined(const std::vector<std::string>& versions) {
-  std::string text;
-  for (const auto& version : versions) text += (text.empty() ? "" : ", ") + version;
-  return text.empty() ? kUnknown : text;
-}
-
-std::string counted(const std::optional<std::size_t>& count) {
-  return count ? std::to_string(*count) : kUnknown;
-}
-
-/// What a store file says of itself, and what can be counted in it.
-struct StoreInfo {
-  fs::path path;
-  std::string uuid;
-  std::vector<std::string> modelVersions;        ///< Of the store.
-  std::vector<std::string> bundleModelVersions;  ///< Of the model that it is compared with.
-  /// "current" fits; "older" is migrated when it is opened for writing; "foreign" was written with
-  /// another model, serves and is left as it is; "newer" and "incompatible" cannot be used.
-  std::string model;
-  std::string journal;               ///< "wal" or "rollback".
-  std::uintmax_t size = 0;           ///< Bytes of the file.
-  std::uintmax_t walSize = 0;        ///< Bytes of the write-ahead log beside it.
-  std::optional<std::size_t> plans;  ///< Nothing where the store cannot be counted.
-  std::optional<std::size_t> customPois;
-  std::optional<std::size_t> customCameras;
-  std::optional<std::size_t> images;
-};
-
-/// Reads the store without migrating it.
-Expected<StoreInfo> storeInfo(const fs::path& path) {
+/// Returns what the store file says about itself and how many records it has, with the keys of
+/// `store info --json`. Opens the store read-only.
+///
+/// "model" is "current", "older" (migrated when a program opens the store to write), "foreign"
+/// (written with another model; usable, never migrated), "newer" or "incompatible" (both unusable).
+Expected<Json> storeInfo(const fs::path& path) {
   const auto metadata = PersistentStoreCoordinator::metadataForPersistentStore(path);
   if (!metadata) return tl::unexpected(metadata.error());
   const auto model = Database::sharedInstance().managedObjectModel();
   if (!model) return tl::unexpected(failure(kExitInternal, "store", "the model is missing"));
-
-  StoreInfo info;
-  info.path = path;
-  info.uuid = metadata->uuid;
-  info.modelVersions = metadata->versionIdentifiers;
-  info.bundleModelVersions = model->versionIdentifiers();
-  info.journal = isWriteAheadLogged(path) ? "wal" : "rollback";
-  info.size = sizeOf(path);
-  info.walSize = sizeOf(fs::weakly_canonical(path) += "-wal");
-
   const auto coordinator = std::make_shared<PersistentStoreCoordinator>(model);
   StoreOptions options = Database::mainStoreOptions();
   options.readOnly = true;
   const auto opened = coordinator->addPersistentStore(path, options);
-  info.model = modelState(*metadata, opened);
-  if (!opened) return info;
   ManagedObjectContext context(coordinator);
-  const auto count = [&](const char* entityName) -> std::optional<std::size_t> {
+  const auto count = [&](const char* entityName) -> Json {
+    if (!opened) return nullptr;
     const auto found = context.countForFetchRequest({.entityName = entityName});
-    return found ? std::optional(*found) : std::nullopt;
+    return found ? Json(*found) : Json(nullptr);
   };
-  info.plans = count(Planning::kEntityName);
-  info.customPois = count(CustomPoi::kEntityName);
-  info.customCameras = count(CustomCamera::kEntityName);
-  info.images = count(Image::kEntityName);
-  return info;
+  return Json{
+      {"path", path.string()},
+      {"uuid", metadata->uuid},
+      {"model", modelState(*metadata, opened)},
+      {"modelVersions", metadata->versionIdentifiers},
+      {"bundleModelVersions", model->versionIdentifiers()},
+      {"plans", count(Planning::kEntityName)},
+      {"customPois", count(CustomPoi::kEntityName)},
+      {"customCameras", count(CustomCamera::kEntityName)},
+      {"images", count(Image::kEntityName)},
+      {"journal", isWriteAheadLogged(path) ? "wal" : "rollback"},
+      {"size", sizeOf(path)},
+      {"walSize", sizeOf(fs::weakly_canonical(path) += "-wal")},
+  };
 }
 
-std::string textForStoreInfo(const StoreInfo& info, const Console& console) {
-  std::string text = printable(info.path.string()) + "\n";
+std::string textOfStoreInfo(const Json& info, const Console& console) {
+  std::string text = console.bold(printable(info["path"].get<std::string>())) + "\n";
+  const auto versions = [&](const char* key) {
+    std::string list;
+    for (const auto& version : info[key])
+      list += (list.empty() ? "" : ", ") + version.get<std::string>();
+    return shown(list);
+  };
   const auto line = [&](const char* label, const std::string& value) {
-    text += console.labelled(label, printable(value));
+    text += console.labelled(label, value);
   };
-  line("Identity", info.uuid);
-  line("Model", info.model + ", version " + joined(info.modelVersions) +
-                    (info.model == "current" ? "" : "; here " + joined(info.bundleModelVersions)));
-  line("Plans", counted(info.plans));
-  line("Places", counted(info.customPois));
-  line("Cameras", counted(info.customCameras));
-  line("Pictures", counted(info.images));
-  line("Journal", info.journal);
-  line("Size", std::to_string(info.size) + " bytes, and " + std::to_string(info.walSize) +
-                   " in the write-ahead log");
+  const auto count = [&](const char* label, const char* key) {
+    line(label, info[key].is_null() ? kUnknown : info[key].dump());
+  };
+  const auto model = info["model"].get<std::string>();
+  line("Identity", printable(info["uuid"].get<std::string>()));
+  line("Model", model + ", version " + versions("modelVersions") +
+                    (model == "current" ? "" : "; here " + versions("bundleModelVersions")));
+  count("Plans", "plans");
+  count("Places", "customPois");
+  count("Cameras", "customCameras");
+  count("Pictures", "images");
+  line("Journal", info["journal"].get<std::string>());
+  line("Size",
+       info["size"].dump() + " bytes, and " + info["walSize"].dump() + " in the write-ahead log");
   return text;
-}
-
-std::string jsonForStoreInfo(const StoreInfo& info) {
-  const Json json = {
-      {"path", info.path.string()},
-      {"uuid", info.uuid},
-      {"model", info.model},
-      {"modelVersions", info.modelVersions},
-      {"bundleModelVersions", info.bundleModelVersions},
-      {"plans", orNull(info.plans)},
-      {"customPois", orNull(info.customPois)},
-      {"customCameras", orNull(info.customCameras)},
-      {"images", orNull(info.images)},
-      {"journal", info.journal},
-      {"size", info.size},
-      {"walSize", info.walSize},
-  };
-  return jsonText(json);
 }
 
 int showStore(Console& console) {
   const auto info = existingStore().and_then(storeInfo);
   if (!info) return console.fail(info.error());
-  console.print(console.isJson() ? jsonForStoreInfo(*info) : textForStoreInfo(*info, console));
+  console.print(console.isJson() ? jsonText(*info) : textOfStoreInfo(*info, console));
   return kExitDone;
 }
 
-/// Whether the sample is in the store with a date still to come, in whatever language.
+/// Whether the store has the sample, in any language, with a date in the future.
 Expected<bool> isPlanned(ManagedObjectContext& context, const SamplePlan& sample, Date now) {
   FetchRequest request;
   request.predicate = Predicate::equal("latitude", sample.latitude);
@@ -174,7 +140,7 @@ Expected<void> addSample(ManagedObjectContext& context, const SamplePlan& sample
   plan->setLatitude(sample.latitude);
   plan->setLongitude(sample.longitude);
   plan->setDate(sample.date);
-  // Only this one: in plans of the photographer a note left out would turn into an empty one.
+  // Only the sample: translating the user's plans would turn absent notes into empty ones.
   VantrelPrefiller::translatePlanning(*plan);
   return {};
 }
@@ -200,9 +166,9 @@ int addSamples(Console& console) {
 
 void fillStoreCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
-  addCommand(parser, session, "info", "Tell what the store is, without changing it", &showStore);
-  addCommand(parser, session, "sample", "Add eight sample plans on coming days; makes the store",
-             &addSamples);
+  addCommand(parser, session, "info", "Describe the store, without changing it", &showStore);
+  addCommand(parser, session, "sample",
+             "Add eight sample plans on the next days; creates the store", &addSamples);
   fillStoreUpkeepCommands(parser, session);
 }
 

@@ -20,7 +20,7 @@ namespace vantrel::cli {
 
 namespace {
 
-/// What a number of records was, and is now.
+/// A number of records before and after a command.
 struct Change {
   std::size_t before = 0;
   std::size_t after = 0;
@@ -41,12 +41,12 @@ int copyStore(const Copy& copy, Console& console) {
   return copied ? kExitDone : console.fail(copied.error());
 }
 
-/// Records of all entities that bear no unique identifier.
+/// Counts the records of all entities that have no unique identifier.
 Expected<std::size_t> countWithoutIdentifier(ManagedObjectContext& context) {
   std::size_t sum = 0;
   for (const auto& entity :
        context.persistentStoreCoordinator()->managedObjectModel()->entities()) {
-    // Records of a kind are counted with those it is a kind of.
+    // A count includes the records of subentities.
     if (!entity.superentityName.empty()) continue;
     const auto count = context.countForFetchRequest(
         {.entityName = entity.name, .predicate = Predicate::isNil("uniqueIdentifier")});
@@ -56,7 +56,7 @@ Expected<std::size_t> countWithoutIdentifier(ManagedObjectContext& context) {
   return sum;
 }
 
-int giveIdentifiers(Console& console) {
+int addIdentifiers(Console& console) {
   const auto context = contextForReading();
   if (!context) return console.fail(context.error());
   const auto before = countWithoutIdentifier(**context);
@@ -66,10 +66,10 @@ int giveIdentifiers(Console& console) {
   if (!after) return console.fail(after.error());
   const Change change{*before, *after};
   console.print(console.isJson() ? jsonText({{"withoutIdentifier", change.json()}})
-                                 : "Without identifier  " + change.text() + "\n");
+                                 : "Without identifier: " + change.text() + "\n");
   if (change.after == 0) return kExitDone;
   return console.fail(failure(kExitInputOutput, "store identifiers",
-                              std::to_string(change.after) + " records could not be given one"));
+                              std::to_string(change.after) + " records still have none"));
 }
 
 struct Kind {
@@ -92,16 +92,17 @@ Expected<Counts> countKinds(ManagedObjectContext& context) {
   return counts;
 }
 
-/// Whether two records of one entity have equal values, absent ones included.
-bool isSame(const ManagedObject& a, const ManagedObject& b) {
+/// Whether two records of one entity have the same values; absent values are equal.
+bool hasSameValues(const ManagedObject& a, const ManagedObject& b) {
   const auto& attributes = a.entity().attributes;
   return std::all_of(attributes.begin(), attributes.end(), [&](const auto& attribute) {
     return a.valueForKey(attribute.name) == b.valueForKey(attribute.name);
   });
 }
 
-/// Adds the records without a value for `key` that are the same as an earlier one, identifier
-/// included. One with pictures is no copy: they would be removed with it.
+/// Adds to `copies` the records without a value for `key` that have the same values as an earlier
+/// one, including the identifier. Records with pictures are kept: removing them removes the
+/// pictures.
 Expected<void> addCopies(ManagedObjectContext& context, const char* entityName,
                          std::string_view key, Database::Objects& copies) {
   const auto objects = context.executeFetchRequest(
@@ -113,16 +114,17 @@ Expected<void> addCopies(ManagedObjectContext& context, const char* entityName,
     const auto* text = std::get_if<std::string>(&identifier);
     if (!text) continue;
     auto& earlier = kept[*text];
-    const bool isCopy = std::any_of(earlier.begin(), earlier.end(),
-                                    [&](const auto& other) { return isSame(*other, *object); }) &&
-                        object->countOfRelatedObjects(kImagesKey) == 0;
+    const bool isCopy =
+        std::any_of(earlier.begin(), earlier.end(),
+                    [&](const auto& other) { return hasSameValues(*other, *object); }) &&
+        object->countOfRelatedObjects(kImagesKey) == 0;
     (isCopy ? copies : earlier).push_back(object);
   }
   return {};
 }
 
-/// The exact copies that the rules of duplicates leave: these never call records equal that lack a
-/// date or a name to compare.
+/// Returns the exact copies that `Database::duplicateObjects` omits: plans without a date or name
+/// are never equal there.
 Expected<Database::Objects> copiesLeft(ManagedObjectContext& context) {
   Database::Objects copies;
   for (const char* key : {"date", "name"}) {
@@ -130,7 +132,7 @@ Expected<Database::Objects> copiesLeft(ManagedObjectContext& context) {
       return tl::unexpected(added.error());
     }
   }
-  // One that lacks both was found twice.
+  // A plan that lacks both was found twice.
   std::sort(copies.begin(), copies.end());
   copies.erase(std::unique(copies.begin(), copies.end()), copies.end());
   return copies;
@@ -158,8 +160,8 @@ Expected<void> removeDuplicates() {
   return result;
 }
 
-/// How many of each kind would be left.
-Expected<Counts> foretell(ManagedObjectContext& context, Counts counts) {
+/// Subtracts from `counts` what `dedupe` would remove.
+Expected<Counts> countsAfterDedupe(ManagedObjectContext& context, Counts counts) {
   auto duplicates = Database::sharedInstance().duplicateObjects();
   if (!duplicates) return tl::unexpected(duplicates.error());
   return copiesLeft(context).map([&](const auto& copies) {
@@ -180,7 +182,7 @@ int dedupe(const bool& isDryRun, Console& console) {
   if (!before) return console.fail(before.error());
   const auto after =
       isDryRun
-          ? foretell(**context, *before)
+          ? countsAfterDedupe(**context, *before)
           : removeDuplicates().and_then([&] { return removeCopiesLeft(**context); }).and_then([&] {
               return countKinds(**context);
             });
@@ -199,26 +201,27 @@ int dedupe(const bool& isDryRun, Console& console) {
 }  // namespace
 
 void fillStoreUpkeepCommands(CLI::App& parser, Session& session) {
-  const auto [copy, files] =
-      addCommand(parser, session, "copy",
-                 "Copy a store with its pictures to a new place, at this version; OLD is only read",
-                 &copyStore);
+  const auto [copy, files] = addCommand(
+      parser, session, "copy",
+      "Copy a store with its pictures, in the current version; OLD is only read", &copyStore);
   addValueOption(copy, "OLD", files.from, &pathFromArgument, "", "The store's .sqlite file");
   addValueOption(copy, "NEW", files.to, &pathFromArgument, "", "A file that does not exist yet");
   copy.footer(
       "Pictures are stored in a folder named after the store without its extension: two stores in\n"
       "one folder must differ in more than the extension. Exits with 75 if another program keeps\n"
-      "changing OLD; try again.");
+      "changing OLD; try again later.");
   addCommand(parser, session, "identifiers",
-             "Give every record without a unique identifier one; 74 if any is left",
-             &giveIdentifiers);
-  const auto [remove, isDryRun] = addCommand(
-      parser, session, "dedupe",
-      "Remove plans, places and cameras that are there twice; the first one stays", &dedupe);
+             "Add the missing unique identifiers; exits with 74 if any is still missing",
+             &addIdentifiers);
+  const auto [remove, isDryRun] =
+      addCommand(parser, session, "dedupe",
+                 "Remove duplicate plans, places and cameras; keeps the first of each", &dedupe);
   remove.footer(
-      "Plans are there twice at the same place and instant, with the same name and number of\n"
-      "pictures. A plan without a date or name is, if all its values, identifier included, are\n"
-      "those of another and it has no pictures.");
+      "Duplicate plans have the same place, instant, name and number of pictures. A plan without "
+      "a\n"
+      "date or name is a duplicate if all its values, including the identifier, are those of "
+      "another\n"
+      "plan and it has no pictures.");
   remove.add_flag("--dry-run", isDryRun, "Only count what would be removed");
 }
 

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 
-#include "base/Clock.h"
 #include "common/Staleness.h"
 #include "platform/text/TimeZone.h"
 
@@ -80,21 +79,14 @@ ChangeWaiter::Event ChangeWaiter::wait(Date deadline) {
   return event;
 }
 
-StoreWatcher::Change ChangeWaiter::readStore() {
-  const auto change = store_.read();
-  isReplaced_ |= change == StoreWatcher::Change::kReplaced;
-  return change;
-}
-
-ChangeWaiter::Event ChangeWaiter::nextEvent(Date deadline) {
-  // The program's clock may differ from the system's by a constant.
-  const Date end = systemNow().dateByAddingTimeInterval(
-      deadline.timeIntervalSinceDate(Clock::sharedClock().now()));
-  if (isReplaced_) return Event::kRestart;
+ChangeWaiter::Event ChangeWaiter::nextEvent(Date lookAgain) {
+  using Change = StoreWatcher::Change;
+  const Date deadline = systemInstant(lookAgain);
+  if (store_.pendingChange() == Change::kReplaced) return Event::kRestart;
   for (;;) {
     const Date now = systemNow();
-    if (now >= end) return Event::kStale;
-    timer_.fireAt(std::min(end, now.dateByAddingTimeInterval(store_.pollingInterval())));
+    if (now >= deadline) return Event::kStale;
+    timer_.fireAt(std::min(deadline, now.dateByAddingTimeInterval(store_.pollingInterval())));
     std::array<pollfd, 5> files = {{{STDOUT_FILENO, 0, 0},
                                     {signals_.number(), POLLIN, 0},
                                     {store_.fileDescriptor(), POLLIN, 0},
@@ -105,11 +97,13 @@ ChangeWaiter::Event ChangeWaiter::nextEvent(Date deadline) {
     if (files[0].revents & (POLLERR | POLLNVAL)) return Event::kOutputGone;
     if (isZoneChanged()) return Event::kRestart;
     if (files[2].revents != 0) {
-      if (const auto event = settle(kStoreSettles)) return *event;
+      if (const auto ended = settle(StoreWatcher::settlingTime(Change::kContent))) return *ended;
     }
-    const auto change = readStore();
-    if (isReplaced_) return settle(kNewStoreSettles).value_or(Event::kRestart);
-    if (change == StoreWatcher::Change::kContent) return Event::kStale;
+    const auto change = store_.read();
+    if (change == Change::kReplaced) {
+      return settle(StoreWatcher::settlingTime(change)).value_or(Event::kRestart);
+    }
+    if (change == Change::kContent) return Event::kStale;
     if (timer_.read() == WallTimer::Event::kClockSet) return Event::kStale;
   }
 }

@@ -31,12 +31,12 @@ class ChangeWaiter {
 
   /// Whether file watches are exhausted, so that the store is polled every 2 seconds.
   bool isPolling() const { return store_.isPolling(); }
-  /// Ignores earlier changes of the store's content, such as those by opening it. `wait` still
-  /// reports that the store was replaced.
-  void ignoreStoreChangesSoFar() { readStore(); }
-  /// Returns kStale at `deadline` of the program's clock at the latest.
-  Event wait(Date deadline);
-  /// Waits for `time` or a signal; `nullopt` if there was no signal.
+  /// Forgets changes of the store's content until now: opening a store writes to it. Another store
+  /// in its place is still reported by `wait`.
+  void ignoreStoreChangesSoFar() { store_.read(); }
+  /// Returns at `lookAgain`, an instant of the program's clock, or earlier.
+  Event wait(Date lookAgain);
+  /// Waits for `time` or a signal; the event of the signal if there was one.
   std::optional<Event> settle(std::chrono::milliseconds time);
   /// The number of the signal of kInterrupted.
   int signal() const { return signal_; }
@@ -44,11 +44,9 @@ class ChangeWaiter {
  private:
   bool isZoneChanged();
   std::optional<Event> receivedSignal();
-  Event nextEvent(Date deadline);
-  StoreWatcher::Change readStore();
+  Event nextEvent(Date lookAgain);
 
   StoreWatcher store_;
-  bool isReplaced_ = false;
   WallTimer timer_;
   FileDescriptor zoneFolder_;  ///< Watches /etc, whose link "localtime" is the device's zone.
   std::string zoneName_;
