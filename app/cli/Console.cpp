@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -53,18 +52,9 @@ std::string Console::dim(std::string_view text) const {
   return color_ ? "\x1b[2m" + std::string(text) + "\x1b[0m" : std::string(text);
 }
 
-std::string Console::labelled(std::string_view label, std::string_view value) const {
-  return labelled({{std::string(label), std::string(value)}});
-}
-
-std::string Console::labelled(const LabelledValues& lines) const {
-  std::size_t width = kLabelWidth;
-  for (const auto& [label, value] : lines) width = std::max(width, cellWidth(label) + 1);
-  std::string text;
-  for (const auto& [label, value] : lines) {
-    text += "  " + dim(paddedToCells(label, width)) + value + "\n";
-  }
-  return text;
+std::string Console::labelled(std::string_view label, std::string_view value,
+                              std::size_t width) const {
+  return "  " + dim(paddedToCells(std::string(label), width)) + std::string(value) + "\n";
 }
 
 void Console::tell(std::string_view text) {

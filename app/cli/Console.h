@@ -3,8 +3,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "base/Error.h"
 
@@ -34,12 +32,10 @@ class Console {
   std::string bold(std::string_view text) const;
   std::string dim(std::string_view text) const;
 
-  /// Returns the line "  Label      value\n".
-  std::string labelled(std::string_view label, std::string_view value) const;
-  /// The same for several, with a wider column if a label needs it.
-  using LabelledValues = std::vector<std::pair<std::string, std::string>>;
-  std::string labelled(const LabelledValues& lines) const;
   static constexpr std::size_t kLabelWidth = 11;
+  /// Returns the line "  Label      value\n", with the value after `width` cells for the label.
+  std::string labelled(std::string_view label, std::string_view value,
+                       std::size_t width = kLabelWidth) const;
 
   /// Flushes, then writes `text` to standard error unchanged.
   void tell(std::string_view text);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <nlohmann/json.hpp>
 
 #include "base/Log.h"
@@ -41,6 +42,12 @@ int run(const LookupOptions& options) {
   return result ? kExitDone : exitCodeForError(result.error());
 }
 
+/// Qt crashes after it could not create a thread.
+void printMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
+  if (text.contains(QLatin1String("Thread creation error"))) std::get_new_handler()();
+  std::fprintf(stderr, "vantrel-lookup: %s\n", qPrintable(text));
+}
+
 }  // namespace
 
 }  // namespace vantrel
@@ -51,6 +58,7 @@ int main(int argc, char** argv) {
   if (const auto code = vantrel::LookupOptions::parse(argc, argv, options)) return *code;
   // Errors are reported once, in the answer.
   vantrel::setLogsEnabled(false);
+  qInstallMessageHandler(&vantrel::printMessage);
   const QCoreApplication application(argc, argv);
   const int code = vantrel::run(options);
   std::fflush(stdout);

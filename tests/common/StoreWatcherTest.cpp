@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using Change = StoreWatcher::Change;
 using test::writeFile;
 
-TEST(StoreWatcher, TellsChangesOfTheStoresFilesOnly) {
+TEST(StoreWatcher, ReportsChangesOfTheStoresFilesOnly) {
   struct Case {
     const char* name;
     std::function<void(const fs::path& folder)> action;
@@ -76,7 +76,7 @@ TEST(StoreWatcher, TellsChangesOfTheStoresFilesOnly) {
     StoreWatcher watcher(folder / "S.sqlite");
     c.action(folder);
     EXPECT_EQ(watcher.read(), c.expected);
-    EXPECT_EQ(watcher.read(), Change::kNone) << "told twice";
+    EXPECT_EQ(watcher.read(), Change::kNone) << "reported twice";
   }
 }
 
@@ -92,6 +92,9 @@ TEST(StoreWatcher, FollowsALinkThatIsPointedElsewhere) {
   fs::create_symlink(directory / "second", link);
   EXPECT_EQ(watcher.read(), Change::kReplaced);
   writeFile(directory / "second-wal", "commit");
+  EXPECT_EQ(watcher.read(), Change::kReplaced) << "until it is taken";
+  EXPECT_EQ(watcher.takeChange(), Change::kReplaced);
+  writeFile(directory / "second-wal", "commit 2");
   EXPECT_EQ(watcher.read(), Change::kContent);
 }
 
@@ -107,7 +110,7 @@ TEST(StoreWatcher, LooksOftenWithoutAWatch) {
   setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(watcher.fileDescriptor(), -1);
   EXPECT_TRUE(watcher.isPolling());
-  EXPECT_THAT(log.text(), testing::HasSubstr("no file watch to spare"));
+  EXPECT_THAT(log.text(), testing::HasSubstr("cannot watch its folder"));
   EXPECT_EQ(watcher.pollingInterval(), 2);
   EXPECT_EQ(watcher.read(), Change::kNone);
   writeFile(directory / "S.sqlite-wal", "commit");

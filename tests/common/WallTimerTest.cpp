@@ -3,16 +3,10 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include <chrono>
+#include "common/Staleness.h"
 
 namespace vantrel {
 namespace {
-
-Date systemNow() {
-  const std::chrono::duration<double> sinceEpoch =
-      std::chrono::system_clock::now().time_since_epoch();
-  return Date::dateWithTimeIntervalSince1970(sinceEpoch.count());
-}
 
 bool becomesReadable(const WallTimer& timer, int milliseconds) {
   pollfd descriptor{timer.fileDescriptor(), POLLIN, 0};

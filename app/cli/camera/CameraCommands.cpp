@@ -35,7 +35,7 @@ Expected<float> positiveFromArgument(const std::string& option, const std::strin
   constexpr float kMost = 100'000;
   auto number = floatFromArgument(option, text);
   if (number && *number > 0 && *number <= kMost) return number;
-  return refused(option, text, "expected a number above 0, up to 100000");
+  return invalidArgument(option, text, "a number above 0, up to 100000");
 }
 
 /// A circle of confusion of 0 is valid.
@@ -223,7 +223,7 @@ void fillCameraCommands(CLI::App& parser, Session& session) {
   addCommand(parser, session, "list",
              "List cameras with diagonal, circle of confusion and crop factor", &listCameras);
   const auto show = addCommand(parser, session, "show", "Show all values of a camera", &showCamera);
-  addCameraName(show.parser, show.given);
+  addCameraName(show.parser, show.options);
   const auto remove = addCommand(parser, session, "remove", "Remove a camera", &removeCamera);
   addCameraName(remove.parser, remove.options);
   addCommand(parser, session, "sensors", "List common sensors and film frames", &listSensors);

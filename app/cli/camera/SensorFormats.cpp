@@ -70,9 +70,10 @@ Expected<SensorFormat> sensorNamed(const std::string& option, const std::string&
     }
   }
   if (matches.size() == 1) return matches.front();
-  return refused(option, text,
-                 matches.empty() ? "sensor not found; " + suggestion(text, *formats)
-                                 : "more than one sensor; expected one of " + listed(matches));
+  return tl::unexpected(failure(
+      kExitUsage, option,
+      matches.empty() ? "no sensor \"" + text + "\"; " + suggestion(text, *formats)
+                      : "more than one sensor matches \"" + text + "\": " + listed(matches)));
 }
 
 }  // namespace vantrel::cli

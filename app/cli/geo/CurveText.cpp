@@ -82,10 +82,11 @@ std::string curveDetails(const PinCurve& pair, const Console& console) {
   };
   std::string distance;
   appendDistance(distance, pair.curve.distance());
-  return console.labelled({{"Azimuth at the start", azimuth(pair.curve.startAzimuth())},
-                           {"Azimuth back", azimuth(pair.curve.endAzimuth())},
-                           {"Distance", distance + " m"},
-                           {"Apparent elevation", degreesText(pair.curve.apparentElevation())}});
+  return console.labelled("Azimuth at the start", azimuth(pair.curve.startAzimuth()), kWideLabel) +
+         console.labelled("Azimuth back", azimuth(pair.curve.endAzimuth()), kWideLabel) +
+         console.labelled("Distance", distance + " m", kWideLabel) +
+         console.labelled("Apparent elevation", degreesText(pair.curve.apparentElevation()),
+                          kWideLabel);
 }
 
 void appendCurveLine(std::string& text, const PinCurve& pair) {

@@ -24,6 +24,9 @@ struct PinCurve {
   Direction direction = Direction::kKnown;
 };
 
+/// The width of the labels of several values.
+inline constexpr std::size_t kWideLabel = 21;
+
 /// Returns one labelled line for each value.
 std::string curveDetails(const PinCurve& pair, const Console& console);
 

@@ -28,14 +28,13 @@ struct Answer {
 
 int print(const std::vector<Answer>& answers, Console& console) {
   Json json = Json::object();
-  Console::LabelledValues lines;
+  std::string text;
   for (const auto& answer : answers) {
     json[answer.key] = answer.value;
-    lines.emplace_back(answer.label, answer.text);
+    text += answers.size() == 1 ? answer.text + "\n"
+                                : console.labelled(answer.label, answer.text, kWideLabel);
   }
-  console.print(console.isJson()    ? jsonText(json)
-                : lines.size() == 1 ? lines.front().second + "\n"
-                                    : console.labelled(lines));
+  console.print(console.isJson() ? jsonText(json) : text);
   return kExitDone;
 }
 
@@ -167,12 +166,12 @@ void fillGeoCommands(CLI::App& parser, Session& session) {
   const auto height = addCommand(
       parser, session, "height",
       "Height above the object's terrain at which the observer sees the sun or moon", &showHeight);
-  addSightOptions(height.parser, height.given, "--sun-moon-elevation", "DEGREES",
+  addSightOptions(height.parser, height.options, "--sun-moon-elevation", "DEGREES",
                   "Of the sun or moon above the horizon");
   const auto elevation = addCommand(
       parser, session, "elevation",
       "Angle at which the observer sees a height above the object's terrain", &showElevation);
-  addSightOptions(elevation.parser, elevation.given, "--apparent-height", "METRES",
+  addSightOptions(elevation.parser, elevation.options, "--apparent-height", "METRES",
                   "Above the object's terrain");
 }
 

@@ -6,8 +6,6 @@
 #include <utility>
 
 #include "cli/Arguments.h"
-#include "common/ExitCode.h"
-#include "platform/text/Utf8.h"
 
 namespace vantrel::cli {
 
@@ -19,9 +17,9 @@ struct Axis {
   char negative;
   const char* expected;
 };
-constexpr Axis kLatitude{90, 'N', 'S', "expected degrees from -90 to 90, or 0 to 90 with N or S"};
+constexpr Axis kLatitude{90, 'N', 'S', "degrees from -90 to 90, or 0 to 90 followed by N or S"};
 constexpr Axis kLongitude{540, 'E', 'W',
-                          "expected degrees from -540 to 540, or 0 to 540 with E or W"};
+                          "degrees from -540 to 540, or 0 to 540 followed by E or W"};
 
 std::optional<double> degrees(std::string_view text, const Axis& axis) {
   double sign = 1;
@@ -39,19 +37,11 @@ std::optional<double> degrees(std::string_view text, const Axis& axis) {
   return sign * *number;
 }
 
-/// Returns the error for a word, which is shortened: it may be of any length.
-tl::unexpected<Error> refusedWord(const std::string& name, std::string_view text,
-                                  const char* expected) {
-  constexpr std::size_t kMostQuoted = 40;
-  const std::string quoted(beginning(text, kMostQuoted));
-  return refused(name, quoted.size() < text.size() ? quoted + "..." : quoted, expected);
-}
-
 }  // namespace
 
 Expected<double> hemisphereLatitudeFromArgument(const std::string& name, const std::string& text) {
   if (const auto number = degrees(text, kLatitude)) return *number;
-  return refusedWord(name, text, kLatitude.expected);
+  return invalidArgument(name, text, kLatitude.expected);
 }
 
 Expected<PinPair> pinPairFromArguments(PinPairTexts texts, bool isLonLat) {
@@ -76,7 +66,8 @@ Expected<PinPair> pinPairFromArguments(PinPairTexts texts, bool isLonLat) {
   for (std::size_t i = 0; i < texts.size(); ++i) {
     const auto& [name, axis, target] = fields[i];
     const auto value = axis ? degrees(texts[i], *axis) : finiteNumber(texts[i]);
-    if (!value) return refusedWord(name, texts[i], axis ? axis->expected : "expected metres, a finite number");
+    if (!value)
+      return invalidArgument(name, texts[i], axis ? axis->expected : "a finite number of metres");
     target = *value;
   }
   return pins;

@@ -23,15 +23,14 @@ template <int kLeast, int kMost>
 Expected<int> countFromArgument(const std::string& name, const std::string& text) {
   const auto count = integerFromArgument(name, text);
   if (count && *count >= kLeast && *count <= kMost) return static_cast<int>(*count);
-  return refused(
-      name, text,
-      "expected a whole number from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
+  return invalidArgument(
+      name, text, "an integer from " + std::to_string(kLeast) + " to " + std::to_string(kMost));
 }
 
 Expected<std::int32_t> systemFromArgument(const std::string& name, const std::string& text) {
   if (text == "metric") return DistanceUnitsManager::kMetric;
   if (text == "imperial") return DistanceUnitsManager::kImperial;
-  return refused(name, text, "expected metric or imperial");
+  return invalidArgument(name, text, "metric or imperial");
 }
 
 const char* systemName(const DistanceUnitsManager& manager) {
@@ -90,7 +89,7 @@ Expected<void> checkUnit(const DistanceUnitsManager& manager, const char* option
   if (!name || manager.indexOfUnit(*name) != -1) return {};
   std::string names;
   for (const auto& unit : manager.units()) names += (names.empty() ? "" : ", ") + unit.name();
-  return refused(option, *name, "expected one of " + names);
+  return invalidArgument(option, *name, "one of " + names);
 }
 
 struct BestRequest {

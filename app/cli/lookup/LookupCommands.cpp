@@ -81,7 +81,7 @@ void fillLookupCommands(CLI::App& parser, Session& session) {
   altitude.add_flag("--google", request.service.google, "Ask Google; requires your own key")
       ->excludes(username);
   const auto zone = addCommand(parser, session, "timezone", "Show the time zone", &showTimeZone);
-  addRequestOptions(zone.parser, zone.given);
+  addRequestOptions(zone.parser, zone.options);
 }
 
 }  // namespace vantrel::cli

@@ -16,7 +16,7 @@ Expected<std::int32_t> accuracyFromArgument(const std::string& option, const std
   if (code && *code >= Limits::min() && *code <= Limits::max()) {
     return static_cast<std::int32_t>(*code);
   }
-  return refused(option, text, "expected a whole number of 32 bits");
+  return invalidArgument(option, text, "a 32-bit integer");
 }
 
 }  // namespace
@@ -67,7 +67,7 @@ Expected<void> lookUpAltitude(PinChanges& changes,
     return tl::unexpected(failure(code, "--altitude auto", why));
   };
   if (!stored && !(changes.latitude && changes.longitude)) {
-    return fail(kExitUsage, "no place is stored; give --latitude and --longitude");
+    return fail(kExitUsage, "requires --latitude and --longitude");
   }
   const LocationCoordinate2D at = stored.value_or(LocationCoordinate2D());
   const auto found = altitudeOfPlace(
@@ -81,7 +81,7 @@ Expected<void> lookUpAltitude(PinChanges& changes,
 Expected<float> altitudeFromArgument(const std::string& option, const std::string& text) {
   auto altitude = floatFromArgument(option, text);
   if (!altitude || PinLocation::isValid(*altitude)) return altitude;
-  return refused(option, text, "this number marks an unknown altitude");
+  return invalidArgument(option, text, "an altitude in metres");
 }
 
 }  // namespace vantrel::cli

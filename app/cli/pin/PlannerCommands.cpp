@@ -23,12 +23,6 @@ struct Preset {
   std::optional<Date> date;
 };
 
-Expected<Date> dateFromArgument(const std::string& option, const std::string& text) {
-  return momentFromArgument(option, text, TimeZone::defaultTimeZone()).map([](const Moment& m) {
-    return m.first;
-  });
-}
-
 /// Returns the value of a key, read by `read`; `nullopt` if the settings lack it.
 template <typename T>
 std::optional<T> valueOf(const UserDefaults& defaults, std::string_view key,

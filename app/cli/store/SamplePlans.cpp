@@ -6,7 +6,13 @@
 #include <cmath>
 #include <numbers>
 
+#include "base/Clock.h"
+#include "cli/plan/PlanSelection.h"
+#include "common/ExitCode.h"
+#include "common/StoreAccess.h"
 #include "platform/text/TimeZone.h"
+#include "store/Planning.h"
+#include "store/VantrelPrefiller.h"
 
 namespace vantrel::cli {
 
@@ -106,22 +112,63 @@ Date sunPassesAltitude(double altitude, bool inTheMorning, int civilDay, double 
   return Date((transit + (inTheMorning ? -halfArc : halfArc)) * kSecondsPerDay);
 }
 
+/// When the sun is where the rule wants it, rounded to five minutes.
+Date dateFor(const Rule& rule, Date now) {
+  const TimeZone zone = TimeZone::timeZoneOrDefault(rule.timezone);
+  const Date passage =
+      sunPassesAltitude(rule.sunAltitude, rule.inTheMorning, civilDayFor(rule, now, zone),
+                        rule.latitude, rule.longitude);
+  const double exact =
+      passage.timeIntervalSinceReferenceDate() + rule.minutesAfter * kSecondsPerMinute;
+  return Date(std::round(exact / kRounding) * kRounding);
+}
+
+/// Whether the store has the sample, in any language, with a date in the future.
+Expected<bool> isPlanned(ManagedObjectContext& context, const Rule& rule, Date now) {
+  FetchRequest request;
+  request.predicate = Predicate::equal("latitude", rule.latitude);
+  return fetchPlans(context, request).map([&](const Plans& plans) {
+    return std::any_of(plans.begin(), plans.end(), [&](const auto& plan) {
+      return plan->longitude() == rule.longitude && plan->date() >= now;
+    });
+  });
+}
+
+Expected<void> addSample(ManagedObjectContext& context, const Rule& rule, Date now) {
+  const auto plan =
+      std::dynamic_pointer_cast<Planning>(context.insertNewObject(Planning::kEntityName));
+  if (!plan) {
+    return tl::unexpected(failure(kExitInternal, "store sample", "the model has no plans"));
+  }
+  const std::string key = "plan_sample_" + std::string(rule.key);
+  plan->setName(key + "_name");
+  plan->setNotes(key + "_notes");
+  plan->setTimezone(rule.timezone);
+  plan->setLatitude(rule.latitude);
+  plan->setLongitude(rule.longitude);
+  plan->setDate(dateFor(rule, now));
+  // Only the sample: translating the user's plans would turn absent notes into empty ones.
+  VantrelPrefiller::translatePlanning(*plan);
+  return {};
+}
+
 }  // namespace
 
-std::vector<SamplePlan> samplePlans(Date now) {
-  std::vector<SamplePlan> plans;
+int addSamplePlans(Console& console) {
+  const auto context = contextForWriting();
+  if (!context) return console.fail(context.error());
+  const Date now = Clock::sharedClock().now();
+  int added = 0;
   for (const auto& rule : kRules) {
-    const TimeZone zone = TimeZone::timeZoneOrDefault(rule.timezone);
-    const Date passage =
-        sunPassesAltitude(rule.sunAltitude, rule.inTheMorning, civilDayFor(rule, now, zone),
-                          rule.latitude, rule.longitude);
-    const double exact =
-        passage.timeIntervalSinceReferenceDate() + rule.minutesAfter * kSecondsPerMinute;
-    const std::string key = "plan_sample_" + std::string(rule.key);
-    plans.push_back({key + "_name", key + "_notes", rule.timezone, rule.latitude, rule.longitude,
-                     Date(std::round(exact / kRounding) * kRounding)});
+    const auto planned = isPlanned(**context, rule, now);
+    if (!planned) return console.fail(planned.error());
+    if (*planned) continue;
+    if (const auto done = addSample(**context, rule, now); !done) return console.fail(done.error());
+    ++added;
   }
-  return plans;
+  if (const auto saved = (*context)->save(); !saved) return console.fail(saved.error());
+  console.note(std::to_string(added) + " sample plans added; see them with vantrel today");
+  return kExitDone;
 }
 
 }  // namespace vantrel::cli

@@ -1,23 +1,11 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
-#include "base/Date.h"
+#include "cli/Console.h"
 
 namespace vantrel::cli {
 
-/// A sample plan. `name` and `notes` are keys of the string table "Plannings".
-struct SamplePlan {
-  std::string name;
-  std::string notes;
-  std::string timezone;
-  double latitude = 0;
-  double longitude = 0;
-  Date date;
-};
-
-/// Returns eight plans after `now`, each at a time with suitable light.
-std::vector<SamplePlan> samplePlans(Date now);
+/// Runs `store sample`: adds eight plans on the next days, each at a time with suitable light,
+/// except those that the store has already. Returns the exit code.
+int addSamplePlans(Console& console);
 
 }  // namespace vantrel::cli

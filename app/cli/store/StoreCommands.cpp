@@ -1,11 +1,7 @@
-#include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 
-#include "base/Clock.h"
 #include "cli/Command.h"
 #include "cli/JsonText.h"
-#include "cli/plan/PlanSelection.h"
 #include "cli/store/SamplePlans.h"
 #include "common/ExitCode.h"
 #include "common/StoreAccess.h"
@@ -18,7 +14,6 @@
 #include "store/Database.h"
 #include "store/Image.h"
 #include "store/Planning.h"
-#include "store/VantrelPrefiller.h"
 
 namespace vantrel::cli {
 
@@ -117,58 +112,13 @@ int showStore(Console& console) {
   return kExitDone;
 }
 
-/// Whether the store has the sample, in any language, with a date in the future.
-Expected<bool> isPlanned(ManagedObjectContext& context, const SamplePlan& sample, Date now) {
-  FetchRequest request;
-  request.predicate = Predicate::equal("latitude", sample.latitude);
-  return fetchPlans(context, request).map([&](const Plans& plans) {
-    return std::any_of(plans.begin(), plans.end(), [&](const auto& plan) {
-      return plan->longitude() == sample.longitude && plan->date() >= now;
-    });
-  });
-}
-
-Expected<void> addSample(ManagedObjectContext& context, const SamplePlan& sample) {
-  const auto plan =
-      std::dynamic_pointer_cast<Planning>(context.insertNewObject(Planning::kEntityName));
-  if (!plan) {
-    return tl::unexpected(failure(kExitInternal, "store sample", "the model has no plans"));
-  }
-  plan->setName(sample.name);
-  plan->setNotes(sample.notes);
-  plan->setTimezone(sample.timezone);
-  plan->setLatitude(sample.latitude);
-  plan->setLongitude(sample.longitude);
-  plan->setDate(sample.date);
-  // Only the sample: translating the user's plans would turn absent notes into empty ones.
-  VantrelPrefiller::translatePlanning(*plan);
-  return {};
-}
-
-int addSamples(Console& console) {
-  const auto context = contextForWriting();
-  if (!context) return console.fail(context.error());
-  const Date now = Clock::sharedClock().now();
-  int added = 0;
-  for (const auto& sample : samplePlans(now)) {
-    const auto planned = isPlanned(**context, sample, now);
-    if (!planned) return console.fail(planned.error());
-    if (*planned) continue;
-    if (const auto done = addSample(**context, sample); !done) return console.fail(done.error());
-    ++added;
-  }
-  if (const auto saved = (*context)->save(); !saved) return console.fail(saved.error());
-  console.note(std::to_string(added) + " sample plans added; see them with vantrel today");
-  return kExitDone;
-}
-
 }  // namespace
 
 void fillStoreCommands(CLI::App& parser, Session& session) {
   parser.require_subcommand(1);
   addCommand(parser, session, "info", "Describe the store, without changing it", &showStore);
   addCommand(parser, session, "sample",
-             "Add eight sample plans on the next days; creates the store", &addSamples);
+             "Add eight sample plans on the next days; creates the store", &addSamplePlans);
   fillStoreUpkeepCommands(parser, session);
 }
 

@@ -66,7 +66,7 @@ int addIdentifiers(Console& console) {
   if (!after) return console.fail(after.error());
   const Change change{*before, *after};
   console.print(console.isJson() ? jsonText({{"withoutIdentifier", change.json()}})
-                                 : "Without identifier: " + change.text() + "\n");
+                                 : console.labelled("Without identifier", change.text(), 19));
   if (change.after == 0) return kExitDone;
   return console.fail(failure(kExitInputOutput, "store identifiers",
                               std::to_string(change.after) + " records still have none"));
