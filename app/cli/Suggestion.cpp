@@ -60,13 +60,6 @@ std::string folded(const std::string& name) {
   return result;
 }
 
-std::string upperCase(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
-  return result;
-}
-
 Error ambiguous(const std::string& text, const std::string& why,
                 const std::vector<std::string>& candidates) {
   constexpr std::size_t kMostCandidates = 10;

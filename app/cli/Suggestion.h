@@ -17,9 +17,6 @@ std::optional<std::string> nearestWord(const std::string& word,
 /// hyphens and underscores, "x" for the multiplication sign.
 std::string folded(const std::string& name);
 
-/// Changes ASCII letters only.
-std::string upperCase(std::string_view text);
-
 /// Returns the usage error for a `text` that matches several records: `why`, and the first ten
 /// candidates, one per line.
 Error ambiguous(const std::string& text, const std::string& why,

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "cli/Arguments.h"
 #include "cli/Command.h"
 #include "cli/Suggestion.h"
@@ -37,9 +38,9 @@ std::string_view nameOfFormat(ExchangeFormat format) {
 }
 
 std::optional<ExchangeFormat> formatOfFileName(const std::string& name) {
-  const std::string extension = upperCase(std::filesystem::path(name).extension().string());
+  const std::string extension = asciiUpper(std::filesystem::path(name).extension().string());
   for (const auto& [known, format] : kFormats) {
-    if (extension == "." + upperCase(known)) return format;
+    if (extension == "." + asciiUpper(known)) return format;
   }
   return std::nullopt;
 }
