@@ -88,12 +88,12 @@ class ShownCommands(unittest.TestCase):
                     self.assertIn(done.returncode, allowed, f"{command}\n{done.stderr}")
 
     def test_in_readme(self):
-        self.check(from_markdown((SOURCE / "README.md").read_text()), 20)
+        self.check(from_markdown((SOURCE / "README.md").read_text()), 5)
 
     def test_in_docs(self):
         for document in sorted((SOURCE / "docs").glob("*.md")):
             with self.subTest(document.name):
-                self.check(from_markdown(document.read_text()), 0)
+                self.check(from_markdown(document.read_text()), {"guide.md": 30}.get(document.name, 0))
 
     def test_in_pages(self):
         for page in ("vantrel.1", "vantrel-today.1"):
