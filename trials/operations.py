@@ -1,4 +1,4 @@
-"""Everything that writes, in one table, and the data that it writes to."""
+"""All operations that write, and the data they change."""
 
 import collections
 import datetime
@@ -55,7 +55,7 @@ def doubled(world):
 
 
 def older(world):
-    """The store as the version before last wrote it."""
+    """A store of the model version before last."""
     plans(world)
     info = plistlib.loads((world.program.parent / "bundle/Vantrel.momd/VersionInfo.plist").read_bytes())
     connection = sqlite3.connect(world.store)

@@ -13,7 +13,7 @@ import tempfile
 from journeys import ACCOUNT, KEY, NAME, NOTES, Walk
 
 SECRETS = [text.encode() for text in (NAME, NOTES, ACCOUNT, KEY)]
-# Where the photographer put them: the stores, the files exported, the key, the settings.
+# Files that may contain secrets: stores, exported files, the key, settings.
 PUT_THERE = re.compile(r"group/Vantrel\.sqlite(-wal|-shm)?|copy/Vantrel\.sqlite|plans\.\w+|key|"
                        r"group/Library/Preferences/group\.vantrel\.vantrel\.plist|"
                        r"\.config/vantrel/vantrel\.plist|trace|card\.png|sheet\.png")
@@ -22,8 +22,7 @@ ENDED_BY_TIMEOUT = 124
 
 
 def sockets(trace: pathlib.Path) -> tuple[set[str], set[str]]:
-    """What the trace tells, which is then forgotten: the families of all sockets ("AF_UNIX"), and the
-    places in the file system that were connected to."""
+    """Returns the socket families in `trace` ("AF_UNIX") and the paths connected to; empties `trace`."""
     text = trace.read_text(errors="replace")
     trace.write_text("")
     return set(re.findall(r"\bsocket\((\w+)", text)), set(re.findall(r'sun_path=@?"([^"]*)"', text))

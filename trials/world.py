@@ -1,4 +1,4 @@
-"""The program in a folder of its own, and what stands on the disk there, read by others."""
+"""Runs the program in a temporary folder and reads the files there with other libraries."""
 
 import os
 import pathlib
@@ -10,7 +10,7 @@ import subprocess
 import tempfile
 
 IDENTIFIER = re.compile(r"[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")
-# What stands beside a store or settings while they are used, and says nothing by itself.
+# Files that accompany a store or settings in use.
 COMPANIONS = ("-wal", "-shm", "-journal", ".plist.lock")
 
 
@@ -34,7 +34,7 @@ class World:
                               text=True, errors="replace", timeout=120, check=False)
 
     def say(self, *arguments, **environment):
-        """What it prints; it has to succeed."""
+        """Returns the standard output. Errors: AssertionError if the exit code is not 0."""
         done = self.run(*arguments, **environment)
         if done.returncode:
             raise AssertionError(f"{arguments}: exit {done.returncode}, {done.stderr.strip()}")
@@ -55,13 +55,13 @@ class World:
                       if path.is_file() and not path.name.endswith(COMPANIONS))
 
     def state(self):
-        """What every file holds, without what differs from run to run. A store without a record is
-        as good as none."""
+        """Returns the content of every file, without values that differ between runs. Omits stores
+        without records."""
         held = {str(path.relative_to(self.root)): content(path) for path in self.files()}
         return {path: holds for path, holds in held.items() if not is_empty_store(holds)}
 
     def answers(self):
-        """The same as the program tells it."""
+        """Returns the same data as printed by the program."""
         asked = [("plan", "list"), ("camera", "list"), ("defaults", "list"), ("observer", "show")]
         runs = [self.run(*words, "--json") for words in asked]
         return [(run.returncode, IDENTIFIER.sub("*", run.stdout)) for run in runs]
@@ -81,7 +81,8 @@ def is_empty_store(holds):
 
 
 def rows(store):
-    """All a store's tables. A copy is opened, which leaves the store as a stopped program left it."""
+    """Returns all tables of a store. Opens a copy, so that the log of a killed program is not
+    checkpointed into the store."""
     with tempfile.TemporaryDirectory() as folder:
         copy = pathlib.Path(folder) / "copy"
         for suffix in ("", "-wal", "-journal"):
