@@ -49,7 +49,7 @@ void TodayProgram::bringToFront(CardWindow& window) {
     window.show();
     window.raise();
     window.activateWindow();
-    // Good for one use, and for no program that is started later.
+    // Activation tokens are single-use and must not be inherited by child processes.
     qunsetenv("XDG_ACTIVATION_TOKEN");
     qunsetenv("DESKTOP_STARTUP_ID");
   };
@@ -74,6 +74,10 @@ bool TodayProgram::openLink(const std::string& link) {
   if (!sheet_) {
     sheet_ = new PlanSheetWindow(measurer_, opener_, options_.dark);
     makeOwn(*sheet_);
+    // The row that was opened still has the keyboard focus of its window.
+    connect(sheet_, &QObject::destroyed, this, [this] {
+      if (window_ && window_->isVisible()) window_->activateWindow();
+    });
   }
   sheet_->showPlan(**plan);
   bringToFront(*sheet_);

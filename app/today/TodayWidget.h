@@ -8,7 +8,8 @@
 
 namespace vantrel {
 
-/// The card of a widget's host: shows its lives, and hands it the touches of the rows. Main thread.
+/// The card of a widget's host: shows what it describes, and passes it the touches of the rows.
+/// Main thread only.
 class TodayWidget : public CardWidget {
   Q_OBJECT
 
@@ -22,6 +23,7 @@ class TodayWidget : public CardWidget {
   /// How long a change of height takes, in milliseconds; 0 for none.
   void setAnimationDuration(int milliseconds) { animation_.setDuration(milliseconds); }
   int naturalHeight() const override;
+  const std::vector<TouchButton*>& rowButtons() const { return rows_; }
 
  signals:
   /// A row's touch has ended or was cancelled, and the widget has done what it does about it.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QAction>
 #include <optional>
+#include <vector>
 
 #include "today/TodayWidget.h"
 #include "today/WidgetHost.h"
@@ -9,8 +11,8 @@
 
 namespace vantrel {
 
-/// The window that hosts the widget and begins a new life of it whenever what is shown grows old.
-/// Main thread.
+/// The window that hosts the widget, and begins a new life of it when its content is out of date.
+/// Main thread only.
 class TodayWindow : public CardWindow {
   Q_OBJECT
 
@@ -33,9 +35,18 @@ class TodayWindow : public CardWindow {
   void textScaleChanged() override;
 
  private:
+  /// The context menu of a row.
+  struct RowMenu {
+    QAction* copyCoordinates;
+    QAction* showOnMap;
+  };
+  void addRowMenu(std::size_t row);
+  void showLife();
+
   WindowState state_;
   WidgetHost host_;
   TodayWidget* widget_;
+  std::vector<RowMenu> menus_;
 };
 
 }  // namespace vantrel

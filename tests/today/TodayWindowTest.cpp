@@ -3,8 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QEnterEvent>
+#include <QMenu>
 #include <QPointingDevice>
 #include <QTest>
+#include <QTimer>
 #include <filesystem>
 #include <functional>
 
@@ -147,6 +151,51 @@ TEST_F(TodayWindowTest, LargeLettersStayWholeInCompactMode) {
   EXPECT_GE(window_->height(), layout.pictureHeight() - 1);
 }
 
+TEST_F(TodayWindowTest, ARowHasAMenuAndATint) {
+  addTwoPlans();
+  store().planNamed("Milky Way")->setLatitude(41.3851);
+  store().planNamed("Milky Way")->setLongitude(-2.1734);
+  save();
+  openWindow();
+  std::string menus;
+  for (std::size_t i = 0; i < 2; ++i) {
+    for (const auto* action : row(i)->actions()) {
+      menus += (action->isEnabled() ? "" : "-") + action->text().toStdString() + "\n";
+    }
+  }
+  EXPECT_EQ(menus,
+            "Open\nCopy link\nCopy coordinates\nShow on map\n"
+            "Open\nCopy link\n-Copy coordinates\n-Show on map\n");
+  row(0)->actions().at(2)->trigger();
+  EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "41.38510, -2.17340");
+  row(0)->actions().at(3)->trigger();
+  row(0)->actions().at(0)->trigger();
+  ASSERT_TRUE(waitFor([&] { return opener_.links.size() == 2; }));
+  EXPECT_EQ(opener_.links, (std::vector<std::string>{"geo:41.3851000,-2.1734000",
+                                                     deepLink(*store().planNamed("Milky Way"))}));
+
+  const QImage before = card().grab(row(1)->geometry()).toImage();
+  QEnterEvent enter({1, 1}, {1, 1}, {1, 1});
+  QApplication::sendEvent(row(1), &enter);
+  EXPECT_NE(card().grab(row(1)->geometry()).toImage(), before);
+  QEvent leave(QEvent::Leave);
+  QApplication::sendEvent(row(1), &leave);
+  EXPECT_EQ(card().grab(row(1)->geometry()).toImage(), before);
+
+  // The keyboard opens the menu of the row that has the focus.
+  row(0)->setFocus(Qt::TabFocusReason);
+  QContextMenuEvent byKey(QContextMenuEvent::Keyboard, {5, 5}, row(0)->mapToGlobal(QPoint(5, 5)));
+  std::string first;
+  QTimer::singleShot(0, [&] {
+    if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+      first = menu->actions().at(0)->text().toStdString();
+      menu->close();
+    }
+  });
+  QApplication::sendEvent(row(0), &byKey);
+  EXPECT_EQ(first, "Open");
+}
+
 TEST_F(TodayWindowTest, WithoutAHandlerTheLinkCanBeCopied) {
   addTwoPlans();
   opener_.result = LinkOpener::Result::kNoHandler;
@@ -157,10 +206,16 @@ TEST_F(TodayWindowTest, WithoutAHandlerTheLinkCanBeCopied) {
   QTest::mouseClick(button("Copy link"), Qt::LeftButton);
   EXPECT_EQ(QApplication::clipboard()->text().toStdString(), opener_.links.at(0));
 
-  // A bar on the card takes nothing from the rows, and goes when a link could be opened.
+  // A plan that cannot be shown.
+  opener_.result = LinkOpener::Result::kNoPlan;
+  QTest::mouseClick(row(0), Qt::LeftButton);
+  ASSERT_TRUE(waitFor([&] { return spoken() == "This plan is not among yours\n"; }));
+  EXPECT_NE(button("Copy link"), nullptr);
+
+  // The bar covers no rows, and disappears once a link was opened.
   opener_.result = LinkOpener::Result::kOpened;
   QTest::mouseClick(row(1), Qt::LeftButton);
-  ASSERT_TRUE(waitFor([&] { return opener_.links.size() == 2; }));
+  ASSERT_TRUE(waitFor([&] { return opener_.links.size() == 3; }));
   EXPECT_EQ(spoken(), "");
 }
 

@@ -39,10 +39,11 @@ struct CardContent {
   std::vector<Text> texts;
   bool rightToLeft = interfaceIsRightToLeft();
 
-  /// Where the keyboard is, and what is held down.
   enum class Part { kNone, kRow, kAction, kBarAction };
+  /// The part with the keyboard focus, the row under the pointer, and the part that is held down.
   Part focused = Part::kNone;
   std::size_t focusedRow = 0;
+  std::optional<std::size_t> hoveredRow;
   Part held = Part::kNone;
 };
 

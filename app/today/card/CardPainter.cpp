@@ -116,7 +116,9 @@ void CardPainter::paintRows(QPainter& painter, const CardContent& content, const
     const auto& place = layout.rows[i];
     const QColor text = theme.resolved(labels.title->textColor());
     const QColor untouched = theme.resolved(content.untouchedText);
-    if (const QColor backing = theme.backingFor(text, untouched); backing.isValid()) {
+    QColor backing = theme.backingFor(text, untouched);
+    if (!backing.isValid() && content.hoveredRow == i) backing = theme.hover;
+    if (backing.isValid()) {
       painter.setPen(Qt::NoPen);
       painter.setBrush(backing);
       painter.drawRoundedRect(place.shape, kShapeRadius, kShapeRadius);

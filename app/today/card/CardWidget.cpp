@@ -33,10 +33,10 @@ CardWidget::CardWidget(const QtTextMeasurer& measurer, QWidget* parent)
 
 TouchButton* CardWidget::addButton() {
   auto* button = new TouchButton(this);
-  connect(button, &TouchButton::touchBegan, this, &CardWidget::takeFocusAndHold);
-  connect(button, &TouchButton::touchEnded, this, &CardWidget::takeFocusAndHold);
-  connect(button, &TouchButton::touchCancelled, this, &CardWidget::takeFocusAndHold);
-  connect(button, &TouchButton::focusChanged, this, &CardWidget::takeFocusAndHold);
+  connect(button, &TouchButton::touchBegan, this, &CardWidget::takeLook);
+  connect(button, &TouchButton::touchEnded, this, &CardWidget::takeLook);
+  connect(button, &TouchButton::touchCancelled, this, &CardWidget::takeLook);
+  connect(button, &TouchButton::lookChanged, this, &CardWidget::takeLook);
   return button;
 }
 
@@ -85,7 +85,7 @@ void CardWidget::showContent() {
 void CardWidget::layOut() {
   layout_ = CardLayout::make(content_, width(), measurer_);
   placeButtons();
-  takeFocusAndHold();
+  takeLook();
   if (naturalHeight() == toldHeight_) return;
   toldHeight_ = naturalHeight();
   emit naturalHeightChanged();
@@ -106,8 +106,8 @@ void CardWidget::placeButtons() {
   }
 }
 
-/// Takes over from the buttons what is to be drawn of them.
-void CardWidget::takeFocusAndHold() {
+/// Copies the state of the buttons that is drawn.
+void CardWidget::takeLook() {
   using Part = CardContent::Part;
   content_.held = action_->isHeld()      ? Part::kAction
                   : barAction_->isHeld() ? Part::kBarAction
@@ -116,7 +116,9 @@ void CardWidget::takeFocusAndHold() {
   content_.focused = action_->showsFocus()      ? Part::kAction
                      : barAction_->showsFocus() ? Part::kBarAction
                                                 : Part::kNone;
+  content_.hoveredRow.reset();
   for (std::size_t row = 0; row < rows_.size(); ++row) {
+    if (rows_[row]->isHovered()) content_.hoveredRow = row;
     if (!rows_[row]->showsFocus()) continue;
     content_.focused = Part::kRow;
     content_.focusedRow = row;

@@ -24,7 +24,7 @@ class CardWidget : public QWidget {
   CardContent& content() { return content_; }
   void showContent();
   const CardLayout& layoutOfCard() const { return layout_; }
-  /// The button over the next row of the layout.
+  /// Creates the button of the next row of the layout. The widget owns it.
   TouchButton* addRow();
   void setBar(const std::optional<CardContent::Bar>& bar);
   void setTheme(const Theme& theme, const QColor& background);
@@ -50,7 +50,7 @@ class CardWidget : public QWidget {
  private:
   TouchButton* addButton();
   void placeButtons();
-  void takeFocusAndHold();
+  void takeLook();
 
   const QtTextMeasurer& measurer_;
   CardPainter painter_;

@@ -103,10 +103,13 @@ void CardWindow::openLink(const std::string& link, std::string_view noHandler) {
   using Result = LinkOpener::Result;
   notice_.reset();
   const auto result = opener_.open(link);
-  if (result == Result::kNoPlan) return tell(localized("today_link_plan_missing"));
   if (result != Result::kOpened) {
     linkToCopy_ = link;
-    notice_ = CardContent::Bar{localized(noHandler), localized("today_copy_link")};
+    // While opening, the program may have given a reason by `tell`.
+    const std::string reason = notice_                     ? notice_->text
+                               : result == Result::kNoPlan ? localized("today_link_plan_missing")
+                                                           : localized(noHandler);
+    notice_ = CardContent::Bar{reason, localized("today_copy_link")};
   }
   showBar();
 }
@@ -116,13 +119,13 @@ void CardWindow::tell(const std::string& message) {
   showBar();
 }
 
-void CardWindow::copyLink(const std::string& link) {
-  QGuiApplication::clipboard()->setText(QString::fromStdString(link));
-  const std::string copied = localized("today_link_copied");
-  tell(copied);
-  QTimer::singleShot(kCopiedNotice, this, [this, copied] {
+void CardWindow::copy(const std::string& text, std::string_view copied) {
+  QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+  const std::string message = localized(copied);
+  tell(message);
+  QTimer::singleShot(kCopiedNotice, this, [this, message] {
     // Rows must not move under a finger.
-    if (!notice_ || notice_->text != copied || card_->isTouched()) return;
+    if (!notice_ || notice_->text != message || card_->isTouched()) return;
     notice_.reset();
     showBar();
   });

@@ -41,10 +41,12 @@ class CardWindow : public QScrollArea {
 
   void setCard(CardWidget& card);
   CardWidget& card() const { return *card_; }
-  /// Opens a link; where there is nobody to open it, offers it to be copied under that text.
+  /// Opens a link. If that is impossible, shows the reason with a button to copy the link;
+  /// `noHandler` is the key of the text if no application handles it.
   void openLink(const std::string& link, std::string_view noHandler);
-  /// Copies a link, and says so for a while.
-  void copyLink(const std::string& link);
+  /// Copies a text and shows the message with the key `copied` for a few seconds.
+  void copy(const std::string& text, std::string_view copied);
+  void copyLink(const std::string& link) { copy(link, "today_link_copied"); }
   /// Shows what is wrong with the store, with one way out of it, instead of all that is told.
   void setProblem(const std::optional<Error>& problem);
   void ignoreStoreChangesSoFar() { triggers_.ignoreStoreChangesSoFar(); }

@@ -37,6 +37,7 @@ Theme darkTheme() {
   theme.action = toQColor(palette::vantrelBlue());
   theme.focus = toQColor(palette::vantrelYellow());
   theme.backing = QColor(0x3A, 0x3A, 0x3A);
+  theme.hover = QColor(0xFF, 0xFF, 0xFF, 0x17);
   theme.barFill = toQColor(palette::vantrelRedWithAlpha(0.13));
   theme.barText = QColor(0xFF, 0xD9, 0xCC);
   theme.shadowOpacity = 0.58;
@@ -55,6 +56,7 @@ Theme lightTheme() {
   theme.action = blue;
   theme.focus = blue;
   theme.backing = toQColor(palette::menuBackgroundColor());
+  theme.hover = QColor(0, 0, 0, 0x0F);
   theme.barFill = toQColor(palette::vantrelRedWithAlpha(0.08));
   theme.barText = QColor(0x7A, 0x23, 0x06);
   theme.shadowOpacity = 0.125;

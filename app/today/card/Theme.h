@@ -17,6 +17,7 @@ struct Theme {
   QColor action;     ///< "Show more", "Retry".
   QColor focus;
   QColor backing;  ///< Behind a touched row.
+  QColor hover;    ///< Behind the row under the pointer, drawn over the card.
   QColor barFill;  ///< Laid over the card.
   QColor barText;
   QColor barStripe;

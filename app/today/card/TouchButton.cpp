@@ -88,7 +88,7 @@ void TouchButton::mouseReleaseEvent(QMouseEvent* event) {
 void TouchButton::keyPressEvent(QKeyEvent* event) {
   if (!focusShown_) {
     focusShown_ = true;
-    emit focusChanged();
+    emit lookChanged();
   }
   if (isActivationKey(event->key())) {
     if (!event->isAutoRepeat()) begin();
@@ -104,6 +104,18 @@ void TouchButton::keyReleaseEvent(QKeyEvent* event) {
   if (!event->isAutoRepeat()) finish(true);
 }
 
+void TouchButton::enterEvent(QEnterEvent* event) {
+  QAbstractButton::enterEvent(event);
+  hovered_ = true;
+  emit lookChanged();
+}
+
+void TouchButton::leaveEvent(QEvent* event) {
+  QAbstractButton::leaveEvent(event);
+  hovered_ = false;
+  emit lookChanged();
+}
+
 void TouchButton::focusInEvent(QFocusEvent* event) {
   QAbstractButton::focusInEvent(event);
   // Coming back to the window, the ring is as it was.
@@ -112,17 +124,18 @@ void TouchButton::focusInEvent(QFocusEvent* event) {
                   event->reason() == Qt::BacktabFocusReason ||
                   event->reason() == Qt::ShortcutFocusReason;
   }
-  emit focusChanged();
+  emit lookChanged();
 }
 
 void TouchButton::focusOutEvent(QFocusEvent* event) {
   QAbstractButton::focusOutEvent(event);
   finish(false);
-  emit focusChanged();
+  emit lookChanged();
 }
 
 void TouchButton::hideEvent(QHideEvent* event) {
   QAbstractButton::hideEvent(event);
+  hovered_ = false;
   finish(false);
 }
 

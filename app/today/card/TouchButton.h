@@ -15,7 +15,10 @@ class TouchButton : public QAbstractButton {
   explicit TouchButton(QWidget* parent);
 
   bool isHeld() const { return held_; }
-  /// The keyboard is here, and the user came by it: a window that only opens shows no ring.
+  /// Whether the pointer is over the button.
+  bool isHovered() const { return hovered_; }
+  /// Whether the button has the keyboard focus and the user moved it by key: a window that was only
+  /// opened shows no focus ring.
   bool showsFocus() const { return hasFocus() && focusShown_; }
 
  signals:
@@ -24,7 +27,8 @@ class TouchButton : public QAbstractButton {
   void touchBegan();
   void touchEnded();
   void touchCancelled();
-  void focusChanged();
+  /// `showsFocus` or `isHovered` has changed.
+  void lookChanged();
 
  protected:
   bool event(QEvent* event) override;
@@ -33,6 +37,8 @@ class TouchButton : public QAbstractButton {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void hideEvent(QHideEvent* event) override;
@@ -44,6 +50,7 @@ class TouchButton : public QAbstractButton {
   bool handleTouch(QTouchEvent& event);
 
   bool held_ = false;
+  bool hovered_ = false;
   bool focusShown_ = false;
 };
 

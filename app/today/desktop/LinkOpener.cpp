@@ -11,12 +11,13 @@ namespace vantrel {
 LinkOpener::Result LinkOpener::open(const std::string& link) {
   const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(link), QUrl::StrictMode);
   if (!url.isValid()) return Result::kFailed;
-  // Asked first: the desktop's opener may fail long after it was started, and silently.
+  const bool isPlan = url.scheme() == QLatin1String("vantrel");
+  // Checked first: the desktop's opener may fail silently, long after it was started.
   const QString handler = handlerForScheme(url.scheme());
-  if (handler.isEmpty()) return Result::kNoHandler;
-  if (showPlan_ && handler == QLatin1String(kLinkEntry)) {
+  if (showPlan_ && isPlan && (handler.isEmpty() || handler == QLatin1String(kLinkEntry))) {
     return showPlan_(link) ? Result::kOpened : Result::kNoPlan;
   }
+  if (handler.isEmpty()) return Result::kNoHandler;
   return QDesktopServices::openUrl(url) ? Result::kOpened : Result::kFailed;
 }
 

@@ -5,22 +5,23 @@
 
 namespace vantrel {
 
-/// Opens links with the application that the desktop has for them.
+/// Opens links with the desktop's application for their scheme. Main thread only.
 class LinkOpener {
  public:
   enum class Result {
     kOpened,
     kNoHandler,
-    kNoPlan,  ///< This very program is the handler, and has no such plan.
+    kNoPlan,  ///< This program opens the link itself, but cannot show the plan.
     kFailed,
   };
-  /// Shows the plan of a link; false when there is none.
+  /// Shows the plan of a link. Returns false if that is impossible.
   using PlanShower = std::function<bool(const std::string& link)>;
 
-  /// `showPlan` is asked instead of the desktop where that would start this very program.
+  /// `showPlan` opens the links of plans unless another program handles them. Without it, the
+  /// desktop opens all links.
   explicit LinkOpener(PlanShower showPlan = {}) : showPlan_(std::move(showPlan)) {}
   virtual ~LinkOpener() = default;
-  /// `link` is opened byte for byte. Main thread.
+  /// Opens `link` byte for byte.
   virtual Result open(const std::string& link);
 
  private:

@@ -36,11 +36,6 @@ bool isOnEarth(double latitude, double longitude) {
   return std::abs(latitude) <= kLargestLatitude && std::abs(longitude) <= kLargestLongitude;
 }
 
-/// Latitude before longitude also where texts run from right to left.
-std::string placeText(double latitude, double longitude) {
-  return fmt::format("\u2066{:.5f}, {:.5f}\u2069", latitude, longitude);
-}
-
 std::string pictureCount(std::size_t number) {
   if (number == 0) return localized("today_sheet_no_pictures");
   NumberFormatter formatter;
@@ -49,6 +44,18 @@ std::string pictureCount(std::size_t number) {
 }
 
 }  // namespace
+
+std::optional<PlanPlace> placeOfPlan(const Planning& plan) {
+  const auto latitude = plan.latitude();
+  const auto longitude = plan.longitude();
+  if (!latitude || !longitude || !isOnEarth(*latitude, *longitude)) return std::nullopt;
+  return PlanPlace{fmt::format("{:.5f}, {:.5f}", *latitude, *longitude),
+                   fmt::format("geo:{:.7f},{:.7f}", *latitude, *longitude)};
+}
+
+std::string isolatedCoordinates(const PlanPlace& place) {
+  return "\u2066" + place.coordinates + "\u2069";
+}
 
 PlanSheetContent::PlanSheetContent(const Planning& plan)
     : title(beginning(plan.name().value_or(""), kMostTitle)), link(deepLink(plan)) {
@@ -67,13 +74,8 @@ PlanSheetContent::PlanSheetContent(const Planning& plan)
   } else {
     texts.push_back({Kind::kWhen, localized("today_plan_no_date")});
   }
-  const auto latitude = plan.latitude();
-  const auto longitude = plan.longitude();
-  if (latitude && longitude && isOnEarth(*latitude, *longitude)) {
-    place = placeText(*latitude, *longitude);
-    add("today_sheet_place", Kind::kPlace, place);
-    geoLink = fmt::format("geo:{:.7f},{:.7f}", *latitude, *longitude);
-  }
+  place = placeOfPlan(plan);
+  if (place) add("today_sheet_place", Kind::kPlace, isolatedCoordinates(*place));
   add("today_sheet_pictures", Kind::kDetail, pictureCount(plan.imageCount()));
   if (const auto notes = beginning(plan.notes().value_or(""), kMostNotes); !notes.empty()) {
     add("today_sheet_notes", Kind::kDetail, notes, kNotesLines);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,15 @@
 #include "today/card/CardContent.h"
 
 namespace vantrel {
+
+struct PlanPlace {
+  std::string coordinates;  ///< "41.38510, 2.17340".
+  std::string geoLink;      ///< "geo:41.3851000,2.1734000" (RFC 5870).
+};
+/// The coordinates for display: latitude before longitude in right-to-left interfaces, too.
+std::string isolatedCoordinates(const PlanPlace& place);
+/// `nullopt` if the plan has no coordinates on the globe.
+std::optional<PlanPlace> placeOfPlan(const Planning& plan);
 
 /// What the sheet of one plan tells, taken from the plan at one moment. Texts of the plan are plain
 /// text, cut where nobody would read on, and do not change the direction of what stands around
@@ -20,9 +30,8 @@ struct PlanSheetContent {
 
   std::vector<CardContent::Text> texts;
   std::string title;
-  std::string link;     ///< The deep link of the plan.
-  std::string place;    ///< "41.38510, 2.17340"; empty without a place.
-  std::string geoLink;  ///< "geo:41.3851000,2.1734000" (RFC 5870); empty without a place.
+  std::string link;  ///< The deep link of the plan.
+  std::optional<PlanPlace> place;
 };
 
 }  // namespace vantrel

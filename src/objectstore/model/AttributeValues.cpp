@@ -157,7 +157,14 @@ bool matches(Predicate::Operator op, const Value& value, const Value& wanted) {
   if (op == Predicate::Operator::kIsNil) return isAbsent;
   if (isAbsent || std::holds_alternative<std::monostate>(wanted)) return false;
   const int order = compareValues(value, wanted);
-  return op == Predicate::Operator::kEqual ? order == 0 : order >= 0;
+  switch (op) {
+    case Predicate::Operator::kEqual:
+      return order == 0;
+    case Predicate::Operator::kLessThan:
+      return order < 0;
+    default:
+      return order >= 0;
+  }
 }
 
 }  // namespace vantrel

@@ -9,7 +9,7 @@ namespace vantrel {
 /// Compares an attribute with a value. Text and bytes compare byte by byte; an absent attribute
 /// satisfies only kIsNil.
 struct Predicate {
-  enum class Operator { kEqual, kGreaterThanOrEqual, kIsNil };
+  enum class Operator { kEqual, kGreaterThanOrEqual, kLessThan, kIsNil };
   std::string key;
   Operator op = Operator::kEqual;
   Value value;
@@ -19,6 +19,9 @@ struct Predicate {
   }
   static Predicate greaterThanOrEqual(std::string key, Value value) {
     return {std::move(key), Operator::kGreaterThanOrEqual, std::move(value)};
+  }
+  static Predicate lessThan(std::string key, Value value) {
+    return {std::move(key), Operator::kLessThan, std::move(value)};
   }
   static Predicate isNil(std::string key) { return {std::move(key), Operator::kIsNil, {}}; }
 };

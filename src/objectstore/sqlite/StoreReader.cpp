@@ -99,7 +99,9 @@ StoreReader::Query StoreReader::queryForRequest(const FetchRequest& request,
       failStore(StoreErrorCode::kInvalidRequest,
                 "\"" + predicate.key + "\" cannot be compared with such a value");
     } else {
-      query.condition += predicate.op == Predicate::Operator::kEqual ? " = ?" : " >= ?";
+      query.condition += predicate.op == Predicate::Operator::kEqual      ? " = ?"
+                         : predicate.op == Predicate::Operator::kLessThan ? " < ?"
+                                                                          : " >= ?";
       query.values.push_back(*value);
     }
   }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "support/Guards.h"
+#include "today/desktop/LinkOpener.h"
 
 namespace vantrel {
 namespace {
@@ -64,6 +65,14 @@ TEST(SchemeHandler, FindsWhatTheDesktopWouldStart) {
     // Must not be waited for.
     ASSERT_EQ(::mkfifo((home / "config/ubuntu-mimeapps.list").c_str(), 0600), 0);
     EXPECT_EQ(handlerForScheme(QStringLiteral("vantrel")).toStdString(), c.expected);
+    if (*c.expected != '\0') continue;
+    // Without a handler, this program shows plans, but no places.
+    std::string shown;
+    LinkOpener opener([&](const std::string& link) { return (shown = link) == "vantrel://a"; });
+    EXPECT_EQ(opener.open("geo:1,2"), LinkOpener::Result::kNoHandler);
+    EXPECT_EQ(shown, "");
+    EXPECT_EQ(opener.open("vantrel://a"), LinkOpener::Result::kOpened);
+    EXPECT_EQ(opener.open("vantrel://b"), LinkOpener::Result::kNoPlan);
   }
 }
 

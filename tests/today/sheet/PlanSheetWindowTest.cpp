@@ -70,8 +70,29 @@ TEST_F(PlanSheetWindowTest, KeysReachTheLinkAndThePlace) {
   QTest::mouseClick(buttons().at(1), Qt::LeftButton);
   EXPECT_EQ(clipboard(), "geo:41.3851000,-2.1734000");
 
+  QTest::keyClick(window_.get(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(clipboard(), "41.38510, -2.17340");
+
   QTest::keyClick(window_.get(), Qt::Key_Escape);
   EXPECT_FALSE(window_->isVisible());
+}
+
+// Plans of one date follow each other by key.
+TEST_F(PlanSheetWindowTest, KeysShowThePlansBeforeAndAfter) {
+  const std::string dates[] = {"2026-07-16T03:52:00Z", "2026-07-17T00:00:00Z",
+                               "2026-07-15T00:00:00Z", "2026-07-15T00:00:00Z"};
+  for (const auto& date : dates) addPlan(date.substr(8, 2), date);
+  openSheet();
+  std::string seen;
+  const auto press = [&](Qt::Key key, int times) {
+    for (int i = 0; i < times; ++i) {
+      QTest::keyClick(window_.get(), key, Qt::AltModifier);
+      seen += window_->windowTitle().toStdString() + " ";
+    }
+  };
+  press(Qt::Key_Right, 3);
+  press(Qt::Key_Left, 5);
+  EXPECT_EQ(seen, "16 17 17 16 <b>Sunrise</b> 15 15 15 ");
 }
 
 TEST_F(PlanSheetWindowTest, MirroredItIsHitWhereItIsSeen) {
