@@ -42,8 +42,7 @@ std::optional<std::vector<std::chrono::minutes>> parseLeadTimes(std::string_view
     text.remove_prefix(comma + 1);
   }
   std::ranges::sort(leadTimes);
-  const auto repeated = std::ranges::unique(leadTimes);
-  leadTimes.erase(repeated.begin(), repeated.end());
+  leadTimes.erase(std::unique(leadTimes.begin(), leadTimes.end()), leadTimes.end());
   return leadTimes;
 }
 
