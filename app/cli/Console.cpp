@@ -33,6 +33,10 @@ bool isSet(const char* variable) {
 
 }  // namespace
 
+bool Console::isTerminal() {
+  return ::isatty(STDOUT_FILENO) != 0;
+}
+
 bool Console::terminalShowsColor() {
   const char* terminal = std::getenv("TERM");
   return ::isatty(STDOUT_FILENO) && !isSet("NO_COLOR") && terminal &&

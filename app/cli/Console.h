@@ -22,6 +22,8 @@ class Console {
   void setColor(bool color) { color_ = color; }
   /// Whether standard output is a terminal with colours and $NO_COLOR is not set.
   static bool terminalShowsColor();
+  /// Whether standard output is a terminal: words for people are left out elsewhere.
+  static bool isTerminal();
 
   /// Buffers `text` for standard output; it is written unchanged.
   void print(std::string_view text);

@@ -19,8 +19,8 @@ using nlohmann::json;
 
 constexpr int kMaxDepth = 4;
 constexpr std::size_t kMostValues = kMostPlansRead * 20;
-constexpr std::array kDerivedKeys = {"uri",     "link", "localDate", "images",
-                                     "started", "row",  "title",     "dateText"};
+constexpr std::array kDerivedKeys = {"uri",           "link",    "localDate", "images", "daysUntil",
+                                     "daysUntilHere", "started", "row",       "title",  "dateText"};
 
 /// Stops at a syntax error, or beyond the limits of depth and size. (The library's callback for its
 /// parser needs quadratic time for a long list.)

@@ -7,6 +7,7 @@
 #include "cli/JsonText.h"
 #include "cli/plan/PlanText.h"
 #include "store/PlanLink.h"
+#include "time/RelativeDay.h"
 
 namespace vantrel::cli {
 
@@ -14,7 +15,12 @@ namespace {
 
 Json jsonOfPlan(const Planning& plan) {
   const auto date = plan.date();
-  const int offset = date ? zoneOfPlan(plan).secondsFromGMTForDate(*date) : 0;
+  const TimeZone zone = zoneOfPlan(plan);
+  const int offset = date ? zone.secondsFromGMTForDate(*date) : 0;
+  const Date now = Clock::sharedClock().now();
+  const auto days = [&](const TimeZone& place) {
+    return date && hasIso8601String(*date) ? Json(daysUntil(*date, place, now)) : Json();
+  };
   return {
       {"uniqueIdentifier", orNull(plan.uniqueIdentifier())},
       {"uri", plan.objectID().URIRepresentation()},
@@ -27,7 +33,9 @@ Json jsonOfPlan(const Planning& plan) {
       {"latitude", orNull(plan.latitude())},
       {"longitude", orNull(plan.longitude())},
       {"images", plan.imageCount()},
-      {"started", date && hasIso8601String(*date) && *date <= Clock::sharedClock().now()},
+      {"started", date && hasIso8601String(*date) && *date <= now},
+      {"daysUntil", days(zone)},
+      {"daysUntilHere", days(TimeZone::defaultTimeZone())},
   };
 }
 

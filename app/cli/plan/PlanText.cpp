@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/Iso8601.h"
+#include "common/DayWords.h"
 #include "common/TerminalText.h"
 #include "store/PlanLink.h"
 
@@ -47,6 +48,7 @@ std::string wallMinuteText(Date date, const TimeZone& zone) {
 
 struct TableRow {
   std::string when;
+  std::string day;  ///< In words; empty unless on a terminal.
   std::string name;
   std::string zone;
   std::string here;
@@ -54,18 +56,19 @@ struct TableRow {
 };
 
 TableRow tableRow(const Planning& plan) {
-  TableRow row{kUnknown, shown(plan.name()), shown(plan.timezone()), "", ""};
+  TableRow row{kUnknown, "", shown(plan.name()), shown(plan.timezone()), "", ""};
   if (const auto date = plan.date()) {
     const TimeZone zone = zoneOfPlan(plan);
     row.when = wallMinuteText(*date, zone);
     row.here = hereText(*date, zone).value_or("");
+    if (Console::isTerminal()) row.day = dayWords(plan).value_or("");
   }
   const auto identifier = plan.uniqueIdentifier();
   row.identifier = identifier ? shortIdentifier(*identifier) : plan.objectID().URIRepresentation();
   return row;
 }
 
-constexpr std::array kColumns = {&TableRow::when, &TableRow::name, &TableRow::zone,
+constexpr std::array kColumns = {&TableRow::when, &TableRow::day, &TableRow::name, &TableRow::zone,
                                  &TableRow::here};
 
 }  // namespace
@@ -142,7 +145,8 @@ void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& co
       row.*kColumns[i] = paddedToCells(std::move(row.*kColumns[i]), widths[i]);
     }
     const std::string here = row.here.empty() ? "" : row.here + "  ";
-    console.print(row.when + "  " + console.bold(row.name) + "  " + row.zone + "  " + here +
+    const std::string day = row.day.empty() ? "" : row.day + "  ";
+    console.print(row.when + "  " + day + console.bold(row.name) + "  " + row.zone + "  " + here +
                   console.dim(row.identifier) + "\n");
   }
 }

@@ -8,6 +8,7 @@
 #include "base/StringFormat.h"
 #include "cli/JsonText.h"
 #include "cli/plan/PlanText.h"
+#include "common/DayWords.h"
 #include "common/TerminalText.h"
 #include "platform/system/Bundle.h"
 #include "platform/text/Calendar.h"
@@ -86,6 +87,8 @@ std::string todayText(const TodayList& today, const Console& console) {
   for (const auto& row : today.rows) {
     if (!text.empty()) text += "\n";
     text += console.bold(shown(row.title)) + "\n  " + row.dateText;
+    const auto day = Console::isTerminal() ? dayWords(*row.plan) : std::nullopt;
+    if (day) text += "  " + *day;
     if (const auto local = localText(*row.plan, formatter)) text += "  " + console.dim(*local);
     text += "\n";
   }

@@ -1,6 +1,7 @@
 #include "today/sheet/PlanDescription.h"
 
 #include "base/StringFormat.h"
+#include "common/DayWords.h"
 #include "platform/text/TimeZone.h"
 #include "today/InterfaceText.h"
 
@@ -19,7 +20,8 @@ std::string PlanDescription::name(const Planning& plan) const {
 }
 
 std::string PlanDescription::details(const Planning& plan) const {
-  return dateText(plan, true);
+  const auto day = dayWords(plan);
+  return dateText(plan, true) + (day ? ", " + *day : "");
 }
 
 std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan) const {
@@ -28,7 +30,7 @@ std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan)
   const TimeZone here = TimeZone::defaultTimeZone();
   const TimeZone zone = TimeZone::timeZoneOrDefault(plan.timezone());
   formatter_.setTimeZone(zone);
-  When when{formatter_.stringFromDate(*date), zone.name(), std::nullopt};
+  When when{formatter_.stringFromDate(*date), zone.name(), *dayWords(plan), std::nullopt};
   if (zone.secondsFromGMTForDate(*date) != here.secondsFromGMTForDate(*date)) {
     formatter_.setTimeZone(here);
     when.here = formatter_.stringFromDate(*date);

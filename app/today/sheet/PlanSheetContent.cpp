@@ -69,7 +69,7 @@ PlanSheetContent::PlanSheetContent(const Planning& plan)
   };
   if (const auto when = PlanDescription().when(plan)) {
     texts.push_back({Kind::kWhen, when->there});
-    texts.push_back({Kind::kZone, when->zone});
+    texts.push_back({Kind::kZone, when->zone + " · " + when->day});
     if (when->here) add("today_sheet_here", Kind::kDetail, *when->here);
   } else {
     texts.push_back({Kind::kWhen, localized("today_plan_no_date")});

@@ -83,7 +83,8 @@ store.commit())";
     ASSERT_TRUE(store.context.save());
   }
   EXPECT_EQ(sqlite(file_,
-                   "SELECT Z_UUID FROM Z_METADATA; SELECT count(*) FROM Z_MODELCACHE WHERE length(Z_CONTENT) > 1;"
+                   "SELECT Z_UUID FROM Z_METADATA; SELECT count(*) FROM Z_MODELCACHE WHERE "
+                   "length(Z_CONTENT) > 1;"
                    "SELECT sql FROM sqlite_schema WHERE name IN ('ZMINE', 'ZPLANNING')"),
             uuid +
                 "\n1\nCREATE TABLE ZPLANNING ( Z_PK INTEGER PRIMARY KEY, Z_ENT INTEGER, Z_OPT"
