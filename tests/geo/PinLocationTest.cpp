@@ -10,7 +10,7 @@ namespace {
 using PinLocationTest = test::SharedSettings;
 
 TEST_F(PinLocationTest, AltitudesReadInTheCurrentSystem) {
-  constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+  constexpr float kNotANumber = std::numeric_limits<float>::quiet_NaN();
   struct Case {
     std::int32_t system;
     float altitude;
@@ -41,7 +41,7 @@ TEST_F(PinLocationTest, AltitudesReadInTheCurrentSystem) {
       // Sentinels are not converted, feet are clamped.
       {1, -2147483648.0f, "--ft"},
       {1, 1e9f, "2147483647ft"},
-      {1, kNaN, "0ft"},
+      {1, kNotANumber, "0ft"},
   };
   const PinLocation pin;
   for (const auto& c : cases) {

@@ -20,14 +20,14 @@ namespace vantrel::cli {
 
 namespace {
 
-constexpr std::size_t kBlock = 1 << 18;
+constexpr std::size_t kReadSize = 1 << 18;
 constexpr std::string_view kBlanks = " \t\r\v\f";
 
 /// Calls `answer` for each line of `file`, and `flush` after the complete lines of each read; stops
 /// if `flush` returns false. Lines longer than a block are cut. Returns 0 or an errno.
 template <typename Answer, typename Flush>
 int forEachLine(int file, Answer answer, Flush flush) {
-  std::vector<char> block(kBlock);
+  std::vector<char> block(kReadSize);
   std::size_t filled = 0;
   bool isCut = false;
   for (;;) {
