@@ -54,18 +54,49 @@ class ModelArchive {
                           const EntityDescription& entity);
   Object addDefault(const AttributeDescription& attribute);
   void addIndexes(const EntityDescription& entity, Object object);
-  Object addText(const std::string& text) {
-    return text.empty() ? Object() : archiver_.addString(text);
-  }
+  /// Equal texts are one object.
+  Object addString(const std::string& text);
+  Object addText(const std::string& text) { return text.empty() ? Object() : addString(text); }
+  Object addArray(std::span<const Object> elements,
+                  const KeyedArchiver::ClassNames& classNames = {"NSArray", "NSObject"});
+  Object addDictionary(const Entries& entries);
 
   const ModelVersion& version_;
   KeyedArchiver archiver_;
+  std::map<std::string, Object> strings_;
   std::map<std::pair<std::string, std::string>, Object> relationships_;
 };
 
+Object ModelArchive::addString(const std::string& text) {
+  const auto [known, isNew] = strings_.try_emplace(text);
+  if (isNew) known->second = archiver_.addValue(PropertyList::string(text));
+  return known->second;
+}
+
+Object ModelArchive::addArray(std::span<const Object> elements,
+                              const KeyedArchiver::ClassNames& classNames) {
+  auto references = PropertyList::array();
+  for (const auto& element : elements) references.append(element.reference());
+  const auto object = archiver_.addObject(classNames);
+  object.encode(references, "NS.objects");
+  return object;
+}
+
+Object ModelArchive::addDictionary(const Entries& entries) {
+  std::vector<Object> values;
+  auto keys = PropertyList::array();
+  for (const auto& [key, value] : entries) {
+    keys.append(key.reference());
+    values.push_back(value);
+  }
+  const auto object = addArray(values, {"NSDictionary", "NSObject"});
+  object.encode(keys, "NS.keys");
+  return object;
+}
+
 Object ModelArchive::addDefault(const AttributeDescription& attribute) {
   const auto& value = attribute.defaultValue;
-  if (const auto* text = std::get_if<std::string>(&value)) return archiver_.addString(*text);
+  if (const auto* text = std::get_if<std::string>(&value)) return addString(*text);
   if (const auto* real = std::get_if<double>(&value)) {
     return archiver_.addValue(PropertyList::real(*real));
   }
@@ -80,7 +111,7 @@ void ModelArchive::fillProperty(Object property, const std::string& name, bool i
                                 bool isTransient) {
   if (isOptional) property.encodeBool(true, "NSIsOptional");
   if (isTransient) property.encodeBool(true, "NSIsTransient");
-  property.encodeObject(archiver_.addString(name), "NSPropertyName");
+  property.encodeObject(addString(name), "NSPropertyName");
 }
 
 Object ModelArchive::addAttribute(const AttributeDescription& attribute) {
@@ -99,7 +130,7 @@ Object ModelArchive::fillRelationship(const RelationshipDescription& relationshi
   const auto& destination = relationship.destinationEntityName;
   const auto object = relationships_[{entity.name, relationship.name}];
   fillProperty(object, relationship.name, true, relationship.isTransient);
-  object.encodeObject(archiver_.addString(destination), "_NSDestinationEntityName");
+  object.encodeObject(addString(destination), "_NSDestinationEntityName");
   object.encodeObject(relationships_[{destination, relationship.inverseName}],
                       "NSInverseRelationship");
   object.encodeObject(addText(relationship.inverseName), "_NSInverseRelationshipName");
@@ -114,31 +145,30 @@ void ModelArchive::addIndexes(const EntityDescription& entity, Object object) {
   if (entity.indexedAttributes.empty()) return;
   std::vector<Object> indexes;
   for (const auto& attribute : entity.indexedAttributes) {
-    const auto name = archiver_.addString(attribute);
+    const auto name = addString(attribute);
     const auto element = archiver_.addObject({"NSFetchIndexElementDescription", "NSObject"});
     element.encodeObject(name, "NSPropertyName");
     const auto index = archiver_.addObject({"NSFetchIndexDescription", "NSObject"});
     index.encodeObject(name, "NSIndexName");
-    index.encodeObject(archiver_.addArray(std::array{element}), "NSIndexElements");
+    index.encodeObject(addArray(std::array{element}), "NSIndexElements");
     indexes.push_back(index);
   }
-  object.encodeObject(archiver_.addArray(indexes), "NSFetchIndexDescriptions");
+  object.encodeObject(addArray(indexes), "NSFetchIndexDescriptions");
 }
 
 Object ModelArchive::addEntity(const EntityDescription& entity) {
   Entries properties;
   for (const auto& attribute : entity.attributes) {
-    properties.emplace_back(archiver_.addString(attribute.name), addAttribute(attribute));
+    properties.emplace_back(addString(attribute.name), addAttribute(attribute));
   }
   for (const auto& relationship : entity.relationships) {
-    properties.emplace_back(archiver_.addString(relationship.name),
-                            fillRelationship(relationship, entity));
+    properties.emplace_back(addString(relationship.name), fillRelationship(relationship, entity));
   }
-  const auto name = archiver_.addString(entity.name);
+  const auto name = addString(entity.name);
   const auto object = archiver_.addObject({"NSEntityDescription", "NSObject"});
   object.encodeObject(name, "NSEntityName");
   object.encodeObject(name, "NSClassNameForEntity");
-  object.encodeObject(archiver_.addDictionary(properties), "NSProperties");
+  object.encodeObject(addDictionary(properties), "NSProperties");
   addIndexes(entity, object);
   return object;
 }
@@ -153,11 +183,10 @@ Data ModelArchive::data() {
   }
   Entries entries;
   for (const auto& entity : version_.entities) {
-    entries.emplace_back(archiver_.addString(entity.name), addEntity(entity));
+    entries.emplace_back(addString(entity.name), addEntity(entity));
   }
-  model.encodeObject(archiver_.addDictionary(entries), "NSEntities");
-  model.encodeObject(archiver_.addArray(std::array{archiver_.addString(version_.identifier)},
-                                        {"NSSet", "NSObject"}),
+  model.encodeObject(addDictionary(entries), "NSEntities");
+  model.encodeObject(addArray(std::array{addString(version_.identifier)}, {"NSSet", "NSObject"}),
                      "NSVersionIdentifiers");
   return archiver_.archivedDataWithRootObject(model);
 }

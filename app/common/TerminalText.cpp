@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <cstdint>
 #include <iterator>
@@ -15,34 +14,6 @@ namespace vantrel {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-
-/// Iterates over UTF-8 text; the code point is negative for ill-formed bytes.
-class CodePoints {
- public:
-  explicit CodePoints(std::string_view text) : text_(text) {}
-
-  bool next() {
-    if (end_ >= static_cast<std::int32_t>(text_.size())) return false;
-    start_ = end_;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"  // in the macro
-    U8_NEXT(text_.data(), end_, static_cast<std::int32_t>(text_.size()), value_);
-#pragma GCC diagnostic pop
-    return true;
-  }
-  UChar32 value() const {
-    return value_;
-  }
-  std::string_view bytes() const {
-    return text_.substr(static_cast<std::size_t>(start_), static_cast<std::size_t>(end_ - start_));
-  }
-
- private:
-  std::string_view text_;
-  std::int32_t start_ = 0;
-  std::int32_t end_ = 0;
-  UChar32 value_ = 0;
-};
 
 /// Terminals execute control characters; direction overrides can disguise text.
 bool isUnsafe(UChar32 c) {

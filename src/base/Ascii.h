@@ -5,18 +5,24 @@
 
 namespace vantrel {
 
-/// Tests and conversions of ASCII characters, independent of the locale. Other bytes, such as those
-/// of UTF-8 sequences, are neither letters nor digits and stay as they are.
+/// Tests and conversions of ASCII characters, independent of the locale. Other characters, such as
+/// the bytes of UTF-8 sequences, are neither letters nor digits and are not changed.
 
-constexpr bool isAsciiDigit(char c) {
+constexpr bool isAsciiDigit(char32_t c) {
   return c >= '0' && c <= '9';
 }
-constexpr bool isAsciiLetter(char c) {
+constexpr bool isAsciiLetter(char32_t c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 /// A letter, a digit or an underscore.
-constexpr bool isAsciiWordCharacter(char c) {
+constexpr bool isAsciiWordCharacter(char32_t c) {
   return isAsciiLetter(c) || isAsciiDigit(c) || c == '_';
+}
+/// Returns 0 to 15, or 16 if `c` is not a hexadecimal digit.
+constexpr int hexDigitValue(char32_t c) {
+  if (isAsciiDigit(c)) return static_cast<int>(c - '0');
+  const char32_t lower = c | 0x20;
+  return lower >= 'a' && lower <= 'f' ? static_cast<int>(lower - 'a') + 10 : 16;
 }
 constexpr char asciiLower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;

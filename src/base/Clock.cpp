@@ -25,21 +25,12 @@ class SystemClock : public Clock {
   std::optional<Date> frozen_;
 };
 
-std::shared_ptr<Clock>& installed() {
-  static std::shared_ptr<Clock> clock;
-  return clock;
-}
-
 }  // namespace
 
 Clock& Clock::sharedClock() {
-  if (installed()) return *installed();
+  if (installed_) return *installed_;
   static SystemClock system;
   return system;
-}
-
-void Clock::install(std::shared_ptr<Clock> clock) {
-  installed() = std::move(clock);
 }
 
 }  // namespace vantrel

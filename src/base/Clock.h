@@ -6,16 +6,19 @@
 
 namespace vantrel {
 
-/// Tells the present instant. Replaceable: `main` or a test installs the one to use.
+/// Returns the current time. A replaceable service: `main` or a test installs another.
 class Clock {
  public:
   virtual ~Clock() = default;
   virtual Date now() const = 0;
 
-  /// The installed clock; the system's (or the instant frozen by $VANTREL_NOW) when none was.
+  /// The installed clock, otherwise the system clock, or the fixed instant in $VANTREL_NOW.
   static Clock& sharedClock();
-  /// Null brings the system's back. Main thread, before others ask.
-  static void install(std::shared_ptr<Clock> clock);
+  /// Null restores the default. Main thread only, before other threads use the clock.
+  static void install(std::shared_ptr<Clock> clock) { installed_ = std::move(clock); }
+
+ private:
+  inline static std::shared_ptr<Clock> installed_;
 };
 
 }  // namespace vantrel

@@ -23,7 +23,7 @@ Color Color::colorWithWhite(double white, double alpha) {
 // The hexcone model: A. R. Smith, "Color Gamut Transform Pairs", SIGGRAPH 1978.
 Color Color::colorWithHue(double hue, double saturation, double brightness, double alpha) {
   const double turn = hue - std::floor(hue);
-  // A tiny negative hue rounds up to 1, and an infinite hue or NaN to NaN: both count as 0.
+  // A tiny negative hue rounds up to 1; an infinite or NaN hue is NaN here.
   const double sector = turn < 1 ? turn * 6 : 0;
   const int index = static_cast<int>(sector);
   const double fraction = sector - index;
@@ -47,8 +47,8 @@ Color Color::dynamicColor(const Color& light, const Color& dark) {
 }
 
 bool operator==(const Color& a, const Color& b) {
-  const bool sameTwin = a.dark_ && b.dark_ ? *a.dark_ == *b.dark_ : a.dark_ == b.dark_;
-  return sameTwin && a.isWhite_ == b.isWhite_ && a.red_ == b.red_ && a.green_ == b.green_ &&
+  const bool isSameInDark = a.dark_ && b.dark_ ? *a.dark_ == *b.dark_ : a.dark_ == b.dark_;
+  return isSameInDark && a.isWhite_ == b.isWhite_ && a.red_ == b.red_ && a.green_ == b.green_ &&
          a.blue_ == b.blue_ && a.alpha_ == b.alpha_;
 }
 

@@ -4,7 +4,7 @@
 
 namespace vantrel {
 
-/// An instant: seconds since 2001-01-01T00:00:00Z, compared exactly (no tolerance).
+/// An instant in seconds since the reference date, 2001-01-01T00:00:00Z. Comparisons are exact.
 class Date {
  public:
   /// Seconds from 1970-01-01T00:00:00Z to the reference date.
@@ -18,7 +18,7 @@ class Date {
 
   constexpr double timeIntervalSinceReferenceDate() const { return seconds_; }
   constexpr double timeIntervalSince1970() const { return seconds_ + kReferenceDateSince1970; }
-  /// Seconds from `other` to this instant; negative when this one is earlier.
+  /// Seconds from `other` to this instant; negative if this instant is earlier.
   constexpr double timeIntervalSinceDate(Date other) const { return seconds_ - other.seconds_; }
   constexpr Date dateByAddingTimeInterval(double seconds) const { return Date(seconds_ + seconds); }
 

@@ -7,7 +7,7 @@
 
 namespace vantrel {
 
-/// What went wrong, in one line a person can act on. Values of `code` belong to `domain`.
+/// `localizedDescription` is one line that a person can act on. Codes are unique within a `domain`.
 struct Error {
   std::string domain;
   int code = 0;

@@ -2,7 +2,7 @@
 
 namespace vantrel {
 
-/// Lengths in logical pixels, y growing downward.
+/// Coordinates and lengths in logical pixels; y grows downward.
 struct Point {
   double x = 0;
   double y = 0;

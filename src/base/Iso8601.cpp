@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "base/Ascii.h"
+
 namespace vantrel {
 
 namespace {
@@ -20,7 +22,7 @@ using std::chrono::year_month_day;
 constexpr double kSecondsPerDay = 86400;
 constexpr auto kReferenceDay = sys_days(year(2001) / 1 / 1);
 
-/// Reads texts field by field; `ok()` turns false for good at the first mismatch.
+/// Reads a text field by field. After the first mismatch `ok()` is false.
 class FieldReader {
  public:
   explicit FieldReader(std::string_view text) : rest_(text) {}
@@ -32,7 +34,7 @@ class FieldReader {
       return 0;
     }
     for (const char c : rest_.substr(0, digits)) {
-      if (c < '0' || c > '9') ok_ = false;
+      if (!isAsciiDigit(c)) ok_ = false;
       value = value * 10 + (c - '0');
     }
     rest_.remove_prefix(digits);
@@ -48,7 +50,7 @@ class FieldReader {
 
   double fraction() {
     std::size_t digits = 0;
-    while (digits < rest_.size() && rest_[digits] >= '0' && rest_[digits] <= '9') ++digits;
+    while (digits < rest_.size() && isAsciiDigit(rest_[digits])) ++digits;
     if (digits == 0) ok_ = false;
     const std::string text = "0." + std::string(rest_.substr(0, digits));
     rest_.remove_prefix(digits);
@@ -66,10 +68,12 @@ class FieldReader {
   bool ok_ = true;
 };
 
+year_month_day dayOf(const WallTime& t) {
+  return {year(t.year), month(static_cast<unsigned>(t.month)), day(static_cast<unsigned>(t.day))};
+}
+
 bool isValid(const WallTime& t) {
-  const year_month_day date{year(t.year), month(static_cast<unsigned>(t.month)),
-                            day(static_cast<unsigned>(t.day))};
-  return date.ok() && t.hour < 24 && t.minute < 60 && t.second < 60;
+  return dayOf(t).ok() && t.hour < 24 && t.minute < 60 && t.second < 60;
 }
 
 WallTime readDay(FieldReader& reader) {
@@ -91,9 +95,7 @@ void readTime(FieldReader& reader, WallTime& wall) {
 }
 
 double secondsSinceReference(const WallTime& t) {
-  const year_month_day date{year(t.year), month(static_cast<unsigned>(t.month)),
-                            day(static_cast<unsigned>(t.day))};
-  const auto count = (sys_days(date) - kReferenceDay).count();
+  const auto count = (sys_days(dayOf(t)) - kReferenceDay).count();
   return static_cast<double>(count) * kSecondsPerDay + t.hour * 3600.0 + t.minute * 60.0 + t.second;
 }
 
@@ -111,7 +113,7 @@ int readOffset(FieldReader& reader) {
   return (negative ? -1 : 1) * (hours * 3600 + minutes * 60);
 }
 
-/// The fewest digits that give back `date` from the whole second `second` plus the fraction.
+/// Returns ".5" for 0.5: the fewest digits of `exact - whole` that read back as `exact`.
 std::string shortestFraction(double whole, double exact) {
   std::array<char, 32> text{};
   for (int digits = 1; digits <= 17; ++digits) {
@@ -128,15 +130,14 @@ std::string shortestFraction(double whole, double exact) {
 
 std::string iso8601String(Date date, int offsetSeconds) {
   const double exact = date.timeIntervalSinceReferenceDate();
-  if (!(std::fabs(exact) < 4e11)) return {};
   double whole = std::floor(exact);
-  // Just before a whole second, nearer to it than any fraction.
+  // `exact` is so close below a second that no fraction is closer.
   if (exact - whole >= 1) ++whole;
+  if (!hasIso8601String(Date(whole + offsetSeconds))) return {};
   const auto local = static_cast<std::int64_t>(whole) + offsetSeconds;
   const auto dayCount = std::chrono::floor<days>(std::chrono::seconds(local));
   const year_month_day civil{kReferenceDay + dayCount};
   const int civilYear = static_cast<int>(civil.year());
-  if (civilYear < -9999 || civilYear > 9999) return {};
   const auto secondOfDay = static_cast<int>(local - std::chrono::seconds(dayCount).count());
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), "%s%04d-%02u-%02uT%02d:%02d:%02d",

@@ -8,20 +8,19 @@
 
 namespace vantrel {
 
-/// "2024-06-21T03:30:00Z"; the wall time at `offsetSeconds` from UTC with "+02:00" behind it when
-/// that is not 0. A fraction of a second is written only when non-zero, with the fewest digits that
-/// read back to the same instant. The proleptic Gregorian calendar; an instant outside the years
-/// -9999 to 9999, or not finite, gives an empty text.
+/// Returns "2024-06-21T03:30:00Z", or "2024-06-21T05:30:00+02:00" for an offset of 7200 seconds
+/// from UTC. A fraction of a second has the fewest digits that read back as the same instant; zero
+/// is left out. The calendar is the proleptic Gregorian one. Empty for instants outside the years
+/// -9999 to 9999.
 std::string iso8601String(Date date, int offsetSeconds = 0);
-/// Whether that text is not empty, in UTC.
+/// Whether `iso8601String` returns a text for `date` in UTC.
 bool hasIso8601String(Date date);
 
-/// An instant from "[-]YYYY-MM-DDTHH:MM[:SS[.fraction]]" with "Z" or an offset ("+02:00", "+0200",
-/// "+02") behind it. Nothing for any other text, for fields out of range and without an offset.
+/// Reads "[-]YYYY-MM-DDTHH:MM[:SS[.fraction]]" followed by "Z" or an offset: "+02:00", "+0200" or
+/// "+02". `nullopt` for other texts, texts without an offset and fields out of range.
 std::optional<Date> dateFromIso8601String(std::string_view text);
 
-/// The same without an offset, read as wall time: the parts, to be placed in a time zone. The time
-/// may be left out ("2024-06-21" is its midnight).
+/// A local date and time, to be placed in a time zone.
 struct WallTime {
   int year = 0;
   int month = 1;
@@ -30,6 +29,8 @@ struct WallTime {
   int minute = 0;
   int second = 0;
 };
+/// Reads a date with or without a time, and without an offset: "2024-06-21", "2024-06-21T05:30",
+/// "2024-06-21 05:30:00". `nullopt` for other texts and fields out of range.
 std::optional<WallTime> wallTimeFromIso8601String(std::string_view text);
 
 }  // namespace vantrel

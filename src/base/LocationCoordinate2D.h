@@ -2,13 +2,13 @@
 
 namespace vantrel {
 
-/// A geographic position: degrees, north and east positive.
+/// A geographic position in degrees; north and east are positive.
 struct LocationCoordinate2D {
   double latitude = 0;
   double longitude = 0;
 };
 
-/// Stands for "no position" in pins and archives.
+/// The value for "no position" in pins and archives.
 inline constexpr LocationCoordinate2D kLocationCoordinate2DInvalid{-180.0, -180.0};
 
 }  // namespace vantrel

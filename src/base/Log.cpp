@@ -23,7 +23,7 @@ void logLine(std::string_view text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
   }
   line += '\n';
-  // One call, so that lines of several threads do not mix.
+  // One call: lines of several threads must not mix.
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -4,11 +4,11 @@
 
 namespace vantrel {
 
-/// Writes one line to standard error; control characters are shown as '?'. Any thread.
+/// Writes one line to standard error, with '?' for control characters. Thread-safe.
 void logLine(std::string_view text);
 
-/// Whether `logLine` writes at all, as it does at first. A program that tells every failure itself
-/// switches it off. Any thread.
+/// Enables or disables `logLine`; it is enabled at the start. Programs that report every error
+/// themselves disable it. Thread-safe.
 void setLogsEnabled(bool enabled);
 
 }  // namespace vantrel

@@ -1,6 +1,6 @@
 #include "base/PercentEncoding.h"
 
-#include "base/HexDigit.h"
+#include "base/Ascii.h"
 
 namespace vantrel {
 

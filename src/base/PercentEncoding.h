@@ -6,19 +6,18 @@
 
 namespace vantrel {
 
-/// The characters that may stand in a URL's host as they are: ASCII letters and digits and
-/// "!$&'()*+,-.:;=[]_~".
+/// The characters that need no encoding in the host of a URL.
 inline constexpr std::string_view kUrlHostAllowedCharacterSet =
     "!$&'()*+,-.0123456789:;=ABCDEFGHIJKLMNOPQRSTUVWXYZ[]_abcdefghijklmnopqrstuvwxyz~";
 
-/// Those that may stand anywhere in a URL: ASCII letters and digits and "-._~".
+/// The characters that need no encoding anywhere in a URL.
 inline constexpr std::string_view kUrlUnreservedCharacterSet =
     "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~";
 
-/// Every byte of `text` (UTF-8) outside `allowed` becomes "%XX", upper-case hexadecimal.
+/// Replaces every byte of `text` that is not in `allowed` by "%XX" in upper-case hexadecimal.
 std::string percentEncoded(std::string_view text, std::string_view allowed);
 
-/// The inverse; nothing when a '%' is not followed by two hexadecimal digits.
+/// The inverse; `nullopt` if two hexadecimal digits do not follow a '%'.
 std::optional<std::string> percentDecoded(std::string_view text);
 
 }  // namespace vantrel

@@ -6,9 +6,9 @@
 
 namespace vantrel {
 
-/// Replaces each "%@" of `format`, left to right, by the next of `arguments`; placeholders beyond
-/// the arguments stay, and an argument's own "%@" is text. Nothing else in `format` has a meaning,
-/// so that a text from a string table can be used.
+/// Replaces each "%@" in `format`, from left to right, by the next of `arguments`. Surplus "%@" are
+/// kept, those in arguments too. Nothing else in `format` is special, so it may come from a string
+/// table.
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<std::string_view> arguments);
 

@@ -4,8 +4,7 @@
 
 namespace vantrel {
 
-/// The text of a new random (version 4) UUID: 36 characters, upper-case hexadecimal digits in
-/// groups 8-4-4-4-12. Any thread.
+/// Returns a new random (version 4) UUID as 36 upper-case characters. Thread-safe.
 std::string uuidString();
 
 }  // namespace vantrel

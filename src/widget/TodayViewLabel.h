@@ -14,8 +14,6 @@ class TodayViewLabel : public Label {
   using Action = std::function<void(int tag)>;
   enum ActionType { kTouchBegan = 0, kTouchCancelled = 1, kTouchEnd = 2 };
 
-  TodayViewLabel() { setUserInteractionEnabled(true); }
-
   /// Sets the target and action of a phase; any other type is kTouchEnd. `target` is held weakly:
   /// `action` is not called after its destruction.
   void setTarget(const std::weak_ptr<void>& target, Action action, int actionType);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace vantrel {
 namespace {
 
@@ -30,10 +32,16 @@ TEST(Iso8601, WritesTheShortestTextThatReadsBack) {
   }
   const Date awkward(742069876.576084);
   EXPECT_EQ(dateFromIso8601String(iso8601String(awkward)), awkward);
-  EXPECT_EQ(iso8601String(Date(1e300)), "");
+  // The seconds beside the years -9999 to 9999, by the days between them.
+  for (const double outside : {1e300, -1e300, double{NAN}, 252423993600.0, -378683424001.0}) {
+    EXPECT_EQ(iso8601String(Date(outside)), "") << outside;
+    EXPECT_FALSE(hasIso8601String(Date(outside))) << outside;
+  }
+  EXPECT_EQ(iso8601String(Date(252423993599)), "9999-12-31T23:59:59Z");
+  EXPECT_EQ(iso8601String(Date(252423993599), 3600), "");
 }
 
-TEST(Iso8601, RefusesWhatIsNoInstant) {
+TEST(Iso8601, RejectsOtherTexts) {
   for (const char* text : {"", "2024", "2024-06-21", "2024-06-21T03:30:00", "2023-02-29T00:00:00Z",
                            "2024-13-01T00:00:00Z", "2024-06-21T24:00:00Z", "2024-06-21T03:30:00Zz",
                            "2024-06-21T03:30:00+1", "2024-06-21T03:30:00.Z", "x024-06-21T03:30Z"}) {

@@ -4,7 +4,7 @@
 
 #include "geo/VTObserver.h"
 #include "platform/system/Paths.h"
-#include "support/Python.h"
+#include "support/Guards.h"
 #include "support/SharedSettings.h"
 
 namespace vantrel {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "support/Python.h"
+#include "support/Guards.h"
 #include "support/SharedSettings.h"
 
 namespace vantrel {

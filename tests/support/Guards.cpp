@@ -9,6 +9,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/Iso8601.h"
+
 extern char** environ;
 
 namespace vantrel::test {
@@ -81,6 +83,10 @@ void FakeClock::set(Date now) {
   clock_->date = now;
 }
 
+Date at(const char* text) {
+  return dateFromIso8601String(text).value();
+}
+
 fs::path testData(const std::string& name) {
   return fs::path(VANTREL_TEST_DATA) / name;
 }
@@ -135,6 +141,21 @@ ProgramResult runProgram(const std::vector<std::string>& arguments,
   result.output = readFile(directory / "out");
   result.errors = readFile(directory / "err");
   return result;
+}
+
+std::string python(const fs::path& file, const std::string& expression) {
+  const auto result =
+      runProgram({"python3", "-c",
+                  "import plistlib, sys; p = plistlib.load(open(sys.argv[1], 'rb')); print(" +
+                      expression + ", end='')",
+                  file});
+  return result.output + result.errors;
+}
+
+std::string bigEndian(std::uint64_t value, int size) {
+  std::string bytes;
+  for (int i = size - 1; i >= 0; --i) bytes += static_cast<char>(value >> (8 * i));
+  return bytes;
 }
 
 }  // namespace vantrel::test

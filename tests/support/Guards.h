@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -12,13 +13,12 @@
 
 namespace vantrel::test {
 
-/// A folder of its own, removed with all that is in it.
+/// Creates a folder, and removes it with its contents.
 class TemporaryDirectory {
  public:
   TemporaryDirectory();
   ~TemporaryDirectory();
-  TemporaryDirectory(const TemporaryDirectory&) = delete;
-  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  TemporaryDirectory(TemporaryDirectory&&) = delete;
   const std::filesystem::path& path() const { return path_; }
   std::filesystem::path operator/(const std::filesystem::path& name) const { return path_ / name; }
 
@@ -26,26 +26,24 @@ class TemporaryDirectory {
   std::filesystem::path path_;
 };
 
-/// Sets an environment variable (or, with nothing, removes it) for its own life.
+/// Sets an environment variable, or removes it if `value` is `nullopt`, until its destruction.
 class EnvironmentGuard {
  public:
   EnvironmentGuard(std::string name, const std::optional<std::string>& value);
   ~EnvironmentGuard();
-  EnvironmentGuard(const EnvironmentGuard&) = delete;
-  EnvironmentGuard& operator=(const EnvironmentGuard&) = delete;
+  EnvironmentGuard(EnvironmentGuard&&) = delete;
 
  private:
   std::string name_;
   std::optional<std::string> before_;
 };
 
-/// Catches what is written to standard error during its life.
+/// Captures standard error until its destruction.
 class LogCapture {
  public:
   LogCapture();
   ~LogCapture();
-  LogCapture(const LogCapture&) = delete;
-  LogCapture& operator=(const LogCapture&) = delete;
+  LogCapture(LogCapture&&) = delete;
   std::string text();
 
  private:
@@ -53,13 +51,12 @@ class LogCapture {
   TemporaryDirectory directory_;
 };
 
-/// A clock that stands where it is set, installed for its own life.
+/// Installs a clock that only `set` changes, until its destruction.
 class FakeClock {
  public:
   explicit FakeClock(Date now);
   ~FakeClock();
-  FakeClock(const FakeClock&) = delete;
-  FakeClock& operator=(const FakeClock&) = delete;
+  FakeClock(FakeClock&&) = delete;
   void set(Date now);
 
  private:
@@ -67,20 +64,26 @@ class FakeClock {
   std::shared_ptr<Fixed> clock_;
 };
 
+/// The instant of an ISO 8601 text, which must be valid.
+Date at(const char* text);
+
 /// A file under tests/data.
 std::filesystem::path testData(const std::string& name);
-/// The whole content of a file.
 std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& content);
 
-/// What a program did.
 struct ProgramResult {
-  int exitCode = -1;  ///< 128 + the signal's number when it was killed.
+  int exitCode = -1;  ///< 128 + the number of the signal that killed it.
   std::string output;
   std::string errors;
 };
-/// Runs a program of this build (or any found on the PATH) to its end, without a shell.
+/// Runs a program of this build, otherwise of the PATH, without a shell, and waits for its end.
 ProgramResult runProgram(const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment = {});
+
+/// What Python, an independent reader, prints for `expression` about a property list file `p`.
+std::string python(const std::filesystem::path& file, const std::string& expression);
+/// The lowest `size` bytes of `value`.
+std::string bigEndian(std::uint64_t value, int size);
 
 }  // namespace vantrel::test

@@ -11,8 +11,8 @@
 
 namespace vantrel::test {
 
-/// What ICU itself writes, asked without any of our own classes and with its own rules for the
-/// zone; by styles, or with UDAT_PATTERN for both by a pattern.
+/// The text of ICU's C API with its own zone rules, for styles, or for `pattern` if both styles are
+/// UDAT_PATTERN.
 inline std::string icuText(const std::string& locale, const std::string& zone,
                            UDateFormatStyle dateStyle, UDateFormatStyle timeStyle, Date date,
                            const icu::UnicodeString& pattern = {}) {

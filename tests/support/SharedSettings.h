@@ -8,8 +8,7 @@
 
 namespace vantrel::test {
 
-/// Shared settings in a folder of the test program's own, empty and metric at the start of each
-/// test.
+/// Provides shared settings in a temporary folder, empty and metric at the start of each test.
 class SharedSettings : public ::testing::Test {
  protected:
   SharedSettings() {
@@ -21,7 +20,7 @@ class SharedSettings : public ::testing::Test {
   }
 
   static UserDefaults& defaults() {
-    // Named before the first use of the settings, for as long as the program runs.
+    // Set before the first use of the settings, which keep their folder.
     static const TemporaryDirectory container;
     static const EnvironmentGuard environment("VANTREL_GROUP_CONTAINER", container.path());
     return VantrelUserDefaults::vantrelUserDefaults();

@@ -19,22 +19,22 @@ struct sqlite3;
 
 namespace vantrel::test {
 
-/// The main model of the bundle, with the classes of plans and cameras.
+/// The bundle's main model, with the classes of plans and cameras.
 std::shared_ptr<ManagedObjectModel> mainModel();
-/// The same in an older version, as the program had it then.
+/// An older version of the main model.
 std::shared_ptr<ManagedObjectModel> mainModelOfVersion(const std::string& version);
 
-/// How the program opens its main store, to write or only to read.
+/// The options of the programs' main store.
 StoreOptions mainOptions();
 StoreOptions readOnlyOptions();
 
-/// One program's view of a store file: what stands between two of them is only the file.
+/// An open store file. Two of them for one file share nothing else, as if in two processes.
 struct OpenStore {
   explicit OpenStore(const std::filesystem::path& path, const StoreOptions& options = mainOptions(),
                      const std::shared_ptr<ManagedObjectModel>& model = mainModel());
 
   std::shared_ptr<Planning> insertPlan(const std::string& name, double date);
-  /// "a b c": the names of the plans that a request finds; the error's description when it fails.
+  /// "a b c": the names of the plans that `request` fetches, or the description of its error.
   std::string names(const FetchRequest& request = {.entityName = "Planning"});
   std::shared_ptr<Planning> planNamed(const std::string& name);
 
@@ -43,40 +43,39 @@ struct OpenStore {
   ManagedObjectContext context;
 };
 
-/// Why it failed; nothing when it did not.
+/// `nullopt` if `result` is not an error.
 template <typename T>
 std::optional<StoreErrorCode> codeOf(const Expected<T>& result) {
   return result ? std::nullopt : storeErrorCode(result.error());
 }
 
-/// Why a store cannot be opened; nothing when it can.
+/// `nullopt` if the store can be opened.
 std::optional<StoreErrorCode> openingError(const std::filesystem::path& file,
                                            const StoreOptions& options = mainOptions());
 
-/// Another connection to a file, in the middle of a change that it never ends.
+/// Another connection to a store, with a transaction that is never committed.
 class OtherWriter {
  public:
   OtherWriter(const std::filesystem::path& file, const char* sql);
   ~OtherWriter();
-  OtherWriter(const OtherWriter&) = delete;
-  OtherWriter& operator=(const OtherWriter&) = delete;
+  OtherWriter(OtherWriter&&) = delete;
 
  private:
   sqlite3* database_ = nullptr;
 };
 
-/// What the sqlite3 program says of a file; its messages when it fails.
+/// The output of the program sqlite3, or its messages if it fails.
 std::string sqlite(const std::filesystem::path& file, const std::string& sql);
-/// What a Python program writes, to either of its outputs.
+/// The output and the messages of a Python program.
 std::string pythonSays(std::vector<std::string> arguments);
 
-/// A folder with the place of a store in it.
+/// A temporary folder, and the path of a store in it.
 class StoreTest : public ::testing::Test {
  protected:
   void savePlans(const std::vector<std::pair<std::string, double>>& namesAndDates);
   /// "plan0" to "plan39" by date, with texts that make the file ten pages long.
   void saveFortyPlans();
-  /// The closed store once more.
+  /// Copies the closed store.
   std::filesystem::path copyOfFile();
 
   const TemporaryDirectory directory_;

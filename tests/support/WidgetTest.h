@@ -14,15 +14,14 @@
 
 namespace vantrel::test {
 
-/// The widget's surroundings: a main queue that the test runs, and the shared store of this process
-/// in a group container of its own. The device speaks British English and stands in Kathmandu,
-/// where no plan is.
+/// Provides a main queue that the test runs, and the process's shared store in a temporary group
+/// container. The locale is British English; the device's zone, Kathmandu, is that of no plan.
 class WidgetTest : public ::testing::Test {
  protected:
   WidgetTest() { MainQueue::install(queue); }
   ~WidgetTest() override { MainQueue::install(nullptr); }
 
-  /// A new plan, not saved; nothing stays absent.
+  /// Inserts a plan without saving it. Attributes that are `nullopt` are absent.
   static std::shared_ptr<Planning> add(const std::optional<std::string>& name,
                                        const std::optional<Date>& date,
                                        const std::optional<std::string>& timezone = std::nullopt) {

@@ -9,11 +9,8 @@
 namespace vantrel::ephemeris {
 namespace {
 
+using test::at;
 using test::EnvironmentGuard;
-
-Date at(const char* text) {
-  return *dateFromIso8601String(text);
-}
 
 /// The calendar is first used in a time zone whose clocks change at midnight.
 class DateInHavana : public ::testing::Test {

@@ -15,8 +15,8 @@ namespace {
 constexpr std::string_view kMark = kBinaryPropertyListMark;
 constexpr std::size_t kTrailerSize = 32;
 
-/// The upper half of an object's first byte; the lower half is its value, the logarithm of its
-/// size, or its count.
+/// The upper four bits of an object's first byte. The lower four bits are its value, the logarithm
+/// of its size, or its count.
 enum Type : std::uint8_t {
   kConstant = 0x0,
   kInteger = 0x1,
@@ -32,7 +32,7 @@ enum Type : std::uint8_t {
 };
 constexpr std::size_t kFalse = 0x8;
 constexpr std::size_t kTrue = 0x9;
-/// As the lower half: the count follows as an integer.
+/// As a count: the count follows as an integer.
 constexpr std::size_t kLongCount = 0xf;
 
 bool isAscii(std::string_view text) {
@@ -50,9 +50,8 @@ class BinaryReader {
   struct Object {
     std::size_t type = 0;
     std::size_t at = 0;     ///< The offset of its bytes or references.
-    std::size_t count = 0;  ///< Bytes of a number; otherwise as the object counts.
-    /// With all values inside; 0 until measured.
-    std::size_t cost = 0;
+    std::size_t count = 0;  ///< Of bytes, characters, elements or entries.
+    std::size_t cost = 0;   ///< Memory of the value with all values inside; 0 until measured.
     std::size_t height = 1;
   };
 
@@ -77,7 +76,7 @@ class BinaryReader {
   std::size_t offsetSize_ = 0;
   std::size_t referenceSize_ = 0;
   std::size_t root_ = 0;
-  std::size_t table_ = 0;  ///< Where the objects end and the table of their offsets begins.
+  std::size_t table_ = 0;  ///< The end of the objects and the begin of the table of their offsets.
   std::vector<Object> objects_;
   bool isDamaged_ = false;
 };
@@ -148,10 +147,11 @@ std::optional<BinaryReader::Object> BinaryReader::objectAt(std::size_t at) const
   return isKnown && fits ? std::optional(object) : std::nullopt;
 }
 
-/// Finds an object and all below it, each once, before any is built: a small list can refer to
-/// itself, or share values so often that they fill the memory. False if it is beyond the limits.
+/// Finds an object and all objects below it before any value is created: a small list may contain
+/// itself, or repeat values so often that they exhaust the memory. False if it exceeds the limits.
+/// O(n) in the size of the list.
 bool BinaryReader::measure(std::size_t index, std::size_t depth) {
-  // A circle ends here as well.
+  // A cycle ends here too.
   if (index >= objects_.size() || depth >= PropertyList::kMaxDepth) return false;
   if (objects_[index].cost == 0) {
     auto object = objectAt(number(table_ + index * offsetSize_, offsetSize_));
@@ -183,8 +183,8 @@ PropertyList BinaryReader::integer(const Object& object) {
   return PropertyList::integer(static_cast<std::int64_t>(low));
 }
 
-/// Damage is whatever is no text, half a surrogate pair, or a byte beyond ASCII: who wrote it could
-/// mean any encoding.
+/// Marks the list as damaged if the object is not a string, has half a surrogate pair, or has a
+/// byte beyond ASCII, whose encoding is unknown.
 std::string BinaryReader::text(const Object& object) {
   std::string result;
   if (object.type == kAscii) {
@@ -271,7 +271,7 @@ std::string marker(Type type, std::size_t low) {
   return {static_cast<char>(static_cast<std::size_t>(type) << 4 | low)};
 }
 
-/// A number of 2^n bytes.
+/// `size` is a power of 2.
 std::string numberObject(Type type, std::uint64_t value, std::size_t size) {
   return marker(type, static_cast<std::size_t>(std::countr_zero(size))) + bigEndian(value, size);
 }
@@ -290,7 +290,7 @@ std::string textObject(const std::string& text) {
   return counted(kUtf16, units.size() / 2, units);
 }
 
-/// An object's bytes, up to the references of a container.
+/// Returns the bytes of an object, without the references of a container.
 struct Head {
   std::string operator()(std::monostate /*null*/) const { return marker(kConstant, 0); }
   std::string operator()(bool value) const { return marker(kConstant, value ? kTrue : kFalse); }
@@ -327,8 +327,8 @@ struct Head {
   }
 };
 
-/// Numbers the objects as the phone does: each before those in it, a dictionary's keys before its
-/// values.
+/// Numbers the objects in the phone's order: containers before their contents, and the keys of a
+/// dictionary before its values.
 class Writer {
  public:
   Data list(const PropertyList& root);

@@ -9,29 +9,12 @@ namespace vantrel {
 namespace {
 
 constexpr std::string_view kObjects = "NS.objects";
-constexpr std::string_view kNotANumber = "is no number";
 
 Error unreadable(const std::string& why) {
   return {"KeyedUnarchiver", 1, "The archive cannot be read: " + why, {}};
 }
 
-/// The whole number that a value stands for; nothing when it is none or does not fit.
-std::optional<std::int64_t> wholeNumber(const PropertyList& value, std::int64_t lowest,
-                                        std::int64_t highest) {
-  std::optional<std::int64_t> number = value.asInteger();
-  if (const auto flag = value.asBoolean()) number = *flag ? 1 : 0;
-  if (const auto real = value.asReal()) {
-    // The bounds as doubles: 2^63 itself is out of range, and so is what is not a number.
-    const double whole = std::trunc(*real);
-    const bool fits =
-        whole >= static_cast<double>(lowest) && whole < static_cast<double>(highest) + 1.0;
-    if (fits) number = static_cast<std::int64_t>(whole);
-  }
-  if (!number || *number < lowest || *number > highest) return std::nullopt;
-  return number;
-}
-
-/// The library leaves references in XML, which has no form for them, as dictionaries.
+/// XML has no form for references; libplist reads them as dictionaries.
 std::optional<std::uint64_t> uidOf(const PropertyList& reference) {
   if (reference.kind() != PropertyList::Kind::kDictionary) return reference.asUid();
   const auto uid = reference["CF$UID"].asInteger();
@@ -86,7 +69,7 @@ KeyedUnarchiver::Node KeyedUnarchiver::Node::nodeForReference(const PropertyList
                                                               std::string_view key) const {
   const auto uid = uidOf(reference);
   if (uid && *uid < archive_->objects.size()) return Node(archive_, *uid);
-  fail(key, "refers to no object");
+  fail(key, "refers to a missing object");
   return {};
 }
 
@@ -115,7 +98,7 @@ std::optional<double> KeyedUnarchiver::Node::numberForKey(std::string_view key) 
   if (const auto real = found.asReal()) return real;
   if (const auto flag = found.asBoolean()) return *flag ? 1 : 0;
   if (const auto integer = found.asInteger()) return static_cast<double>(*integer);
-  if (found) fail(key, kNotANumber);
+  if (found) fail(key, "is not a number");
   return std::nullopt;
 }
 
@@ -131,20 +114,32 @@ float KeyedUnarchiver::Node::decodeFloatForKey(std::string_view key) const {
   return static_cast<float>(number);
 }
 
-std::int32_t KeyedUnarchiver::Node::decodeInt32ForKey(std::string_view key) const {
-  using Limits = std::numeric_limits<std::int32_t>;
+template <typename Integer>
+Integer KeyedUnarchiver::Node::integerForKey(std::string_view key,
+                                             std::string_view typeError) const {
+  using Limits = std::numeric_limits<Integer>;
   const auto& found = value()[key];
-  const auto number = wholeNumber(found, Limits::min(), Limits::max());
-  if (found && !number) fail(key, "is no 32-bit integer");
-  return static_cast<std::int32_t>(number.value_or(0));
+  std::optional<std::int64_t> number = found.asInteger();
+  if (const auto flag = found.asBoolean()) number = *flag ? 1 : 0;
+  if (const auto real = found.asReal()) {
+    // As a double, the upper limit of 64 bits is 2^63, which is out of range; so is NaN.
+    const double whole = std::trunc(*real);
+    if (whole >= static_cast<double>(Limits::min()) &&
+        whole < static_cast<double>(Limits::max()) + 1.0) {
+      number = static_cast<std::int64_t>(whole);
+    }
+  }
+  if (number && std::in_range<Integer>(*number)) return static_cast<Integer>(*number);
+  if (found) fail(key, typeError);
+  return 0;
+}
+
+std::int32_t KeyedUnarchiver::Node::decodeInt32ForKey(std::string_view key) const {
+  return integerForKey<std::int32_t>(key, "is not a 32-bit integer");
 }
 
 std::int64_t KeyedUnarchiver::Node::decodeInt64ForKey(std::string_view key) const {
-  using Limits = std::numeric_limits<std::int64_t>;
-  const auto& found = value()[key];
-  const auto number = wholeNumber(found, Limits::min(), Limits::max());
-  if (found && !number) fail(key, "is no 64-bit integer");
-  return number.value_or(0);
+  return integerForKey<std::int64_t>(key, "is not a 64-bit integer");
 }
 
 bool KeyedUnarchiver::Node::decodeBoolForKey(std::string_view key) const {

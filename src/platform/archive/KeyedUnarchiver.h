@@ -16,20 +16,27 @@
 
 namespace vantrel {
 
-/// Reads the objects of a keyed archive, each when it is asked for: an archive may be cyclic. A
-/// value that is not of the kind asked for reads as if it were missing, and the first such is kept
-/// as `error()`; look at it once, after reading. One thread at a time per archive.
+/// Reads a keyed archive, whose form `KeyedArchiver` describes, object by object, since archives
+/// may be cyclic. A value of the wrong type reads as if it were missing, and the first one sets
+/// `error()`, which callers check once after reading:
+///
+///     const auto pin = archive.root();
+///     const double latitude = pin.decodeDoubleForKey("latitude");
+///     const auto name = pin.decodeObjectForKey("name").string();
+///     if (archive.error()) return tl::unexpected(*archive.error());
+///
+/// Not thread-safe; nodes share the state of their archive.
 class KeyedUnarchiver {
  public:
   class Node;
 
-  /// Binary or XML. Damaged data, and lists that are no keyed archive, give an error of domain
-  /// "KeyedUnarchiver" or "PropertyList".
+  /// Parses a binary or XML archive. Errors: domain "PropertyList", or "KeyedUnarchiver" if the
+  /// list is not a keyed archive.
   static Expected<KeyedUnarchiver> unarchiverWithData(std::span<const std::byte> data);
 
-  /// The archived object. Nodes stay good when the unarchiver is gone.
+  /// Nodes remain valid after the destruction of the unarchiver.
   Node root() const;
-  /// The first value that was not of the kind asked for.
+  /// The first wrong type or missing object found by any node.
   const std::optional<Error>& error() const;
 
  private:
@@ -38,21 +45,18 @@ class KeyedUnarchiver {
   std::shared_ptr<Archive> archive_;
 };
 
-/// An object of an archive; false when it is nil, which has no keys.
+/// An object of an archive. False if it is nil, which has no keys.
 class KeyedUnarchiver::Node {
  public:
   Node() = default;
   explicit operator bool() const { return uid_ != 0; }
-  /// Its number in the archive: equal numbers are the same object; 0 is nil.
-  std::uint64_t uid() const { return uid_; }
-  /// The name of its class without the module, which differs between the programs that write it;
-  /// empty for a plain value.
+  /// The class name without its module: "Cover" for "Package.Cover". Empty for strings and scalars.
   std::string className() const;
 
   bool containsValueForKey(std::string_view key) const;
-  /// Numbers of all kinds, booleans included, are taken for one another: reals lose their fraction
-  /// where an integer is asked for, and beyond single precision they are infinite. Integers out of
-  /// range are errors. A missing key reads as 0, false or nil.
+  /// 0, false or nil if the key is missing. Numbers and booleans are converted: integers truncate
+  /// reals, and a float is infinite for larger reals. Errors: the value is not a number, or out of
+  /// the range of an integer.
   double decodeDoubleForKey(std::string_view key) const;
   float decodeFloatForKey(std::string_view key) const;
   std::int32_t decodeInt32ForKey(std::string_view key) const;
@@ -60,17 +64,17 @@ class KeyedUnarchiver::Node {
   bool decodeBoolForKey(std::string_view key) const;
   Node decodeObjectForKey(std::string_view key) const;
 
-  /// The object as what it archives; nothing for all other objects.
+  /// The value of a string, date or data object, plain or archived; `nullopt` for other objects.
   std::optional<std::string> string() const;
   std::optional<Date> date() const;
   std::optional<Data> data() const;
   /// The 16 bytes of a UUID.
   std::optional<Data> uuid() const;
-  /// The elements of an array or a set; empty for all other objects.
+  /// The elements of an array or set; empty for other objects.
   std::vector<Node> array() const;
-  /// Keys and values of a dictionary in the archive's order; empty for all other objects.
+  /// The entries of a dictionary in the order of the archive; empty for other objects.
   std::vector<std::pair<Node, Node>> dictionary() const;
-  /// The object as it stands in the archive: a boxed number's value, a dictionary of keys.
+  /// The element of `$objects`: the value of a boxed number, or the dictionary of an object's keys.
   const PropertyList& value() const;
 
  private:
@@ -80,6 +84,8 @@ class KeyedUnarchiver::Node {
   Node nodeForReference(const PropertyList& reference, std::string_view key) const;
   std::vector<Node> nodesForKey(std::string_view key) const;
   std::optional<double> numberForKey(std::string_view key) const;
+  template <typename Integer>
+  Integer integerForKey(std::string_view key, std::string_view typeError) const;
   void fail(std::string_view key, std::string_view why) const;
 
   std::shared_ptr<Archive> archive_;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <fstream>
 #include <system_error>
 
+#include "base/FileDescriptor.h"
 #include "platform/archive/BinaryPropertyList.h"
 #include "platform/archive/XmlPropertyList.h"
 
@@ -23,17 +23,10 @@ Error fileError(int code, const std::filesystem::path& url) {
 }  // namespace
 
 Expected<Data> dataWithContentsOfURL(const std::filesystem::path& url) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(url, error);
-  if (error) return tl::unexpected(fileError(error.value(), url));
-  if (size > PropertyList::kMaxBytes) return tl::unexpected(fileError(EFBIG, url));
-  errno = 0;
-  std::ifstream file(url, std::ios::binary);
-  Data data(size);
-  if (!file.read(reinterpret_cast<char*>(data.data()), static_cast<std::streamsize>(size))) {
-    return tl::unexpected(fileError(errno ? errno : EIO, url));
-  }
-  return data;
+  const auto file = openRegularFile(url.c_str());
+  auto data = file ? readAll(file, PropertyList::kMaxBytes) : std::nullopt;
+  if (!data) return tl::unexpected(fileError(errno, url));
+  return std::move(*data);
 }
 
 Expected<PropertyList> PropertyList::propertyListWithData(std::span<const std::byte> data) {
@@ -61,9 +54,9 @@ Data PropertyList::binaryData() const {
 }
 
 PropertyList::Kind PropertyList::kind() const {
-  constexpr std::array kKinds = {Kind::kNothing, Kind::kBoolean, Kind::kInteger, Kind::kInteger,
-                                 Kind::kReal,    Kind::kReal,    Kind::kString,  Kind::kDate,
-                                 Kind::kData,    Kind::kUid,     Kind::kArray,   Kind::kDictionary};
+  constexpr std::array kKinds = {Kind::kNull, Kind::kBoolean, Kind::kInteger, Kind::kInteger,
+                                 Kind::kReal, Kind::kReal,    Kind::kString,  Kind::kDate,
+                                 Kind::kData, Kind::kUid,     Kind::kArray,   Kind::kDictionary};
   static_assert(kKinds.size() == std::variant_size_v<Value>);
   return kKinds[value_.index()];
 }

@@ -18,16 +18,16 @@ namespace vantrel {
 
 using Data = std::vector<std::byte>;
 
-/// The content of a file of at most PropertyList::kMaxBytes; otherwise an error of domain "POSIX"
-/// whose code is an errno value.
+/// Returns the content of a file of at most PropertyList::kMaxBytes. Errors: domain "POSIX", with
+/// an errno value as the code.
 Expected<Data> dataWithContentsOfURL(const std::filesystem::path& url);
 
-/// A property list or a value inside one. A value that was read keeps its exact type when it is
-/// written again, reals their 32 or 64 bits; reals of XML have 64.
+/// A property list, or a value in one. Values keep their type when they are read and written again,
+/// and reals their size, 32 or 64 bits (64 in XML). A value; distinct objects are independent.
 class PropertyList {
  public:
   enum class Kind {
-    kNothing,
+    kNull,
     kBoolean,
     kInteger,
     kReal,
@@ -38,33 +38,31 @@ class PropertyList {
     kArray,
     kDictionary
   };
-  /// Refers to an object of a keyed archive.
+  /// A reference to an object of a keyed archive.
   struct Uid {
     std::uint64_t number = 0;
   };
   using Array = std::vector<PropertyList>;
-  /// In the order of the file. If a key occurs twice, the last one counts.
+  /// In the order of the file. The last of equal keys counts.
   using Dictionary = std::vector<std::pair<std::string, PropertyList>>;
-  /// Unsigned integers are those beyond the signed ones; strings are UTF-8.
+  /// Integers of 2^63 and above are unsigned; strings are UTF-8.
   using Value = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, float, double,
                              std::string, Date, Data, Uid, Array, Dictionary>;
 
-  /// Larger or deeper lists are rejected, as are those whose shared values would need more than
-  /// kMaxMemory, since every place that refers to a shared value holds a copy.
+  /// Limits of lists that can be read. As every reference to a shared object becomes a copy, a
+  /// small list may need more than kMaxMemory.
   static constexpr std::size_t kMaxBytes = std::size_t{64} << 20;
   static constexpr std::size_t kMaxMemory = std::size_t{512} << 20;
   static constexpr std::size_t kMaxDepth = 256;
-  /// The memory that a value needs besides its own bytes; an estimate on the high side.
+  /// An upper estimate of a value's memory besides its bytes.
   static constexpr std::size_t kNodeCost = 160;
 
-  /// Nothing: what a missing key reads as, and the null of a list.
+  /// Null: the value of a missing key.
   PropertyList() = default;
   explicit PropertyList(Value value) : value_(std::move(value)) {}
   static PropertyList boolean(bool value) { return PropertyList(value); }
   static PropertyList integer(std::int64_t value) { return PropertyList(value); }
-  /// Of 64 bits.
   static PropertyList real(double value) { return PropertyList(value); }
-  /// Of 32 bits.
   static PropertyList realOfSinglePrecision(float value) { return PropertyList(value); }
   static PropertyList string(std::string value) { return PropertyList(std::move(value)); }
   static PropertyList date(Date value) { return PropertyList(value); }
@@ -75,8 +73,8 @@ class PropertyList {
   static PropertyList array(Array items = {}) { return PropertyList(std::move(items)); }
   static PropertyList dictionary() { return PropertyList(Dictionary()); }
 
-  /// Reads a list, binary or XML as its first bytes say. Bytes that are neither, truncated, cyclic
-  /// or beyond the limits give an error of domain "PropertyList".
+  /// Parses a binary or XML list. Errors: domain "PropertyList" if it is damaged, cyclic or exceeds
+  /// the limits; "POSIX" if the file cannot be read.
   static Expected<PropertyList> propertyListWithData(std::span<const std::byte> data);
   static Expected<PropertyList> propertyListWithContentsOfURL(const std::filesystem::path& url);
   /// The binary form.
@@ -86,7 +84,8 @@ class PropertyList {
   explicit operator bool() const { return value_.index() != 0; }
   const Value& value() const { return value_; }
 
-  /// The value, when it is of just that kind. Integers beyond 64 signed bits wrap around.
+  /// `nullopt` unless the value is of exactly this kind. Integers of 2^63 and above become
+  /// negative.
   std::optional<bool> asBoolean() const { return as<bool>(); }
   std::optional<std::int64_t> asInteger() const;
   std::optional<double> asReal() const;
@@ -95,22 +94,21 @@ class PropertyList {
   std::optional<Data> asData() const { return as<Data>(); }
   std::optional<std::uint64_t> asUid() const;
 
-  /// The number of values in an array or a dictionary; 0 for all others.
+  /// The number of values in an array or dictionary; 0 for other kinds.
   std::size_t count() const { return items().size() + entries().size(); }
-  /// An array's values in order; empty for all others.
+  /// Empty unless this is an array.
   const Array& items() const&;
   Array items() && { return items(); }
-  /// A dictionary's keys and values in order; empty for all others.
+  /// Empty unless this is a dictionary.
   const Dictionary& entries() const&;
   Dictionary entries() && { return entries(); }
-  /// A dictionary's value; nothing when the key is missing or this is no dictionary.
+  /// Null if the key is missing or this is not a dictionary.
   const PropertyList& operator[](std::string_view key) const&;
   PropertyList operator[](std::string_view key) && { return std::as_const(*this)[key]; }
 
-  /// Changes a dictionary, leaving its other keys as they are; all other kinds stay unchanged.
-  /// Setting nothing removes the key.
+  /// Sets a value in a dictionary, or removes the key if `value` is null. Ignored for other kinds.
   void set(std::string_view key, PropertyList value);
-  /// Adds to the end of an array; all other kinds, and nothing, change nothing.
+  /// Appends to an array. Ignored for other kinds and for null.
   void append(PropertyList value);
 
  private:

@@ -13,12 +13,11 @@ namespace vantrel {
 
 namespace {
 
-/// Half of what fits the memory, as the bytes of the values need room beside.
+/// Half of the memory limit; the other half is for the bytes of the values.
 constexpr std::size_t kMaxElements = PropertyList::kMaxMemory / PropertyList::kNodeCost / 2;
 
-/// The library reads XML by recursion and ends the process over some lists, so that their depth,
-/// the number of their elements and their text are checked first; other damage is left to the
-/// library.
+/// Whether libplist can parse `text` safely: it recurses, and aborts the process for some lists.
+/// Checks the depth, the number of elements and the encoding, and leaves other damage to libplist.
 bool isBounded(std::string_view text) {
   constexpr auto kEnd = std::string_view::npos;
   if (!isUtf8(text) || text.find('\0') != kEnd) return false;
@@ -37,8 +36,8 @@ bool isBounded(std::string_view text) {
     const auto tag = text.substr(at + 1, end - at - 1);
     at = end + terminator.size();
     if (opener.size() > 1) continue;
-    // A property list needs neither a document type of its own nor attributes beyond the version;
-    // both could hide tags from this count, and so may stand outside of all values only.
+    // Quotes and document types could hide tags from this count. Property lists need them outside
+    // of all values only.
     const bool mayQuote = tag.starts_with('!') || tag.starts_with('?') || tag.starts_with("plist");
     if (mayQuote ? depth > 0 : tag.find_first_of("\"'") != kEnd) return false;
     if (tag.find('<') != kEnd || (tag.starts_with('!') && tag.find('[') != kEnd)) return false;
@@ -50,15 +49,16 @@ bool isBounded(std::string_view text) {
   return true;
 }
 
-/// The library's calls for single values cut dates to 32 bits of seconds and do not report the sign
-/// of an integer; its binary form holds both, but takes quadratic time for a large list.
+/// Converts one value by way of its binary form: libplist's getters truncate dates to 32 bits and
+/// do not report the sign of integers. Not used for complete lists, as libplist writes them in
+/// O(n^2).
 std::optional<PropertyList> scalar(plist_t node) {
   char* content = nullptr;
   std::uint32_t size = 0;
   plist_to_bin(node, &content, &size);
   const std::unique_ptr<char, decltype(&plist_to_bin_free)> binary(content, plist_to_bin_free);
   auto value = propertyListWithBinary(std::as_bytes(std::span(content, size)));
-  // The library writes reals in 32 bits if these suffice.
+  // libplist writes reals in 32 bits if they fit.
   const auto real = value ? value->asReal() : std::nullopt;
   return real ? PropertyList::real(*real) : value;
 }

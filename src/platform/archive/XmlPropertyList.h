@@ -6,7 +6,7 @@
 
 namespace vantrel {
 
-/// Reads the XML form; `nullopt` if it is damaged or beyond PropertyList's limits.
+/// Parses an XML property list; `nullopt` if it is damaged or exceeds the limits of `PropertyList`.
 std::optional<PropertyList> propertyListWithXml(std::span<const std::byte> data);
 
 }  // namespace vantrel

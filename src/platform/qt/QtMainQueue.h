@@ -1,13 +1,20 @@
 #pragma once
 
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <utility>
+
 #include "platform/system/MainQueue.h"
 
 namespace vantrel {
 
-/// The main queue of a program with Qt's event loop. Needs an application object.
+/// A main queue over Qt's event loop. Requires a QCoreApplication.
 class QtMainQueue : public MainQueue {
  public:
-  void async(std::function<void()> function) override;
+  void async(std::function<void()> function) override {
+    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(function),
+                              Qt::QueuedConnection);
+  }
 };
 
 }  // namespace vantrel

@@ -2,22 +2,29 @@
 
 #include <QThreadPool>
 #include <memory>
+#include <utility>
 
 #include "platform/system/Operation.h"
 
 namespace vantrel {
 
-/// Runs operations on threads of its own, several at once. The destructor drops those that have
-/// not begun and waits for the bodies of the others.
+/// Runs operations concurrently on a pool of threads. The destructor discards operations that have
+/// not started and waits for the others.
 class QtOperationQueue {
  public:
   QtOperationQueue() = default;
-  ~QtOperationQueue();
-  QtOperationQueue(const QtOperationQueue&) = delete;
-  QtOperationQueue& operator=(const QtOperationQueue&) = delete;
+  QtOperationQueue(QtOperationQueue&&) = delete;
+  ~QtOperationQueue() {
+    pool_.clear();
+    pool_.waitForDone();
+  }
 
-  /// Any thread.
-  void addOperation(std::shared_ptr<Operation> operation);
+  /// Thread-safe.
+  void addOperation(std::shared_ptr<Operation> operation) {
+    pool_.start([operation = std::move(operation)] {
+      if (!operation->isCancelled()) operation->main();
+    });
+  }
 
  private:
   QThreadPool pool_;

@@ -12,8 +12,8 @@ namespace vantrel {
 namespace {
 
 constexpr double kUnlimited = 1e6;
-/// Far more than a window shows. The layout looks through the rest of a word for each line that it
-/// breaks within the word, so that a name of 1,000,000 letters would take minutes.
+/// More than a window shows. QTextLayout needs O(n^2) for a long word: minutes for 1,000,000
+/// letters.
 constexpr std::size_t kMostCharacters = 10'000;
 
 bool hasLetters(const QString& text) {
@@ -31,8 +31,7 @@ bool opensIsolate(QChar c) {
          c.direction() == QChar::DirFSI;
 }
 
-/// Whether what comes after the text would run in a direction that the text sets, or an isolate
-/// around it would end within it.
+/// Whether the text changes the direction of text after it, or closes an isolate it has not opened.
 bool changesSurroundings(const QString& text) {
   int open = 0;
   for (const QChar c : text) {
@@ -67,8 +66,7 @@ QtParagraph::QtParagraph(std::string_view text, const QFont& font, bool interfac
   if (kept.size() < text.size()) shown += QChar(0x2026);
   QTextOption option;
   option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-  // Lines are aligned when drawn: an alignment of the layout's own would follow each text's
-  // direction.
+  // `draw` aligns the lines, as the layout would align each text by its own direction.
   option.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
   const bool rightToLeft = hasLetters(shown) ? shown.isRightToLeft() : interfaceIsRightToLeft;
   option.setTextDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
@@ -99,10 +97,10 @@ void QtParagraph::breakLines(double width, int maximumLines) {
   if (maximumLines <= 0 || lineCount() <= maximumLines) return;
   const int kept = layout_->lineAt(maximumLines - 1).textStart();
   QString rest = layout_->text().mid(kept);
-  // A line end in the part that is cut would otherwise come back as a line.
+  // A line end in the rest would start another line.
   rest.replace(QChar::LineSeparator, QLatin1Char(' '));
   const QFontMetricsF metrics(layout_->font());
-  // Always marked, also when the rest would have fitted into one line.
+  // The added ellipsis stays even if the rest fits into one line.
   rest = metrics.elidedText(rest + QChar(0x2026), Qt::ElideRight, width);
   layout_->setText(layout_->text().left(kept) + rest);
   setLines();

@@ -10,7 +10,7 @@ namespace vantrel {
 
 QFont QtTextMeasurer::fontFor(const Font& font) const {
   QFont result = QGuiApplication::font();
-  // Never whole pixels alone: the text would be set differently at every scale of the screen.
+  // Rounding to whole pixels would break lines differently at each scale of the screen.
   result.setHintingPreference(QFont::PreferNoHinting);
   result.setWeight(font.bold ? QFont::Bold : QFont::Normal);
   result.setItalic(false);

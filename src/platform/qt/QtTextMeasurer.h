@@ -6,11 +6,11 @@ class QFont;
 
 namespace vantrel {
 
-/// Measures with the desktop's own font, as QtParagraph draws. Needs an application object. Main
-/// thread.
+/// Measures with the desktop's font, as `QtParagraph` draws. Requires a QGuiApplication. Main
+/// thread only.
 class QtTextMeasurer : public TextMeasurer {
  public:
-  /// `scale` is the user's text size, 1 for the usual one.
+  /// `scale` is the factor of the user's text size.
   explicit QtTextMeasurer(double scale = 1) : scale_(scale) {}
 
   double scale() const { return scale_; }

@@ -16,12 +16,11 @@ namespace vantrel {
 
 namespace {
 
-/// As many as the network layer keeps connections to one server: what waits for a connection must
-/// not run out of time meanwhile.
+/// Qt's limit of connections to one server, so that no load times out waiting for a connection.
 constexpr int kMostLoads = 6;
 constexpr int kMostRedirects = 5;
 
-/// Keeps answers under a digest of their URL, which may hold an account and tells places.
+/// Stores responses under a digest of their URL, which may contain an account and places.
 class DigestCache : public QNetworkDiskCache {
  public:
   QNetworkCacheMetaData metaData(const QUrl& url) override {
@@ -33,17 +32,17 @@ class DigestCache : public QNetworkDiskCache {
   QIODevice* data(const QUrl& url) override { return QNetworkDiskCache::data(digest(url)); }
   bool remove(const QUrl& url) override { return QNetworkDiskCache::remove(digest(url)); }
   QIODevice* prepare(const QNetworkCacheMetaData& metaData) override {
-    // Cut on its way, an answer of unknown length would be kept for a whole one.
+    // A truncated response of unknown length would be stored as a complete one.
     const auto headers = metaData.rawHeaders();
-    const bool tellsLength = std::any_of(headers.begin(), headers.end(), [](const auto& header) {
+    const bool hasLength = std::any_of(headers.begin(), headers.end(), [](const auto& header) {
       return header.first.compare("content-length", Qt::CaseInsensitive) == 0;
     });
-    return tellsLength ? QNetworkDiskCache::prepare(digested(metaData)) : nullptr;
+    return hasLength ? QNetworkDiskCache::prepare(digested(metaData)) : nullptr;
   }
 
  private:
   static QUrl digest(const QUrl& url) {
-    // The library asks itself back with what it was given.
+    // Qt passes URLs from here back to this class.
     if (url.scheme() == QLatin1String("digest")) return url;
     const auto hash = QCryptographicHash::hash(url.toEncoded(), QCryptographicHash::Sha256);
     return QUrl(QStringLiteral("digest:") + QString::fromLatin1(hash.toHex()));
@@ -70,12 +69,12 @@ QNetworkRequest networkRequest(const UrlRequest& request) {
                       QNetworkRequest::UserVerifiedRedirectPolicy);
   result.setMaximumRedirectsAllowed(kMostRedirects);
   result.setRawHeader("User-Agent", "Vantrel");
-  // A few bytes that unpack to many would pass the bound of the body's size late.
+  // Compressed responses could exceed the size limit before it is checked.
   result.setRawHeader("Accept-Encoding", "identity");
   return result;
 }
 
-/// A status such as 404 is an answer: its body may say more.
+/// Error statuses such as 404 are answers too: their bodies describe the error.
 bool isAnswer(const QNetworkReply& reply) {
   constexpr int kFirstErrorStatus = 400;
   const auto error = reply.error();
@@ -92,7 +91,7 @@ std::chrono::milliseconds milliseconds(double seconds) {
   return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
 }
 
-/// One request on its way. Its owner waits for `ended`.
+/// One load. Calls `ended` once.
 class Load : public QObject {
  public:
   using Ended = std::function<void(Load& load, Expected<std::string> body)>;
@@ -145,7 +144,7 @@ class Load : public QObject {
   void finish() {
     if (reason_.empty()) takeBytes();
     silence_.stop();
-    // What is too large in its last piece was aborted too late for the network layer to notice.
+    // If the last piece exceeded the limit, the reply had finished before `abort`.
     if (reason_.empty() && isAnswer(reply_)) {
       ended_(*this, std::move(body_));
       return;
@@ -168,7 +167,7 @@ class Load : public QObject {
 
 }  // namespace
 
-/// The thread's own side.
+/// The part of the session in its thread.
 class QtUrlSession::Loader : public QObject {
  public:
   Loader(const std::optional<std::filesystem::path>& cacheDirectory, const Limits& limits)
@@ -184,7 +183,7 @@ class QtUrlSession::Loader : public QObject {
     if (!cache_) return std::nullopt;
     const QUrl url = urlOf(request);
     const auto metaData = cache_->metaData(url);
-    // Guessing how long an answer without a date may live would serve old ones for new.
+    // Responses without an expiration date are never fresh.
     if (!metaData.isValid() || metaData.expirationDate() <= QDateTime::currentDateTimeUtc()) {
       return std::nullopt;
     }
@@ -223,8 +222,8 @@ class QtUrlSession::Loader : public QObject {
 
   Limits limits_;
   QNetworkAccessManager manager_{this};
-  QObject loadParent_{this};      ///< Ends what is under way before the manager goes.
-  DigestCache* cache_ = nullptr;  ///< The manager's.
+  QObject loadParent_{this};      ///< Destroys pending loads before the manager.
+  DigestCache* cache_ = nullptr;  ///< Owned by the manager.
   std::deque<Waiting> waiting_;
   int loads_ = 0;
 };

@@ -10,23 +10,23 @@
 
 namespace vantrel {
 
-/// The network through Qt, in a thread of its own. Certificates are checked, redirects lead to
-/// https or nowhere, no cookie is kept. Answers that tell their length are stored as their servers
-/// allow, in a cache on disk that several processes may share; it holds neither URLs nor what
-/// stands in them. Needs a QCoreApplication, and goes before it. Operations that use it have ended
-/// by then.
+/// Loads through Qt, in a separate thread. Verifies certificates, follows redirects to https only
+/// and keeps no cookies. Caches responses with a known length as their HTTP headers allow.
+/// Processes may share the cache folder, which contains no URLs, as they contain accounts and
+/// places. Requires a QCoreApplication, and must be destroyed before it and after the operations
+/// that use it.
 class QtUrlSession : public UrlSession {
  public:
   struct Limits {
-    std::size_t mostBytes = std::size_t{8} << 20;  ///< Of a body; a larger one is an error.
-    /// Bounds every request's timeoutInterval, in seconds.
+    std::size_t mostBytes = std::size_t{8} << 20;  ///< Of a body; larger ones fail.
+    /// Upper limit of `timeoutInterval`, in seconds.
     double mostTimeout = 60;
-    /// An answer that keeps dripping is given up after so many times its time-out.
+    /// A load may take this many times its time-out in all, so that slow responses end.
     int mostTimeouts = 3;
     std::size_t mostCacheBytes = std::size_t{10} << 20;
   };
 
-  /// Without `cacheDirectory` nothing is stored; it is made, 0700, when it is missing.
+  /// Creates `cacheDirectory` with mode 0700 if it is missing. Without it, caches nothing.
   explicit QtUrlSession(const std::optional<std::filesystem::path>& cacheDirectory, Limits limits);
   ~QtUrlSession() override;
 
@@ -36,7 +36,7 @@ class QtUrlSession : public UrlSession {
  private:
   class Loader;
   QThread thread_;
-  Loader* loader_;  ///< Lives in `thread_`, which deletes it.
+  Loader* loader_;  ///< Belongs to `thread_`, which deletes it.
 };
 
 }  // namespace vantrel

@@ -1,9 +1,8 @@
 #include "platform/system/Bundle.h"
 
-#include <unicode/uloc.h>
+#include <unicode/locid.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <system_error>
 
@@ -33,37 +32,31 @@ fs::path mainBundleRoot() {
   return VANTREL_DATA_DIR;
 }
 
-/// Language and script of a tag, the script being the usual one when the tag names none: who reads
-/// "zh-CN" reads "zh-Hans", and not "zh-Hant".
-std::string writing(const std::string& tag) {
-  std::array<char, ULOC_FULLNAME_CAPACITY> identifier{};
-  std::array<char, ULOC_FULLNAME_CAPACITY> full{};
-  std::array<char, ULOC_LANG_CAPACITY> language{};
-  std::array<char, ULOC_SCRIPT_CAPACITY> script{};
+/// The language and script of a tag, by default the usual script: "zh-Hans" for "zh-CN". Empty if
+/// the tag is malformed.
+std::string languageAndScript(const std::string& tag) {
   UErrorCode status = U_ZERO_ERROR;
-  uloc_forLanguageTag(tag.c_str(), identifier.data(), ULOC_FULLNAME_CAPACITY, nullptr, &status);
-  uloc_addLikelySubtags(identifier.data(), full.data(), ULOC_FULLNAME_CAPACITY, &status);
-  uloc_getLanguage(full.data(), language.data(), ULOC_LANG_CAPACITY, &status);
-  uloc_getScript(full.data(), script.data(), ULOC_SCRIPT_CAPACITY, &status);
+  auto locale = icu::Locale::forLanguageTag(tag, status);
+  locale.addLikelySubtags(status);
   if (U_FAILURE(status)) return {};
-  return std::string(language.data()) + "-" + script.data();
+  return std::string(locale.getLanguage()) + "-" + locale.getScript();
 }
 
-/// Which of the bundle's languages serves a reader of `wanted`: the same, else the one that differs
-/// in the region only, the shortest first.
+/// The available language for a reader of `wanted`: the same, otherwise the shortest that differs
+/// in the region only.
 std::optional<std::string> match(const std::string& wanted,
                                  const std::vector<std::string>& available) {
   if (std::find(available.begin(), available.end(), wanted) != available.end()) return wanted;
-  const auto wantedWriting = writing(wanted);
+  const auto script = languageAndScript(wanted);
   std::optional<std::string> best;
   for (const auto& tag : available) {
     if (best && best->size() <= tag.size()) continue;
-    if (!wantedWriting.empty() && writing(tag) == wantedWriting) best = tag;
+    if (!script.empty() && languageAndScript(tag) == script) best = tag;
   }
   return best;
 }
 
-/// The languages of the .lproj folders, in alphabetical order, which no file system promises.
+/// The languages of the .lproj folders, sorted, so that the result is the same everywhere.
 std::vector<std::string> availableLanguages(const fs::path& root) {
   std::vector<std::string> languages;
   std::error_code error;

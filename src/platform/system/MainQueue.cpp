@@ -4,23 +4,10 @@
 
 namespace vantrel {
 
-namespace {
-
-std::shared_ptr<MainQueue>& installedQueue() {
-  static std::shared_ptr<MainQueue> queue;
-  return queue;
-}
-
-}  // namespace
-
 MainQueue& MainQueue::sharedQueue() {
-  if (installedQueue()) return *installedQueue();
+  if (installed_) return *installed_;
   static SerialMainQueue serial;
   return serial;
-}
-
-void MainQueue::install(std::shared_ptr<MainQueue> queue) {
-  installedQueue() = std::move(queue);
 }
 
 }  // namespace vantrel

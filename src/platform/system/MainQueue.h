@@ -5,18 +5,21 @@
 
 namespace vantrel {
 
-/// Runs functions one after the other on the main thread, never inside the call that adds them.
-/// Replaceable: `main` or a test installs the one to use.
+/// Runs functions on the main thread. A replaceable service: `main` or a test installs another.
 class MainQueue {
  public:
   virtual ~MainQueue() = default;
-  /// Any thread. The function runs on a later turn of the main thread, in the order of the calls.
+  /// Queues `function`, which runs on a later turn of the main thread, never in this call.
+  /// Functions run in the order of the calls. Thread-safe.
   virtual void async(std::function<void()> function) = 0;
 
-  /// The installed queue; a SerialMainQueue when none was.
+  /// The installed queue, otherwise a `SerialMainQueue`.
   static MainQueue& sharedQueue();
-  /// Null brings the default back. Main thread, before others ask.
-  static void install(std::shared_ptr<MainQueue> queue);
+  /// Null restores the default. Main thread only, before other threads use it.
+  static void install(std::shared_ptr<MainQueue> queue) { installed_ = std::move(queue); }
+
+ private:
+  inline static std::shared_ptr<MainQueue> installed_;
 };
 
 }  // namespace vantrel

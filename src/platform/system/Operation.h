@@ -5,19 +5,19 @@
 
 namespace vantrel {
 
-/// A piece of work that a queue runs once, on a thread of its own. Always owned by a `shared_ptr`:
-/// what is still under way for it keeps it alive. Any thread.
+/// Work that a queue runs once, on another thread. Always owned by a `shared_ptr`, so that pending
+/// callbacks can keep it alive. Thread-safe.
 class Operation : public std::enable_shared_from_this<Operation> {
  public:
   Operation() = default;
   virtual ~Operation() = default;
-  Operation(const Operation&) = delete;
-  Operation& operator=(const Operation&) = delete;
+  Operation(Operation&&) = delete;
 
-  /// The body. What it started may go on when it returns. Called by the queue, not when cancelled.
+  /// The body, called by the queue unless the operation is cancelled. It may start work that goes
+  /// on after it returns.
   virtual void main() = 0;
 
-  /// For good. Once this returned on the main thread, no notice of the operation follows.
+  /// Permanent. After a call on the main thread, the operation posts no more notifications.
   void cancel() { cancelled_ = true; }
   bool isCancelled() const { return cancelled_; }
 

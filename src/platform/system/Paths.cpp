@@ -18,12 +18,12 @@ namespace {
 
 std::optional<fs::path> directoryFromEnvironment(const char* variable) {
   const char* value = std::getenv(variable);
-  // The XDG base directory rules: a relative path is invalid and to be ignored.
+  // The XDG base directory specification: relative paths are invalid and must be ignored.
   if (!value || *value != '/') return std::nullopt;
   return fs::path(value);
 }
 
-/// The folder that the variable names, else `fallback` in the home folder.
+/// The folder in `variable`, otherwise `fallback` in $HOME.
 std::optional<fs::path> baseDirectory(const char* variable, std::string_view fallback) {
   if (auto directory = directoryFromEnvironment(variable)) return directory;
   if (auto home = directoryFromEnvironment("HOME")) return *home / fallback;
@@ -36,7 +36,8 @@ std::optional<fs::path> ownDirectory(const char* variable, std::string_view fall
   return directory;
 }
 
-/// A value as xdg-user-dirs writes it: quoted, absolute or below "$HOME", backslashes escape.
+/// Parses a value of xdg-user-dirs: in double quotes, with backslash escapes, and either absolute
+/// or below "$HOME".
 std::optional<fs::path> userDirectory(std::string_view value, const fs::path& home) {
   if (value.size() < 2 || value.front() != '"') return std::nullopt;
   std::string text;
@@ -69,12 +70,12 @@ std::optional<fs::path> documentDirectory() {
   constexpr std::string_view kKey = "XDG_DOCUMENTS_DIR=";
   const auto name = *baseDirectory("XDG_CONFIG_HOME", ".config") / "user-dirs.dirs";
   std::ifstream file;
-  // A FIFO in its place would be waited for.
+  // Opening a FIFO would wait.
   if (std::error_code error; fs::is_regular_file(name, error)) file.open(name);
   for (std::string line; std::getline(file, line);) {
     const auto start = line.find_first_not_of(" \t");
     if (start == std::string::npos || line.compare(start, kKey.size(), kKey) != 0) continue;
-    // The file is made for a shell to read: the last assignment counts.
+    // The file is a shell script: the last assignment counts.
     found = userDirectory(std::string_view(line).substr(start + kKey.size()), *home);
   }
   return found ? found : *home / "Documents";
@@ -98,10 +99,10 @@ bool createPrivateDirectory(const fs::path& directory) {
   const fs::path parent = directory.parent_path();
   if (!parent.empty() && parent != directory && !createPrivateDirectory(parent)) return false;
   if (::mkdir(directory.c_str(), 0700) != 0) {
-    // Another process may have made it in the meantime.
+    // Another process may have created it concurrently.
     return errno == EEXIST && fs::is_directory(directory, error);
   }
-  // A power cut that takes the folder's name takes the files in it.
+  // If a power cut loses the folder's name, its files are lost too.
   if (synchronizeDirectory(parent.empty() ? "." : parent.c_str())) return true;
   const int failure = errno;
   ::rmdir(directory.c_str());

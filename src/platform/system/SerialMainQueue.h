@@ -8,13 +8,14 @@
 
 namespace vantrel {
 
-/// A main queue for programs without an event loop: `main` runs what has gathered.
+/// A main queue for programs without an event loop: `main` runs the queued functions.
 class SerialMainQueue : public MainQueue {
  public:
   void async(std::function<void()> function) override;
-  /// Runs functions until the queue is empty, those added meanwhile included. Main thread.
+  /// Runs functions, also those added by them, until the queue is empty. Main thread only.
   void runUntilEmpty();
-  /// Waits for one function and runs it; false when none came within `seconds`. Main thread.
+  /// Runs the next function; waits up to `seconds` for one. False if none arrived. Main thread
+  /// only.
   bool runNext(double seconds);
 
  private:

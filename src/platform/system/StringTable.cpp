@@ -1,14 +1,14 @@
 #include "platform/system/StringTable.h"
 
 #include <unicode/unistr.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <optional>
 #include <string_view>
 
-#include "base/HexDigit.h"
+#include "base/Ascii.h"
 #include "platform/archive/PropertyList.h"
+#include "platform/text/Utf8.h"
 
 namespace vantrel {
 
@@ -30,14 +30,9 @@ std::optional<std::u16string> utf16Text(std::string_view bytes, bool bigEndian) 
 }
 
 std::optional<std::u16string> utf8Text(std::string_view bytes) {
-  std::u16string text(bytes.size(), u'\0');
-  std::int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strFromUTF8(text.data(), static_cast<std::int32_t>(text.size()), &length, bytes.data(),
-                static_cast<std::int32_t>(bytes.size()), &status);
-  if (U_FAILURE(status)) return std::nullopt;
-  text.resize(static_cast<std::size_t>(length));
-  return text;
+  if (!isUtf8(bytes)) return std::nullopt;
+  const auto text = icu::UnicodeString::fromUTF8(bytes);
+  return std::u16string(text.getBuffer(), static_cast<std::size_t>(text.length()));
 }
 
 std::optional<std::u16string> decodedText(std::string_view bytes) {
@@ -59,12 +54,11 @@ bool isBlank(char16_t unit) {
 }
 
 bool isUnquoted(char16_t unit) {
-  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
-         (unit >= u'0' && unit <= u'9') ||
-         std::u16string_view(u"_$+/:.-").find(unit) != std::u16string_view::npos;
+  return isAsciiWordCharacter(unit) ||
+         std::u16string_view(u"$+/:.-").find(unit) != std::u16string_view::npos;
 }
 
-/// The text form, read by UTF-16 units so that two escaped surrogates join into one character.
+/// Parses the text form in UTF-16, so that two escaped surrogates become one character.
 class StringsReader {
  public:
   explicit StringsReader(std::u16string_view text) : text_(text) {}
@@ -73,7 +67,7 @@ class StringsReader {
  private:
   bool at(std::u16string_view token) const { return text_.substr(at_).starts_with(token); }
   bool take(char16_t unit);
-  /// False in a comment that does not end.
+  /// Returns false if a comment does not end.
   bool skipBlanks();
   std::optional<std::u16string> string();
   std::optional<std::u16string> quoted();

@@ -10,14 +10,18 @@
 
 namespace vantrel {
 
-/// The texts of one language by key, UTF-8.
+/// The UTF-8 texts of one language by key.
 using StringTable = std::map<std::string, std::string, std::less<>>;
 
-/// Reads the content of a .strings file: text in UTF-8 or, with a byte order mark, UTF-16, or a
-/// property list, whose values other than strings are left out. Pairs read
-/// `"key" = "value";`; quotes may be left out around plain words, a key alone has an empty text,
-/// the last of equal keys wins. Damaged content gives an error of domain "StringTable" that names
-/// the line.
+/// Parses a .strings file: a property list, of which only strings are used, or text in UTF-8, or in
+/// UTF-16 with a byte order mark:
+///
+///     /* comment */  "key" = "value";  // comment
+///     word = plain.word;               // Simple words need no quotes.
+///     "empty";                         // The same as "empty" = "";
+///
+/// The last of equal keys counts. Errors: domain "StringTable", with the line of the damage, or
+/// "PropertyList".
 Expected<StringTable> stringTableWithData(std::span<const std::byte> data);
 
 }  // namespace vantrel

@@ -1,7 +1,5 @@
 #include "platform/system/UrlSession.h"
 
-#include <utility>
-
 namespace vantrel {
 
 namespace {
@@ -15,21 +13,12 @@ class NoSession : public UrlSession {
   }
 };
 
-std::shared_ptr<UrlSession>& installedSession() {
-  static std::shared_ptr<UrlSession> session;
-  return session;
-}
-
 }  // namespace
 
 UrlSession& UrlSession::sharedSession() {
-  if (installedSession()) return *installedSession();
+  if (installed_) return *installed_;
   static NoSession none;
   return none;
-}
-
-void UrlSession::install(std::shared_ptr<UrlSession> session) {
-  installedSession() = std::move(session);
 }
 
 }  // namespace vantrel

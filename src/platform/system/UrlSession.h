@@ -9,33 +9,36 @@
 
 namespace vantrel {
 
-/// What is asked for with GET. Loads always go to the network; only `cachedResponse` reads what is
-/// stored.
+/// A GET request.
 struct UrlRequest {
   std::string url;              ///< Absolute, percent-encoded.
-  double timeoutInterval = 60;  ///< Seconds without a byte from the server before it is given up.
+  double timeoutInterval = 60;  ///< Seconds without data until the load fails.
 };
 
-/// Loads from the network. Replaceable: a program without one never reaches the network. Any
-/// thread.
+/// Loads from the network. A replaceable service: without one, a program never uses the network.
+/// Thread-safe.
 class UrlSession {
  public:
   /// Errors are of domain "UrlSession"; `userInfo["url"]` is the URL that failed.
   static constexpr const char* kErrorDomain = "UrlSession";
-  /// The whole body, whatever the HTTP status. Runs once, on a thread of the session; never when
-  /// the session ends before.
+  /// Receives the complete body, for error statuses too. Called once, on a thread of the session,
+  /// or never if the session is destroyed first.
   using Completion = std::function<void(Expected<std::string> body)>;
 
   virtual ~UrlSession() = default;
-  /// The stored body, as long as its server called it fresh; nothing otherwise. Waits for the disk.
+  /// Returns the stored body while it is fresh by its HTTP headers, otherwise `nullopt`. Blocks for
+  /// disk access only.
   virtual std::optional<std::string> cachedResponse(const UrlRequest& request) = 0;
-  /// Starts loading and returns at once.
+  /// Starts loading from the network, never from the cache, and returns at once.
   virtual void dataTask(const UrlRequest& request, Completion completion) = 0;
 
-  /// The installed session; one that refuses every load when none was.
+  /// The installed session, otherwise one that fails every load.
   static UrlSession& sharedSession();
-  /// Null brings the default back. Main thread, before others ask.
-  static void install(std::shared_ptr<UrlSession> session);
+  /// Null restores the default. Main thread only, before other threads use it.
+  static void install(std::shared_ptr<UrlSession> session) { installed_ = std::move(session); }
+
+ private:
+  inline static std::shared_ptr<UrlSession> installed_;
 };
 
 }  // namespace vantrel

@@ -16,12 +16,14 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include "base/FileDescriptor.h"
 #include "base/Log.h"
 #include "platform/system/Paths.h"
+#include "platform/system/ReplacementFile.h"
 
 namespace vantrel {
 
@@ -37,80 +39,41 @@ Error notRegularFile(const fs::path& path) {
   return {"POSIX", EINVAL, path.string() + ": not a regular file", {}};
 }
 
-/// Tells one version of a file from the next.
-struct Identity {
-  explicit Identity(const struct stat& s)
-      : device(s.st_dev),
-        inode(s.st_ino),
-        size(s.st_size),
-        seconds(s.st_mtim.tv_sec),
-        nanoseconds(s.st_mtim.tv_nsec) {}
-  friend bool operator==(const Identity&, const Identity&) = default;
+/// Differs between versions of a file.
+using Identity = std::tuple<dev_t, ino_t, off_t, time_t, long>;
 
-  dev_t device;
-  ino_t inode;
-  off_t size;
-  time_t seconds;
-  long nanoseconds;
-};
+Identity identityOf(const struct stat& s) {
+  return {s.st_dev, s.st_ino, s.st_size, s.st_mtim.tv_sec, s.st_mtim.tv_nsec};
+}
 
-/// What a file held when it was read or written.
+/// The file as last read or written.
 struct Content {
   PropertyList values = PropertyList::dictionary();
   std::optional<Error> error;
-  /// Nothing while there is no file.
-  std::optional<Identity> identity;
-  /// Keeps the file's inode from being given to a later version.
-  FileDescriptor file;
+  std::optional<Identity> identity;  ///< `nullopt` if the file does not exist.
+  FileDescriptor file;  ///< Open, so that no later version can have the same inode number.
 };
-
-bool readAll(int file, Data& data) {
-  std::size_t done = 0;
-  while (done < data.size()) {
-    const auto count = ::read(file, data.data() + done, data.size() - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count == 0) errno = EIO;
-    if (count <= 0) return false;
-    done += static_cast<std::size_t>(count);
-  }
-  return true;
-}
-
-bool writeAll(int file, const Data& data) {
-  std::size_t done = 0;
-  while (done < data.size()) {
-    const auto count = ::write(file, data.data() + done, data.size() - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    done += static_cast<std::size_t>(count);
-  }
-  return true;
-}
 
 Content load(const fs::path& path) {
   Content content;
-  // Not blocking, lest a pipe under that name is waited for.
+  // O_NONBLOCK: opening a FIFO would wait.
   content.file = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
   if (!content.file || ::fstat(content.file.number(), &status) != 0) {
     if (errno != ENOENT) content.error = posixError(errno, path);
     return content;
   }
-  content.identity = Identity(status);
+  content.identity = identityOf(status);
   if (!S_ISREG(status.st_mode)) {
     content.error = S_ISDIR(status.st_mode) ? posixError(EISDIR, path) : notRegularFile(path);
     return content;
   }
-  if (static_cast<std::size_t>(status.st_size) > PropertyList::kMaxBytes) {
-    content.error = posixError(EFBIG, path);
-    return content;
-  }
-  Data data(static_cast<std::size_t>(status.st_size));
-  if (!readAll(content.file.number(), data)) {
+  const auto data = readAll(content.file, PropertyList::kMaxBytes);
+  if (!data) {
     content.error = posixError(errno, path);
     return content;
   }
-  auto list = PropertyList::propertyListWithData(data);
+  auto list = PropertyList::propertyListWithData(*data);
   if (list && list->kind() == PropertyList::Kind::kDictionary) {
     content.values = std::move(*list);
   } else {
@@ -123,12 +86,11 @@ bool isDamaged(const Content& content) {
   return content.error && content.error->domain == "PropertyList";
 }
 
-/// As long as a store waits for other programs.
+/// The same time as stores wait for other processes.
 constexpr std::chrono::seconds kLockTimeout{5};
 constexpr std::chrono::milliseconds kLockPause{10};
 
-/// Takes the lock that all writers of a file take: on a file of its own, since the settings
-/// themselves are replaced.
+/// Locks the settings for writing. The lock is on a separate file, as the settings are replaced.
 Expected<FileDescriptor> lock(const fs::path& path) {
   const fs::path name = path.string() + ".lock";
   FileDescriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
@@ -158,35 +120,28 @@ Expected<void> moveAside(const fs::path& path) {
   return {};
 }
 
-/// Puts `values` in the file's place, so that a reader, or the next start after a crash, finds the
-/// old file or the new one. The lock is held.
+/// Replaces the file atomically, also if the process or the system stops. The lock must be held.
 Expected<Content> replace(const fs::path& path, PropertyList values) {
-  const fs::path beside = path.string() + ".new";
   const Data data = values.binaryData();
-  if (data.empty() || data.size() > PropertyList::kMaxBytes) {
-    return tl::unexpected(posixError(data.empty() ? ENOMEM : EFBIG, path));
+  if (data.size() > PropertyList::kMaxBytes) return tl::unexpected(posixError(EFBIG, path));
+  const fs::path temporary = path.string() + ".new";
+  // Left behind by a killed process, or not a regular file.
+  ::unlink(temporary.c_str());
+  ReplacementFile next;
+  if (!next.create(path, temporary, 0600)) return tl::unexpected(posixError(errno, temporary));
+  struct stat status {};
+  if (!next.write({reinterpret_cast<const char*>(data.data()), data.size()}) ||
+      ::fstat(next.file.number(), &status) != 0 || !next.publish()) {
+    return tl::unexpected(posixError(errno, path));
   }
   Content content;
-  // What a killed program left, or a FIFO that opening would wait for.
-  ::unlink(beside.c_str());
-  content.file =
-      FileDescriptor(::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-  if (!content.file) return tl::unexpected(posixError(errno, beside));
-  struct stat status {};
-  if (!writeAll(content.file.number(), data) || ::fsync(content.file.number()) != 0 ||
-      ::fstat(content.file.number(), &status) != 0 || ::rename(beside.c_str(), path.c_str()) != 0) {
-    const auto error = posixError(errno, path);
-    ::unlink(beside.c_str());
-    return tl::unexpected(error);
-  }
-  const fs::path folder = path.parent_path();
-  if (!synchronizeDirectory(folder.c_str())) return tl::unexpected(posixError(errno, folder));
-  content.identity = Identity(status);
+  content.file = std::move(next.file);
+  content.identity = identityOf(status);
   content.values = std::move(values);
   return content;
 }
 
-/// The number that a text begins with, 0 when it begins with none. Words like "nan" are none.
+/// The number at the start of `text`; 0 if there is none. "nan" and "inf" are not numbers.
 template <typename Number>
 Number leadingNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
@@ -215,17 +170,17 @@ std::int64_t truncated(double value) {
 }  // namespace
 
 struct UserDefaults::State {
-  /// Reads the file again if it is another than the one known. The lock is held.
+  /// Reads the file again if it has changed. The mutex must be held.
   void refresh() {
     if (!path) return;
     struct stat status {};
     const bool exists = ::stat(path->c_str(), &status) == 0;
-    if (exists ? content.identity != Identity(status) : content.identity || errno != ENOENT) {
+    if (exists ? content.identity != identityOf(status) : content.identity || errno != ENOENT) {
       content = load(*path);
     }
   }
 
-  /// The mutex is held.
+  /// The mutex must be held.
   Expected<void> lockFile() {
     if (!path || held) return {};
     if (!paths::createPrivateDirectory(path->parent_path())) {
@@ -239,9 +194,9 @@ struct UserDefaults::State {
 
   std::optional<fs::path> path;
   std::mutex mutex;
-  FileDescriptor held;  ///< Of the locked file, from `lock` to `synchronize`.
+  FileDescriptor held;  ///< The lock, from `lock` to `synchronize`.
   Content content;
-  /// What was set since the last synchronisation; nothing stands for a removed key.
+  /// The values set since the last `synchronize`; null for removed keys.
   std::map<std::string, PropertyList, std::less<>> changes;
 };
 
@@ -298,18 +253,6 @@ double UserDefaults::doubleForKey(std::string_view key) const {
   return value.asBoolean().value_or(false) ? 1 : 0;
 }
 
-float UserDefaults::floatForKey(std::string_view key) const {
-  return static_cast<float>(doubleForKey(key));
-}
-
-std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {
-  return objectForKey(key).asString();
-}
-
-std::optional<Data> UserDefaults::dataForKey(std::string_view key) const {
-  return objectForKey(key).asData();
-}
-
 PropertyList UserDefaults::dictionaryRepresentation() const {
   const std::lock_guard guard(state_->mutex);
   state_->refresh();
@@ -323,26 +266,6 @@ void UserDefaults::setObject(const PropertyList& value, std::string_view key) {
   state_->changes.insert_or_assign(std::string(key), value);
 }
 
-void UserDefaults::setBool(bool value, std::string_view key) {
-  setObject(PropertyList::boolean(value), key);
-}
-
-void UserDefaults::setInteger(std::int64_t value, std::string_view key) {
-  setObject(PropertyList::integer(value), key);
-}
-
-void UserDefaults::setFloat(float value, std::string_view key) {
-  setObject(PropertyList::realOfSinglePrecision(value), key);
-}
-
-void UserDefaults::setDouble(double value, std::string_view key) {
-  setObject(PropertyList::real(value), key);
-}
-
-void UserDefaults::removeObjectForKey(std::string_view key) {
-  setObject({}, key);
-}
-
 Expected<void> UserDefaults::checkReadable() const {
   const std::lock_guard guard(state_->mutex);
   state_->refresh();
@@ -353,7 +276,7 @@ Expected<void> UserDefaults::checkReadable() const {
 Expected<void> UserDefaults::lock() {
   const std::lock_guard guard(state_->mutex);
   std::error_code error;
-  // A caller that then sets nothing must not leave a new folder behind.
+  // Locking creates the folder, which a caller that sets no value must not do.
   if (!state_->path || !fs::exists(*state_->path, error)) return {};
   return state_->lockFile();
 }

@@ -12,53 +12,55 @@
 
 namespace vantrel {
 
-/// Settings under keys, in one binary property list that several processes may have open. Values
-/// set here are seen by this object at once, and by all others after synchronize(); what others
-/// synchronised is seen by the next read. Any thread.
+/// Settings by key in a binary property list, which several processes may use concurrently. This
+/// object reads the values it has set at once; other objects read them after `synchronize`.
+/// Thread-safe.
 class UserDefaults {
  public:
-  /// The program's own settings: vantrel.plist in paths::configDirectory(). Opened on the first
-  /// call and kept.
+  /// The settings of the programs: vantrel.plist in `paths::configDirectory`.
   static UserDefaults& standardUserDefaults();
-  /// Opens `file`; reads it, and creates nothing, before the first need. Without one the object is
-  /// an empty store of its own.
+  /// Reads `file` on first use. Without a file, the settings are kept in memory only.
   explicit UserDefaults(const std::optional<std::filesystem::path>& file);
   ~UserDefaults();
-  UserDefaults(const UserDefaults&) = delete;
-  UserDefaults& operator=(const UserDefaults&) = delete;
+  UserDefaults(UserDefaults&&) = delete;
 
-  /// The value as stored; nothing when the key is missing.
+  /// Null if the key is missing.
   PropertyList objectForKey(std::string_view key) const;
-  /// True for a number other than 0 and for the strings "YES", "true" and "1" in any case.
+  /// True for true, for numbers other than 0, and for "YES", "true" and "1" in any case.
   bool boolForKey(std::string_view key) const;
-  /// Numbers, booleans (1 and 0) and strings that begin with a number; 0 for all others. A fraction
-  /// is cut off, and what does not fit becomes the nearest integer that does.
+  /// Converts numbers, booleans (1 and 0) and strings that begin with a number; 0 for other values.
+  /// Integers truncate fractions, and are clamped to their range.
   std::int64_t integerForKey(std::string_view key) const;
   double doubleForKey(std::string_view key) const;
-  float floatForKey(std::string_view key) const;
-  std::optional<std::string> stringForKey(std::string_view key) const;
-  std::optional<Data> dataForKey(std::string_view key) const;
-  /// All keys and values.
+  float floatForKey(std::string_view key) const { return static_cast<float>(doubleForKey(key)); }
+  std::optional<std::string> stringForKey(std::string_view key) const {
+    return objectForKey(key).asString();
+  }
+  std::optional<Data> dataForKey(std::string_view key) const { return objectForKey(key).asData(); }
   PropertyList dictionaryRepresentation() const;
 
-  /// Setting nothing removes the key.
+  /// Null removes the key.
   void setObject(const PropertyList& value, std::string_view key);
-  void setBool(bool value, std::string_view key);
-  void setInteger(std::int64_t value, std::string_view key);
-  void setFloat(float value, std::string_view key);
-  void setDouble(double value, std::string_view key);
-  void removeObjectForKey(std::string_view key);
+  void setBool(bool value, std::string_view key) { setObject(PropertyList::boolean(value), key); }
+  void setInteger(std::int64_t value, std::string_view key) {
+    setObject(PropertyList::integer(value), key);
+  }
+  void setFloat(float value, std::string_view key) {
+    setObject(PropertyList::realOfSinglePrecision(value), key);
+  }
+  void setDouble(double value, std::string_view key) { setObject(PropertyList::real(value), key); }
+  void removeObjectForKey(std::string_view key) { setObject({}, key); }
 
-  /// Keeps other programs from writing the file until the next `synchronize`, so that a value that
-  /// is read here, changed and set does not undo their change. Does nothing while there is no file.
-  /// Errors: domain "POSIX"; EAGAIN if another program holds the lock for more than 5 s.
+  /// Locks the file against other writers until the next `synchronize`, so that reading a value,
+  /// changing and setting it does not undo their changes. Does nothing if the file does not exist.
+  /// Errors: domain "POSIX", with EAGAIN if another process holds the lock for more than 5 s.
   Expected<void> lock();
-  /// Writes what was set here since the last call into the file as it then is, leaving its other
-  /// keys alone: it is replaced whole, or stays as it was. A damaged file is moved aside. Errors
-  /// are as those of `lock`; what was set then waits for the next call.
+  /// Writes the values set since the last call to the file and keeps the file's other keys.
+  /// Replaces the file atomically; renames a damaged file and starts a new one. Errors: as `lock`;
+  /// the next call then writes the values.
   Expected<void> synchronize();
-  /// Whether the file can be read (a missing one can). While it cannot, reads answer as if it were
-  /// empty. Errors are of domain "POSIX", or "PropertyList" for a damaged file.
+  /// Fails if the file exists and cannot be read; it then reads as empty. Errors: domain "POSIX",
+  /// or "PropertyList" if it is damaged.
   Expected<void> checkReadable() const;
 
  private:

@@ -20,11 +20,11 @@ using std::chrono::year_month_day;
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr auto kReferenceDay = sys_days(year(2001) / 1 / 1);
-/// The days that the standard library tells; it knows no Julian calendar and no years of five
-/// digits. Those are left to ICU, which costs more than the rest of a call.
+/// The range of days for <chrono>, which supports neither the Julian calendar nor years of five
+/// digits. ICU computes other days and takes longer than the rest of a call.
 constexpr auto kFirstPlainDay = sys_days(year(1582) / 10 / 15);
 constexpr auto kLastPlainDay = sys_days(year(9999) / 12 / 31);
-/// What ICU can tell, in seconds and in years.
+/// The range of ICU's calendar, in seconds and in years.
 constexpr double kLastSecond = 1.8e14;
 constexpr std::int64_t kLastYear = 5'000'000;
 
@@ -36,7 +36,7 @@ std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) {
   return value / divisor - (value % divisor < 0 ? 1 : 0);
 }
 
-/// A calendar of its own for each call: ICU's keep state.
+/// ICU's calendar. It has mutable state, so that each call creates its own.
 class HybridCalendar {
  public:
   HybridCalendar() { calendar_.clear(); }
@@ -66,7 +66,7 @@ class HybridCalendar {
                                    icu::Locale::getRoot(), status_};
 };
 
-/// Seconds since the reference date on the zone's clock.
+/// Seconds since the reference date on the zone's clock, rounded down. 0 for NaN.
 std::int64_t wallSeconds(Date date, const TimeZone& zone) {
   const double seconds = date.timeIntervalSinceReferenceDate();
   if (std::isnan(seconds)) return 0;
@@ -78,7 +78,7 @@ sys_days civilDay(Date date, const TimeZone& zone) {
   return kReferenceDay + days(floorDivide(wallSeconds(date, zone), kSecondsPerDay));
 }
 
-/// Days since the reference date. Month and day may be out of range.
+/// Days since the reference date. Months and days out of range carry over.
 std::int64_t dayNumber(int civilYear, int civilMonth, int civilDay) {
   const std::int64_t months = std::int64_t{civilYear} * 12 + civilMonth - 1;
   const std::int64_t wholeYear = floorDivide(months, 12);
@@ -100,8 +100,9 @@ Calendar Calendar::currentCalendar() {
 
 DateComponents Calendar::components(Date date) const {
   const auto wall = wallSeconds(date, zone_);
-  const auto day = kReferenceDay + days(floorDivide(wall, kSecondsPerDay));
-  const int second = static_cast<int>(wall - floorDivide(wall, kSecondsPerDay) * kSecondsPerDay);
+  const auto dayCount = floorDivide(wall, kSecondsPerDay);
+  const auto day = kReferenceDay + days(dayCount);
+  const int second = static_cast<int>(wall - dayCount * kSecondsPerDay);
   DateComponents result{.hour = second / 3600, .minute = second / 60 % 60, .second = second % 60};
   if (isPlain(day)) {
     const year_month_day civil(day);
@@ -128,7 +129,7 @@ Date Calendar::dateFromComponents(const DateComponents& components) const {
 }
 
 Date Calendar::dateByAddingDays(Date date, int days) const {
-  // Nothing to add is no reason to step from a repeated hour's second pass back to its first.
+  // The wall time would move an instant in the second pass of a repeated hour to the first.
   if (days == 0) return date;
   const double seconds = date.timeIntervalSinceReferenceDate();
   const auto wall = wallSeconds(date, zone_) + days * kSecondsPerDay;

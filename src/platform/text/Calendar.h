@@ -8,7 +8,7 @@
 
 namespace vantrel {
 
-/// Calendar fields; an absent one reads as its lowest value (1 for month and day, 0 for the time).
+/// Calendar fields. Without a value, year, month and day count as 1 and the others as 0.
 struct DateComponents {
   std::optional<int> year = {};
   std::optional<int> month = {};
@@ -18,26 +18,27 @@ struct DateComponents {
   std::optional<int> second = {};
 };
 
-/// The Gregorian calendar (Julian before 1582-10-15) in a time zone. Operations are const and keep
-/// no state between calls: a shared calendar may be read from several threads.
+/// The Gregorian calendar, Julian before 1582-10-15, in a time zone. An immutable value;
+/// thread-safe.
 class Calendar {
  public:
   Calendar(TimeZone zone, Locale locale) : zone_(std::move(zone)), locale_(std::move(locale)) {}
-  /// The user's calendar, with the device's zone and the current locale of this moment.
+  /// The calendar of the device's current zone and locale.
   static Calendar currentCalendar();
 
   const TimeZone& timeZone() const { return zone_; }
 
-  /// All six fields of the instant; fractions of a second are dropped by floor.
+  /// Returns all six fields. Fractions of a second are rounded down.
   DateComponents components(Date date) const;
-  /// Fields out of range carry over (minute 60 is the next hour). Wall times that are skipped or
-  /// repeated: see TimeZone::dateForWallSeconds.
+  /// Fields out of range carry over: minute 60 is the next hour. For skipped and repeated times see
+  /// `TimeZone::dateForWallSeconds`.
   Date dateFromComponents(const DateComponents& components) const;
-  /// The same wall time that many calendar days later (earlier when negative).
+  /// The same wall time `days` later, or earlier if negative: 12:00 stays 12:00 when the clocks
+  /// change.
   Date dateByAddingDays(Date date, int days) const;
   /// 1 = Sunday … 7 = Saturday.
   int weekday(Date date) const;
-  /// The position of the day in its week, 1 = the locale's first weekday.
+  /// 1 to 7, counted from the locale's first day of the week.
   int ordinalityOfDayInWeek(Date date) const;
   int numberOfDaysInMonth(Date date) const;
 

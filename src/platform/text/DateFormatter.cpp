@@ -15,7 +15,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/Ascii.h"
 #include "platform/text/NumericDatePattern.h"
 
 namespace vantrel {
@@ -54,8 +53,8 @@ icu::DateFormat::EStyle icuStyle(Style style) {
 
 std::unique_ptr<icu::SimpleDateFormat> build(const DateStyleSettings& configuration,
                                              const icu::Locale& locale) {
-  // Every new formatter asks for the default zone; finding the device's own would cost more than
-  // building the formatter, and its rules are not used.
+  // Every new formatter needs ICU's default zone. Detecting the device's zone would take longer
+  // than creating the formatter, and its rules are not used.
   static std::once_flag once;
   std::call_once(once, [] { icu::TimeZone::setDefault(fixedZone(0)); });
 
@@ -66,7 +65,7 @@ std::unique_ptr<icu::SimpleDateFormat> build(const DateStyleSettings& configurat
     if (U_FAILURE(status)) return nullptr;
     return formatter;
   }
-  // The library would write both.
+  // ICU would use default styles.
   if (configuration == DateStyleSettings{}) return nullptr;
   std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
       icuStyle(configuration.dateStyle), icuStyle(configuration.timeStyle), locale));
@@ -85,50 +84,17 @@ std::string patternOf(const icu::SimpleDateFormat& formatter) {
   return utf8(formatter.toPattern(pattern));
 }
 
-/// The letters of a pattern that stand for fields.
-std::string fieldsOf(std::string_view pattern) {
-  std::string fields;
-  bool quoted = false;
-  for (const char c : pattern) {
-    if (c == '\'') quoted = !quoted;
-    if (!quoted && isAsciiLetter(c)) fields += c;
-  }
-  return fields;
-}
-
-/// The literal text after the last field of a pattern.
-std::string endingOf(std::string_view pattern) {
-  std::string ending;
-  bool quoted = false;
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    const char c = pattern[i];
-    if (c == '\'' && pattern.substr(i + 1, 1) != "'") {
-      quoted = !quoted;
-    } else if (!quoted && isAsciiLetter(c)) {
-      ending.clear();
-    } else {
-      ending += c;
-      if (c == '\'') ++i;
-    }
-  }
-  return ending;
-}
-
-/// Whether texts of that pattern tell their own offset from Greenwich.
-bool hasZoneField(std::string_view pattern) {
-  return fieldsOf(pattern).find_first_of("zZOvVXx") != std::string::npos;
-}
-
-/// The formatter's pattern for the short way, where its texts take no more.
-std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& formatter) {
-  const auto pattern = patternOf(formatter);
+/// The formatter's pattern, if `NumericDatePattern` writes the same texts.
+std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& formatter,
+                                                 const std::vector<DatePatternPiece>& pieces) {
   const auto* numbers = dynamic_cast<const icu::DecimalFormat*>(formatter.getNumberFormat());
   if (!numbers || std::string_view(formatter.getCalendar()->getType()) != "gregorian") {
     return std::nullopt;
   }
-  // A locale may have numbers of another kind for some fields.
-  for (const char field : fieldsOf(pattern)) {
-    if (formatter.getNumberFormatForField(static_cast<char16_t>(field)) != numbers) {
+  // Some locales use other number formats for some fields.
+  for (const auto& piece : pieces) {
+    if (piece.field &&
+        formatter.getNumberFormatForField(static_cast<char16_t>(piece.field)) != numbers) {
       return std::nullopt;
     }
   }
@@ -147,7 +113,7 @@ std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& fo
   for (int32_t i = 0; i < std::min(count, 2); ++i) {
     symbols.halves.at(static_cast<std::size_t>(i)) = utf8(halves[i]);
   }
-  return NumericDatePattern::parsed(pattern, std::move(symbols));
+  return NumericDatePattern::parsed(pieces, std::move(symbols));
 }
 
 }  // namespace
@@ -157,21 +123,24 @@ struct DateFormatter::State {
     Built(DateStyleSettings c, std::unique_ptr<icu::SimpleDateFormat> f)
         : configuration(std::move(c)),
           formatter(std::move(f)),
-          numeric(numericPattern(*formatter)),
-          tellsZone(hasZoneField(patternOf(*formatter))),
-          ending(endingOf(patternOf(*formatter))),
           calendar(formatter->getCalendar()->clone()) {
+      const auto pieces = datePatternPieces(patternOf(*formatter));
+      numeric = numericPattern(*formatter, pieces);
+      for (const auto& piece : pieces) {
+        ending = piece.literal;
+        if (std::string_view("zZOvVXx").find(piece.field) != std::string_view::npos) hasZone = true;
+      }
       formatter->setTimeZone(fixedZone(0));
       formatter->setLenient(false);
       calendar->setTimeZone(fixedZone(0));
     }
 
-    /// Named zones are ours to resolve: the library's own rules are older than the system's. A text
-    /// that does not name its zone is that of the wall time in Greenwich, which spares the library
-    /// a new zone for each offset; a calendar of our own spares it a copy for each text.
+    /// ICU only sees fixed offsets, as its own zone rules are older than the system's. Without a
+    /// zone field, the text is that of the wall time in GMT, which saves ICU a new zone for each
+    /// offset. Passing a calendar saves ICU a copy for each text.
     std::string text(Date date, int offset) {
       double seconds = date.timeIntervalSince1970();
-      if (!tellsZone) {
+      if (!hasZone) {
         seconds += offset;
       } else if (offset != calendarOffset) {
         calendar->setTimeZone(fixedZone(offset));
@@ -190,8 +159,8 @@ struct DateFormatter::State {
     DateStyleSettings configuration;
     std::unique_ptr<icu::SimpleDateFormat> formatter;
     std::optional<NumericDatePattern> numeric;
-    bool tellsZone;
-    std::string ending;
+    bool hasZone = false;  ///< Whether texts contain the zone or offset.
+    std::string ending;    ///< The literal text after the last field.
     std::unique_ptr<icu::Calendar> calendar;
     int calendarOffset = 0;
   };
@@ -268,7 +237,7 @@ std::string DateFormatter::stringFromDate(Date date) const {
 
 std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
   const auto* built = state_->current();
-  // The library accepts texts that stop before the last literal.
+  // ICU accepts texts that end before the last literal.
   if (!built || !text.ends_with(built->ending)) return std::nullopt;
   const auto source = icu::UnicodeString::fromUTF8(text);
   icu::ParsePosition position;
@@ -277,7 +246,7 @@ std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
     return std::nullopt;
   }
   const auto date = Date::dateWithTimeIntervalSince1970(instant / U_MILLIS_PER_SECOND);
-  if (built->tellsZone) return date;
+  if (built->hasZone) return date;
   return state_->timeZone().dateForWallSeconds(date.timeIntervalSinceReferenceDate());
 }
 

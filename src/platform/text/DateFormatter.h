@@ -11,9 +11,9 @@
 
 namespace vantrel {
 
-/// Writes and reads dates by a locale's styles or by a pattern (Unicode TR 35). Building the
-/// underlying formatter is costly and is put off to the first use after a change of style, pattern
-/// or locale; a change of zone costs nothing. One thread at a time.
+/// Formats and parses dates by a locale's styles or by a pattern (Unicode TR 35). The first use of
+/// each combination of style and pattern is slow, as it creates ICU's formatter; `setLocale` and
+/// `setDateFormat` discard the created ones. Not thread-safe.
 class DateFormatter {
  public:
   enum class Style { kNone = 0, kShort = 1, kMedium = 2, kLong = 3, kFull = 4 };
@@ -24,20 +24,21 @@ class DateFormatter {
   DateFormatter& operator=(DateFormatter&&) noexcept;
 
   void setLocale(const Locale& locale);
-  /// Nothing means the device's zone.
+  /// Without a value, the device's zone at each call.
   void setTimeZone(const std::optional<TimeZone>& zone);
   void setDateStyle(Style style);
   void setTimeStyle(Style style);
-  /// A pattern; it takes the place of the styles.
+  /// Replaces the styles by a pattern, such as "yyyy-MM-dd". Setting a style removes the pattern.
   void setDateFormat(std::string_view pattern);
-  /// The locale's pattern for the fields of a template, which are those of patterns in any order;
-  /// "j" is the hour as the locale prefers it. Empty when the library has none.
+  /// Returns the locale's pattern for some fields in any order: for "yMd", "M/d/y" in en_US and
+  /// "d.M.y" in de_DE. "j" is the hour in the locale's preferred form. Empty if ICU has no pattern.
   static std::string dateFormatFromTemplate(std::string_view fields, const Locale& locale);
-  /// The pattern in force.
+  /// The current pattern, also of styles; empty if both styles are `kNone`.
   std::string dateFormat() const;
 
+  /// Empty if `date` is not finite or both styles are `kNone`.
   std::string stringFromDate(Date date) const;
-  /// The instant that the whole text tells; nothing when it does not fit the pattern.
+  /// `nullopt` unless the complete text matches the pattern.
   std::optional<Date> dateFromString(std::string_view text) const;
 
  private:

@@ -6,7 +6,6 @@
 #include <unicode/uloc.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <string_view>
 
@@ -18,7 +17,7 @@ namespace {
 
 constexpr std::string_view kPosixLocale = "en_US_POSIX";
 
-/// The first variable that is set and not empty, as the C library chooses.
+/// The first variable that is set and not empty, as in libc.
 std::string_view firstSet(std::initializer_list<const char*> variables) {
   for (const char* variable : variables) {
     if (const char* value = std::getenv(variable); value && *value) return value;
@@ -33,8 +32,8 @@ std::string_view scriptForModifier(std::string_view modifier) {
   return {};
 }
 
-/// "sr_RS.UTF-8@latin" as "sr_Latn_RS": the code set goes, a modifier counts when it names a script
-/// or a variant.
+/// Returns "sr_Latn_RS" for "sr_RS.UTF-8@latin". Ignores the code set, and modifiers other than
+/// scripts and variants.
 std::string identifierFromPosix(std::string_view name) {
   const auto at = name.find('@');
   const auto modifier = at == std::string_view::npos ? std::string_view() : name.substr(at + 1);
@@ -56,12 +55,9 @@ std::string identifierFromPosix(std::string_view name) {
 }
 
 void addLanguage(std::vector<std::string>& languages, const std::string& identifier) {
-  std::array<char, ULOC_FULLNAME_CAPACITY> tag{};
   UErrorCode status = U_ZERO_ERROR;
-  const auto length =
-      uloc_toLanguageTag(identifier.c_str(), tag.data(), int32_t{tag.size()}, false, &status);
+  const auto text = icu::Locale(identifier.c_str()).toLanguageTag<std::string>(status);
   if (U_FAILURE(status)) return;
-  const std::string text(tag.data(), static_cast<std::size_t>(length));
   if (text == "und" || std::find(languages.begin(), languages.end(), text) != languages.end()) {
     return;
   }
@@ -76,7 +72,7 @@ Locale Locale::currentLocale() {
 
 std::vector<std::string> Locale::preferredLanguages() {
   const auto identifier = identifierFromPosix(firstSet({"LC_ALL", "LC_MESSAGES", "LANG"}));
-  // The plain locale asks for plain texts, whatever LANGUAGE says; so do programs with gettext.
+  // As in gettext, the C locale overrides LANGUAGE.
   if (identifier == kPosixLocale) return {"en"};
   std::vector<std::string> languages;
   std::string_view rest = firstSet({"LANGUAGE"});
@@ -92,7 +88,7 @@ std::vector<std::string> Locale::preferredLanguages() {
 
 int Locale::firstWeekday() const {
   UErrorCode status = U_ZERO_ERROR;
-  // A zone of its own spares the library its search for the device's.
+  // A fixed zone saves ICU the detection of the device's zone.
   const icu::GregorianCalendar calendar(icu::SimpleTimeZone(0, icu::UnicodeString()),
                                         icu::Locale(identifier_.c_str()), status);
   return U_SUCCESS(status) ? calendar.getFirstDayOfWeek(status) : UCAL_SUNDAY;

@@ -5,14 +5,15 @@
 
 namespace vantrel {
 
-/// A locale by its identifier ("en_US", "ar_EG"). A value.
+/// A locale, by its identifier: "en_US", "ar_EG". An immutable value; thread-safe.
 class Locale {
  public:
   explicit Locale(std::string identifier) : identifier_(std::move(identifier)) {}
-  /// From LC_ALL, LC_TIME, LANG in this order; "C" and "POSIX" read as "en_US_POSIX".
+  /// From the first of LC_ALL, LC_TIME and LANG that is set: "sr_Latn_RS" for "sr_RS.UTF-8@latin".
+  /// "C", "POSIX" and malformed values read as "en_US_POSIX".
   static Locale currentLocale();
-  /// The languages for texts, best first, as BCP 47 tags ("pt-BR"): LANGUAGE, then LC_ALL,
-  /// LC_MESSAGES, LANG; "en" when none is set.
+  /// The languages for texts, best first, as BCP 47 tags such as "pt-BR": those of LANGUAGE, then
+  /// the first of LC_ALL, LC_MESSAGES and LANG that is set. {"en"} in the C locale.
   static std::vector<std::string> preferredLanguages();
 
   const std::string& localeIdentifier() const { return identifier_; }

@@ -49,7 +49,7 @@ std::unique_ptr<icu::DecimalFormat> build(const NumberSettings& configuration,
 struct NumberFormatter::State {
   explicit State(const Locale& l) : locale(l.localeIdentifier().c_str()) {}
 
-  /// Null when the library cannot make one.
+  /// Null if ICU fails.
   const icu::DecimalFormat* formatter() {
     if (!built || builtFrom != configuration) {
       built = build(configuration, locale);

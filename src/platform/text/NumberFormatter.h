@@ -9,10 +9,10 @@
 
 namespace vantrel {
 
-/// Writes and reads decimal numbers as a locale does: at most three fraction digits, grouped,
-/// halves to even, until told otherwise. A number is rounded once, from the shortest decimal text
-/// that reads back to it. Building the underlying formatter is costly and is put off to the first
-/// use after a change. One thread at a time.
+/// Formats and parses decimal numbers for a locale; by default with groups, at most three fraction
+/// digits, and halves rounded to even. Rounding starts from the shortest decimal text that reads
+/// back as the number: 1.005 becomes 1.01 with `kHalfUp`. The first use after a change is slow, as
+/// it creates ICU's formatter. Not thread-safe.
 class NumberFormatter {
  public:
   enum class RoundingMode {
@@ -20,7 +20,7 @@ class NumberFormatter {
     kHalfUp = 6,  ///< Halves away from zero.
   };
 
-  /// For the current locale.
+  /// Uses the current locale.
   NumberFormatter();
   ~NumberFormatter();
   NumberFormatter(NumberFormatter&&) noexcept;
@@ -28,19 +28,20 @@ class NumberFormatter {
 
   void setLocale(const Locale& locale);
   void setRoundingMode(RoundingMode mode);
-  /// Has no effect while it is finer than what the fraction digits show.
+  /// Has no effect if it is smaller than the last fraction digit shown.
   void setRoundingIncrement(double increment);
   void setUsesGroupingSeparator(bool uses);
   void setMinimumIntegerDigits(int digits);
-  /// A minimum above the maximum raises it, a maximum below the minimum lowers it.
+  /// A minimum above the maximum raises the maximum; a maximum below the minimum lowers the
+  /// minimum.
   void setMinimumFractionDigits(int digits);
   void setMaximumFractionDigits(int digits);
 
-  /// Zero keeps its sign, also when it comes from rounding: "-0.00".
+  /// Zero keeps its sign, also after rounding: "-0.00" for -0.001.
   std::string stringFromNumber(double number) const;
-  /// The number that the whole text tells; nothing for any other text.
+  /// `nullopt` unless the complete text is a number.
   std::optional<double> numberFromString(std::string_view text) const;
-  /// What the locale puts before a negative number.
+  /// The locale's prefix of negative numbers.
   std::string minusSign() const;
 
  private:

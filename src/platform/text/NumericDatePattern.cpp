@@ -17,51 +17,47 @@ constexpr int kSecondsPerMinute = 60;
 constexpr std::int64_t kFirstDay = -141'349;  // 1583-01-01
 constexpr std::int64_t kLastDay = 2'932'896;  // 9999-12-31
 
+bool isNumeric(const DatePatternPiece& piece) {
+  const auto& [field, length, literal] = piece;
+  return field == 0 ||
+         (std::string_view("dMHhms").find(field) != std::string_view::npos && length <= 2) ||
+         (field == 'y' && length <= 4) || (field == 'a' && length == 1);
+}
+
 }  // namespace
 
-std::optional<NumericDatePattern> NumericDatePattern::parsed(std::string_view pattern,
-                                                             Symbols symbols) {
-  NumericDatePattern result;
-  result.symbols_ = std::move(symbols);
-  bool quoted = false;
+std::vector<DatePatternPiece> datePatternPieces(std::string_view pattern) {
+  std::vector<DatePatternPiece> pieces;
+  bool isQuoted = false;
   for (std::size_t i = 0; i < pattern.size();) {
     const char c = pattern[i];
     const std::size_t length = std::min(pattern.find_first_not_of(c, i), pattern.size()) - i;
-    if (c == '\'') {
-      // Two in a row are one to be written, within quotes too.
-      for (std::size_t pair = 0; pair < length / 2; ++pair) result.addLiteral(c);
-      quoted = quoted != (length % 2 == 1);
-    } else if (isAsciiLetter(c) && !quoted) {
-      if (!result.add(c, length)) return std::nullopt;
-    } else {
-      for (std::size_t k = 0; k < length; ++k) result.addLiteral(c);
-    }
     i += length;
+    if (isAsciiLetter(c) && !isQuoted) {
+      pieces.push_back({c, length, {}});
+      continue;
+    }
+    if (pieces.empty() || pieces.back().field) pieces.emplace_back();
+    // Two quotes are a literal quote, in quoted text too.
+    pieces.back().literal.append(c == '\'' ? length / 2 : length, c);
+    if (c == '\'' && length % 2 == 1) isQuoted = !isQuoted;
   }
+  return pieces;
+}
+
+std::optional<NumericDatePattern> NumericDatePattern::parsed(std::vector<DatePatternPiece> pieces,
+                                                             Symbols symbols) {
+  if (!std::all_of(pieces.begin(), pieces.end(), isNumeric)) return std::nullopt;
+  NumericDatePattern result;
+  result.pieces_ = std::move(pieces);
+  result.symbols_ = std::move(symbols);
   return result;
 }
 
-bool NumericDatePattern::add(char field, std::size_t length) {
-  constexpr std::string_view kNumbers = "dMHhms";
-  const bool known = (kNumbers.find(field) != std::string_view::npos && length <= 2) ||
-                     (field == 'y' && length <= 4) || (field == 'a' && length == 1);
-  if (known) pieces_.push_back({field, length, {}});
-  return known;
-}
-
-void NumericDatePattern::addLiteral(char c) {
-  if (pieces_.empty() || pieces_.back().field) pieces_.emplace_back();
-  pieces_.back().literal += c;
-}
-
 void NumericDatePattern::write(int number, std::size_t least, std::string& text) const {
-  constexpr std::size_t kMostDigits = 4;
-  std::array<std::uint8_t, kMostDigits> digits{};
-  std::size_t count = 0;
-  for (; number > 0 || count < least; number /= 10) {
-    digits.at(count++) = static_cast<std::uint8_t>(number % 10);
-  }
-  while (count > 0) text += symbols_.digits.at(digits.at(--count));
+  const std::string digits = std::to_string(number);
+  for (std::size_t i = digits.size(); i < least; ++i) text += symbols_.digits[0];
+  for (const char c : digits) text += symbols_.digits.at(static_cast<std::size_t>(c - '0'));
 }
 
 std::optional<std::string> NumericDatePattern::text(double wallSeconds) const {

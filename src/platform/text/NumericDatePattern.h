@@ -10,38 +10,41 @@
 
 namespace vantrel {
 
-/// A date pattern (Unicode TR 35) of the Gregorian calendar whose fields are all numbers, but for
-/// the halves of the day: most short dates and times. Writes them some ten times as fast as a
-/// library that can write any pattern. A value; any thread.
+/// A field of a date pattern (Unicode TR 35), or the literal text between two fields.
+struct DatePatternPiece {
+  char field = 0;          ///< 0 for a literal.
+  std::size_t length = 0;  ///< The number of the field's letters.
+  std::string literal;
+};
+
+/// "h 'o''clock'" has the pieces "h" and " o'clock".
+std::vector<DatePatternPiece> datePatternPieces(std::string_view pattern);
+
+/// A date pattern (Unicode TR 35) of the fields y, M, d, H, h, m, s and a in numeric form, as most
+/// short dates and times have. It exists for speed only: it writes a text about ten times as fast
+/// as ICU. DateFormatterTest compares its texts with ICU's for twelve locales. An immutable value;
+/// thread-safe.
 class NumericDatePattern {
  public:
-  /// How a locale writes digits and halves of the day, UTF-8.
+  /// The locale's digits, and its words for AM and PM, in UTF-8.
   struct Symbols {
     std::array<std::string, 10> digits;
     std::array<std::string, 2> halves;
   };
 
-  /// Nothing when the pattern has another field.
-  static std::optional<NumericDatePattern> parsed(std::string_view pattern, Symbols symbols);
+  /// `nullopt` if the pattern has another field, or a month or year in another form.
+  static std::optional<NumericDatePattern> parsed(std::vector<DatePatternPiece> pieces,
+                                                  Symbols symbols);
 
-  /// The text of a wall time in seconds since 1970-01-01 00:00 on that clock. Nothing before the
-  /// year 1583, when calendars changed, and after 9999.
+  /// `wallSeconds` are seconds since 1970-01-01 00:00 on the local clock. `nullopt` outside the
+  /// years 1583, the first one in the Gregorian calendar, to 9999.
   std::optional<std::string> text(double wallSeconds) const;
 
  private:
-  /// The least number of digits of a field, or the literal text in front of the next one.
-  struct Piece {
-    char field = 0;  ///< 0 for a literal.
-    std::size_t length = 0;
-    std::string literal;
-  };
-
-  bool add(char field, std::size_t length);
-  void addLiteral(char c);
   void write(int number, std::size_t least, std::string& text) const;
 
   Symbols symbols_;
-  std::vector<Piece> pieces_;
+  std::vector<DatePatternPiece> pieces_;
 };
 
 }  // namespace vantrel

@@ -16,8 +16,7 @@ constexpr std::int64_t kCalendarCycle = std::int64_t{146097} * 86400;
 
 }  // namespace
 
-/// Reads a rule from left to right. Each `read…` returns false, or `nullopt`, at the first
-/// character that does not fit.
+/// Parses a rule from left to right. Each function returns false or `nullopt` on a mismatch.
 class PosixZoneParser {
  public:
   explicit PosixZoneParser(std::string_view text) : rest_(text) {}
@@ -84,7 +83,7 @@ class PosixZoneParser {
     return sign * total;
   }
 
-  /// POSIX counts offsets to the west.
+  /// POSIX counts offsets westward.
   bool readOffset(int& offset) {
     const auto west = seconds(24);
     if (west) offset = -*west;
@@ -129,7 +128,8 @@ std::optional<PosixZoneRule> PosixZoneRule::parsed(std::string_view text) {
   if (!rule.daylight_) return rule;
   constexpr int kAnyYear = 2001;
   if (rule.startInYear(kAnyYear + 1) <= rule.endInYear(kAnyYear)) {
-    // It ends when the next one begins ("XXX3EDT4,0/0,J365/23"): it is permanent.
+    // Daylight saving time ends when the next one starts, so that it is permanent, as in
+    // "XXX3EDT4,0/0,J365/23".
     rule.standard_ = std::move(rule.daylight_->clock);
     rule.daylight_.reset();
   } else if (rule.startInYear(kAnyYear) == rule.endInYear(kAnyYear)) {
@@ -174,7 +174,7 @@ ZonePeriod PosixZoneRule::periodAt(std::int64_t instant) const {
     const std::int64_t inCycle = instant - cycle * kCalendarCycle;
     const auto day = floor<days>(sys_seconds(std::chrono::seconds(inCycle)));
     const int year = static_cast<int>(year_month_day(day).year());
-    // Hours up to 167 move a change into the year before or after.
+    // Hours beyond 24 can move a change into the previous or next year.
     for (int y = year - 2; y <= year + 2; ++y) {
       for (const bool isStart : {true, false}) {
         const std::int64_t change =

@@ -7,9 +7,9 @@
 
 namespace vantrel {
 
-/// A period without changes of a zone's clock, in seconds since 1970-01-01T00:00:00Z.
+/// A period without changes of a zone's clock. Instants are in seconds since 1970-01-01T00:00:00Z.
 struct ZonePeriod {
-  /// `-kForever` is no begin, `kForever` no end.
+  /// The end of a period without an end; `-kForever` is the begin of one without a begin.
   static constexpr std::int64_t kForever = std::int64_t{1} << 60;
 
   std::int64_t begin = -kForever;
@@ -19,17 +19,22 @@ struct ZonePeriod {
   std::string_view abbreviation;  ///< Owned by the rule that returned the period.
 };
 
-/// The rule of a `TZ` value in POSIX form ("CET-1CEST,M3.5.0,M10.5.0/3"), which RFC 8536 extends by
-/// hours from -167 to 167. Rules with daylight saving time but no days ("EST5EDT") get those of
-/// the United States, as in libc. An immutable value; thread-safe.
+/// A time zone rule in the POSIX form of the variable TZ, with the hours from -167 to 167 of RFC
+/// 8536:
+///
+///     <+0545>-5:45                   no daylight saving time; offsets count westward
+///     CET-1CEST,M3.5.0,M10.5.0/3     from the last Sunday of March, 2:00, to that of October, 3:00
+///     EST5EDT                        without days, those of the United States, as in libc
+///
+/// An immutable value; thread-safe.
 class PosixZoneRule {
  public:
-  /// `nullopt` unless the complete text is a rule.
+  /// `nullopt` unless the complete `text` is a rule.
   static std::optional<PosixZoneRule> parsed(std::string_view text);
   /// A clock that never changes. `offset` is in seconds east of Greenwich.
   PosixZoneRule(int offset, std::string abbreviation);
 
-  /// `instant` lies within `kForever`.
+  /// `instant` must be between `-kForever` and `kForever`.
   ZonePeriod periodAt(std::int64_t instant) const;
 
   friend bool operator==(const PosixZoneRule&, const PosixZoneRule&) = default;
@@ -50,8 +55,8 @@ class PosixZoneRule {
 
     Form form = Form::kWeekdayOfMonth;
     int month = 0;
-    int week = 0;  ///< 5 is the month's last.
-    int day = 0;   ///< 1 to 365, 0 to 365 or, of a week, 0 (Sunday) to 6.
+    int week = 0;  ///< 5 is the last of the month.
+    int day = 0;   ///< 1 to 365, 0 to 365, or 0 (Sunday) to 6, depending on `form`.
     int seconds = 0;
     friend bool operator==(const Change&, const Change&) = default;
   };

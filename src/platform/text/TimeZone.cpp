@@ -1,8 +1,5 @@
 #include "platform/text/TimeZone.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -29,7 +26,7 @@ struct TimeZone::Rules {
 
 namespace {
 
-/// Far beyond all rules, well within the range of `ZoneRules`.
+/// Later than all rules, and within the range of `ZoneRules`.
 constexpr double kLastRuleSecond = 1e14;
 constexpr std::size_t kLongestName = 255;
 constexpr auto kReferenceSecond = static_cast<std::int64_t>(Date::kReferenceDateSince1970);
@@ -44,7 +41,7 @@ std::int64_t instantOf(Date date) {
   return kReferenceSecond + wholeSeconds(date.timeIntervalSinceReferenceDate());
 }
 
-/// Whether the text has the form of a zone's name, which is a safe path in the database.
+/// Whether `text` has the form of a zone name, which is a safe path in the database.
 bool isZoneName(std::string_view text) {
   char before = '/';
   if (text.size() > kLongestName) return false;
@@ -53,11 +50,11 @@ bool isZoneName(std::string_view text) {
     if (!plain && (c != '/' || before == '/')) return false;
     before = c;
   }
-  // "localtime" is a link to the device's zone, not a name.
+  // "localtime" is a link to the device's zone, not a zone name.
   return before != '/' && text != "localtime";
 }
 
-/// The name of the zone whose file has that path; empty if the file is not in a database.
+/// The zone name of a file; empty if `path` is not in a zone database.
 std::string_view nameFromPath(std::string_view path) {
   constexpr std::string_view kFolder = "zoneinfo/";
   const auto at = path.rfind(kFolder);
@@ -69,16 +66,12 @@ fs::path databaseFolder() {
   return folder && *folder == '/' ? folder : "/usr/share/zoneinfo";
 }
 
-/// The content of a regular file of at most 1 MiB, else an empty text. Never waits, as a FIFO
-/// would.
+/// The content of a regular file of at most 1 MiB; empty if that cannot be read. Never waits.
 std::string contentOf(const fs::path& path) {
-  constexpr off_t kMostBytes = off_t{1} << 20;
-  const FileDescriptor file = openRegularFile(path.c_str());
-  struct stat status {};
-  if (!file || ::fstat(file.number(), &status) != 0 || status.st_size > kMostBytes) return {};
-  std::string content(static_cast<std::size_t>(status.st_size), '\0');
-  const auto count = ::read(file.number(), content.data(), content.size());
-  return count == status.st_size ? content : std::string();
+  constexpr std::size_t kLimit = std::size_t{1} << 20;
+  const auto content = readAll(openRegularFile(path.c_str()), kLimit);
+  if (!content) return {};
+  return {reinterpret_cast<const char*>(content->data()), content->size()};
 }
 
 /// "GMT+0545"
@@ -117,8 +110,8 @@ std::optional<ZoneRules> rulesWithName(std::string_view name) {
   return fixedRules(*offset, std::string(*offset == 0 ? name : name.substr(3)));
 }
 
-/// The name of a zone with these rules: `likelyName`, else a zone of the database, which has the
-/// same file or at least the same rule for the future, else the present offset's.
+/// The name of a zone with these rules: `likelyName` or a zone of the database with the same file,
+/// otherwise the first with the same last rule, otherwise that of the current offset.
 std::string nameForRules(const ZoneRules& rules, std::string_view likelyName) {
   const auto now = instantOf(Clock::sharedClock().now());
   auto name = offsetName(rules.periodAt(now).offset);
@@ -144,7 +137,7 @@ std::string nameForRules(const ZoneRules& rules, std::string_view likelyName) {
   return name;
 }
 
-/// The zones, and the names without one, that the process has seen. Thread-safe.
+/// The zones that the process has used, and the names that are not zones. Thread-safe.
 class ZoneCache {
  public:
   template <typename Make>
@@ -161,7 +154,7 @@ class ZoneCache {
   }
 
  private:
-  /// More than any database has; names are untrusted.
+  /// A limit, as names are untrusted; more than any database has.
   static constexpr std::size_t kMostZones = 2000;
   std::mutex mutex_;
   std::map<std::string, std::optional<TimeZone>> zones_;
@@ -209,7 +202,7 @@ TimeZone TimeZone::defaultTimeZone() {
   if (!variable) return systemTimeZone();
   std::string_view text = variable;
   if (text.starts_with(':')) text.remove_prefix(1);
-  // Of a path only the name in it counts: any file could be there.
+  // Do not open paths from the environment: use the zone name in them.
   const bool isPath = text.starts_with('/') || text == "localtime";
   if (auto zone = timeZoneWithName(isPath ? nameFromPath(text) : text)) return *zone;
   if (isPath) return systemTimeZone();

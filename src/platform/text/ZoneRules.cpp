@@ -9,14 +9,14 @@ namespace vantrel {
 namespace {
 
 constexpr std::size_t kTypeSize = 6;
-/// RFC 8536 allows less.
+/// In seconds; RFC 8536 allows smaller offsets only.
 constexpr std::int64_t kOffsetLimit = 26 * 3600;
 
 unsigned char byteAt(std::string_view bytes, std::size_t position) {
   return static_cast<unsigned char>(bytes[position]);
 }
 
-/// A signed number of four or eight bytes, the highest first.
+/// A signed big-endian number of four or eight bytes.
 std::int64_t numberAt(std::string_view bytes, std::size_t position, std::size_t size) {
   std::uint64_t value = byteAt(bytes, position) < 0x80 ? 0 : ~std::uint64_t{0};
   for (std::size_t i = 0; i < size; ++i) value = value << 8 | byteAt(bytes, position + i);
@@ -31,7 +31,7 @@ std::optional<ZoneRules> ZoneRules::decoded(std::string file) {
   rules.file_ = std::move(file);
   bool isZone = rules.readBlock(0, 4);
   if (isZone && rules.file_[kVersion] >= '2') {
-    // The first block is for programs that know 32 bits only.
+    // Skip the first block: it is the 32-bit version of the second.
     isZone = rules.readBlock(rules.end_, 8) && rules.readLastRule();
   }
   if (!isZone || !rules.isSound()) return std::nullopt;
@@ -116,8 +116,8 @@ ZonePeriod ZoneRules::periodAt(std::int64_t instant) const {
   ZonePeriod ofRule;
   if (before == changes_.count && rule_) {
     ofRule = rule_->periodAt(instant);
-    // The time after the file's last change lasts until the rule's next change, also if the rule
-    // has another for these days: Ojinaga adopted its rule in the middle of a period.
+    // The file's last change lasts until the rule's next one, even if the rule disagrees: Ojinaga
+    // adopted its rule in the middle of a period.
     if (before == 0 || ofRule.begin > begin) return ofRule;
   }
   auto period = periodOfType(before > 0 ? byteAt(file_, typesOfChanges_.start + before - 1) : 0);
@@ -140,7 +140,7 @@ std::optional<std::int64_t> ZoneRules::nextChangeAfter(std::int64_t instant) con
 }
 
 std::int64_t ZoneRules::instantOfWallTime(std::int64_t wallTime) const {
-  // Earlier periods end before this wall time, whatever their offsets.
+  // Periods before this one end earlier than `wallTime`, whatever their offsets.
   auto period = periodAt(wallTime - kOffsetLimit);
   while (period.end < ZonePeriod::kForever && period.end + period.offset <= wallTime) {
     const int offsetBefore = period.offset;

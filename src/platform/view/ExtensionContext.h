@@ -5,15 +5,13 @@
 
 namespace vantrel {
 
-/// How much room the host gives the widget.
 enum class WidgetDisplayMode { kCompact = 0, kExpanded = 1 };
 
-/// The host's side of the widget. Replaceable: the host (or a test) hands its own to the
-/// controller.
+/// The widget's host, as the controller sees it. The host or a test passes its own.
 class ExtensionContext {
  public:
   virtual ~ExtensionContext() = default;
-  /// Whether the host knows display modes (system version 10 and later).
+  /// Whether the host supports display modes, as system versions from 10 do.
   virtual bool respondsToWidgetLargestAvailableDisplayMode() const = 0;
   virtual void setWidgetLargestAvailableDisplayMode(WidgetDisplayMode mode) = 0;
   /// Asks the host to open the URL; `completionHandler` may be empty.

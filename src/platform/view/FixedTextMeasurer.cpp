@@ -15,21 +15,21 @@ double lineHeight(const Font& font) {
   return font.size * 1.2;
 }
 
-/// Characters of UTF-8 text: its bytes but the continuing ones.
+/// The number of code points in UTF-8 text: of bytes that do not continue one.
 double lengthOf(std::string_view text) {
   return static_cast<double>(std::count_if(text.begin(), text.end(), [](char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
   }));
 }
 
-/// Cuts the text before the first separator off its front; the separator goes too.
+/// Removes the part before the first separator, and the separator, from `text`; returns the part.
 std::string_view takeUpTo(char separator, std::string_view& text) {
   const std::string_view front = text.substr(0, text.find(separator));
   text.remove_prefix(std::min(front.size() + 1, text.size()));
   return front;
 }
 
-/// Sets paragraphs in lines of a number of characters and counts both.
+/// Breaks paragraphs into lines and counts the lines and the characters of the longest one.
 struct Wrapping {
   double charactersPerLine;
   double lines = 0;
@@ -41,7 +41,7 @@ struct Wrapping {
     for (bool first = true; first || !text.empty(); first = false) {
       const double length = lengthOf(takeUpTo(' ', text));
       if (!first) ++column;
-      // Spaces at a line's end hang over: they alone never make a line.
+      // Spaces at the end of a line may exceed it.
       if (length > 0 && column > 0 && column + length > charactersPerLine) {
         ++lines;
         column = 0;

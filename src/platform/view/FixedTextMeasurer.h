@@ -4,8 +4,8 @@
 
 namespace vantrel {
 
-/// Every character is half the font's size wide and every line 1.2 times its size high, so that
-/// layouts can be computed without fonts. Breaks lines at spaces, else between characters.
+/// Measures without fonts: every character is 0.5 times and every line 1.2 times as large as the
+/// font's size. Breaks lines at spaces, within a word only if it is longer than a line.
 class FixedTextMeasurer : public TextMeasurer {
  public:
   Size sizeOfText(std::string_view text, const Font& font) const override;

@@ -2,7 +2,7 @@
 
 namespace vantrel {
 
-/// A system font by its weight and size in points of a desktop at scale 1.
+/// The system font in regular or bold; `size` is in logical pixels at text scale 1.
 struct Font {
   double size = 15;
   bool bold = false;

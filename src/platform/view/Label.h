@@ -9,11 +9,9 @@
 
 namespace vantrel {
 
-/// A view that shows plain text, whatever it contains; the host draws it.
+/// A view of plain text, drawn by the host.
 class Label : public View {
  public:
-  Label() { setUserInteractionEnabled(false); }
-
   const std::string& text() const { return text_; }
   void setText(std::string text) {
     if (text == text_) return;
@@ -28,12 +26,12 @@ class Label : public View {
     textColor_ = color;
     setNeedsDisplay();
   }
-  /// The most lines shown; 0 is no limit.
+  /// 0 means no limit.
   int numberOfLines() const { return numberOfLines_; }
   void setNumberOfLines(int lines) { numberOfLines_ = lines; }
   bool adjustsFontSizeToFitWidth() const { return adjustsFontSizeToFitWidth_; }
   void setAdjustsFontSizeToFitWidth(bool adjusts) { adjustsFontSizeToFitWidth_ = adjusts; }
-  /// The smallest factor on the font's size that fitting may use.
+  /// The smallest factor of the font's size to which fitting may shrink the text.
   double minimumScaleFactor() const { return minimumScaleFactor_; }
   void setMinimumScaleFactor(double factor) { minimumScaleFactor_ = factor; }
 

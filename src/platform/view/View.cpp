@@ -36,7 +36,7 @@ void View::layoutIfNeeded() {
 bool View::takeNeedsDisplay() {
   bool needed = needsDisplay_;
   needsDisplay_ = false;
-  // No short cut: the marks of all views below are to be cleared.
+  // Clear the marks of all subviews: no short circuit.
   for (View* subview : subviews_) needed = subview->takeNeedsDisplay() || needed;
   return needed;
 }

@@ -3,12 +3,15 @@
 #include <vector>
 
 #include "base/Geometry.h"
-#include "platform/view/Touch.h"
 
 namespace vantrel {
 
-/// A rectangle that lays out subviews and receives touches. A view does not own its subviews:
-/// fields own them, `addSubview` takes a reference that must live as long as the view. Main thread.
+/// A finger or the pointer on a view, in the view's coordinates.
+struct Touch {
+  Point location;
+};
+
+/// A rectangle that lays out subviews and receives touches. Main thread only.
 class View {
  public:
   /// Bits of `autoresizingMask`.
@@ -16,14 +19,12 @@ class View {
 
   explicit View(Rect frame = {}) : frame_(frame) {}
   virtual ~View() = default;
-  View(const View&) = delete;
-  View& operator=(const View&) = delete;
+  View(View&&) = delete;
 
   const Rect& frame() const { return frame_; }
-  /// A change of size stretches subviews of flexible width by the same amount and marks for layout.
+  /// A new size marks the view for layout and widens subviews of flexible width by the difference.
   void setFrame(const Rect& frame);
   Rect bounds() const { return {{0, 0}, frame_.size}; }
-  unsigned autoresizingMask() const { return autoresizingMask_; }
   void setAutoresizingMask(unsigned mask) { autoresizingMask_ = mask; }
 
   bool isHidden() const { return hidden_; }
@@ -33,18 +34,16 @@ class View {
   }
   int tag() const { return tag_; }
   void setTag(int tag) { tag_ = tag; }
-  bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
-  void setUserInteractionEnabled(bool enabled) { userInteractionEnabled_ = enabled; }
 
+  /// `subview` is not owned and must outlive this view.
   void addSubview(View& subview);
-  const std::vector<View*>& subviews() const { return subviews_; }
 
   void setNeedsLayout() { needsLayout_ = true; }
-  /// Runs `layoutSubviews` of this view and of all below it that are marked.
+  /// Calls `layoutSubviews` of this view and of all views below it that are marked for layout.
   void layoutIfNeeded();
   virtual void layoutSubviews() {}
   void setNeedsDisplay() { needsDisplay_ = true; }
-  /// Whether something that shows changed in this view or below it; asked and cleared by the host.
+  /// Whether this view or one below it must be drawn again. Clears the marks.
   bool takeNeedsDisplay();
 
   virtual void touchesBegan(const Touch& /*touch*/) {}
@@ -56,7 +55,6 @@ class View {
   Rect frame_;
   unsigned autoresizingMask_ = 0;
   bool hidden_ = false;
-  bool userInteractionEnabled_ = true;
   bool needsLayout_ = true;
   bool needsDisplay_ = true;
   int tag_ = 0;

@@ -8,28 +8,31 @@
 
 namespace vantrel {
 
-/// Owns a root view and hears of its life. The host calls, in this order: `loadViewIfNeeded`
-/// (which runs `loadView` and `viewDidLoad`), `viewWillAppear`, `viewDidAppear`. Main thread.
+/// Owns a root view and follows its life cycle. The host calls `loadViewIfNeeded` (which calls
+/// `loadView` and `viewDidLoad`), `viewWillAppear` and `viewDidAppear`, in this order. Main thread
+/// only.
 class ViewController {
  public:
-  /// The root view starts with the size the host gives the widget.
+  /// `initialSize` is the size of the root view when it is loaded.
   ViewController(Size initialSize, std::shared_ptr<ExtensionContext> extensionContext)
       : initialSize_(initialSize), extensionContext_(std::move(extensionContext)) {}
   virtual ~ViewController() = default;
-  ViewController(const ViewController&) = delete;
-  ViewController& operator=(const ViewController&) = delete;
+  ViewController(ViewController&&) = delete;
 
-  void loadViewIfNeeded();
-  /// The root view; null before it is loaded.
+  void loadViewIfNeeded() {
+    if (view_) return;
+    loadView();
+    viewDidLoad();
+  }
+  /// Null before it is loaded.
   View* view() const { return view_.get(); }
-  virtual void loadView();
+  virtual void loadView() { view_ = std::make_unique<View>(Rect{{0, 0}, initialSize_}); }
   virtual void viewDidLoad() {}
   virtual void viewWillAppear(bool /*animated*/) {}
   virtual void viewDidAppear(bool /*animated*/) {}
   virtual void didReceiveMemoryWarning() {}
 
   ExtensionContext* extensionContext() const { return extensionContext_.get(); }
-  /// The size that the controller asks its host for.
   Size preferredContentSize() const { return preferredContentSize_; }
   void setPreferredContentSize(Size size) { preferredContentSize_ = size; }
 

@@ -9,7 +9,7 @@ namespace vantrel {
 
 enum class WidgetUpdateResult { kNewData = 0, kNoData = 1, kFailed = 2 };
 
-/// What a host asks of a widget's controller.
+/// The widget's controller, as its host sees it.
 class WidgetProviding {
  public:
   virtual ~WidgetProviding() = default;

@@ -131,17 +131,23 @@ using Family = std::vector<std::pair<std::string, std::string>>;
 Data familyTree(const Family& family) {
   KeyedArchiver archiver;
   const auto model = archiver.addObject({"NSManagedObjectModel", "NSObject"});
-  std::vector<std::pair<KeyedArchiver::Object, KeyedArchiver::Object>> entities;
+  auto names = PropertyList::array();
+  auto entities = PropertyList::array();
   std::map<std::string, KeyedArchiver::Object> byName;
   for (const auto& [name, parent] : family) {
     byName[name] = archiver.addObject({"NSEntityDescription", "NSObject"});
-    byName[name].encodeObject(archiver.addString(name), "NSEntityName");
-    entities.emplace_back(archiver.addString(name), byName[name]);
+    const auto text = archiver.addValue(PropertyList::string(name));
+    byName[name].encodeObject(text, "NSEntityName");
+    names.append(text.reference());
+    entities.append(byName[name].reference());
   }
   for (const auto& [name, parent] : family) {
     if (!parent.empty()) byName[name].encodeObject(byName[parent], "NSSuperentity");
   }
-  model.encodeObject(archiver.addDictionary(entities), "NSEntities");
+  const auto dictionary = archiver.addObject({"NSDictionary", "NSObject"});
+  dictionary.encode(names, "NS.keys");
+  dictionary.encode(entities, "NS.objects");
+  model.encodeObject(dictionary, "NSEntities");
   return archiver.archivedDataWithRootObject(model);
 }
 

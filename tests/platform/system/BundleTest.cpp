@@ -40,7 +40,7 @@ TEST(StringTable, ReadsTheTextForm) {
   }
 }
 
-TEST(StringTable, RefusesDamage) {
+TEST(StringTable, RejectsDamage) {
   for (const char* content :
        {"\"k\" = \"v\"", "\"k\" = \"v", "\"k\" = ;", "= \"v\";", "/* open", "\"k\" \"v\";", "\"k",
         "\"k\" = \"\\", "\"k\" = \"\xff\";", "\xff\xfek", "k = ü;", "bplist00", "{ k = v; }"}) {
@@ -56,12 +56,7 @@ TEST(StringTable, ReadsForeignTables) {
   ASSERT_TRUE(english);
   std::string text;
   for (const auto& [key, value] : *english) text.append(key).append("=").append(value).append("\n");
-  EXPECT_EQ(text, test::runProgram({"python3", "-c",
-                                    "import plistlib, sys\n"
-                                    "for k, v in sorted(plistlib.load(open(sys.argv[1], "
-                                    "'rb')).items()): print(k + '=' + v)",
-                                    path})
-                      .output);
+  EXPECT_EQ(text, test::python(path, "''.join(f'{k}={v}\\n' for k, v in sorted(p.items()))"));
 }
 
 class BundleTest : public testing::Test {
@@ -73,7 +68,7 @@ class BundleTest : public testing::Test {
   test::TemporaryDirectory directory_;
 };
 
-TEST_F(BundleTest, SpeaksTheFirstLanguageItHas) {
+TEST_F(BundleTest, UsesTheFirstAvailableLanguage) {
   for (const char* language : {"en", "de", "pt-BR", "zh-Hans", "zh-Hant", "es", "es-MX", "Base"}) {
     addTable(language, "Common", "\"which\" = \"" + std::string(language) + "\";");
   }
@@ -97,7 +92,7 @@ TEST_F(BundleTest, SpeaksTheFirstLanguageItHas) {
   }
 }
 
-TEST_F(BundleTest, LooksUpByThePlatformsRules) {
+TEST_F(BundleTest, FallsBackToTheValueOrTheKey) {
   addTable("en", "Common", "\"k\" = \"v\"; \"empty\" = \"\";");
   addTable("en", "Damaged", "\"k\" = \"v");
   const Bundle bundle(directory_.path());

@@ -12,14 +12,13 @@
 #include <vector>
 
 #include "support/Guards.h"
-#include "support/Python.h"
 
 namespace vantrel {
 namespace {
 
 namespace fs = std::filesystem;
 
-TEST(UserDefaults, ReadsConvertAsThePlatformDoes) {
+TEST(UserDefaults, ConvertsValues) {
   using List = PropertyList;
   UserDefaults defaults(std::nullopt);
   struct Case {
@@ -56,7 +55,7 @@ TEST(UserDefaults, ReadsConvertAsThePlatformDoes) {
   }
 }
 
-TEST(UserDefaults, LeavesForeignKeysAsTheyAre) {
+TEST(UserDefaults, KeepsOtherKeys) {
   const test::TemporaryDirectory directory;
   const auto file = directory / "foreign.plist";
   fs::copy_file(test::testData("defaults/group.BeReal.plist"), file);
@@ -67,12 +66,12 @@ TEST(UserDefaults, LeavesForeignKeysAsTheyAre) {
   defaults.setBool(true, "~flag");
   defaults.setObject(PropertyList::date(Date(742069876.576084)), "~date");
   ASSERT_TRUE(defaults.synchronize());
-  // Python tells True from 1 where it prints them.
+  // Python prints True and 1 differently.
   EXPECT_EQ(test::python(file, "sorted(p.items())[:-2]"), before);
   EXPECT_EQ(test::python(file, "p['~flag'], p['~date']"), "True 2024-07-07 18:31:16.576084");
 }
 
-TEST(UserDefaults, AMergeTouchesOnlyWhatThisObjectChanged) {
+TEST(UserDefaults, MergesOnlyItsOwnChanges) {
   const test::TemporaryDirectory directory;
   const auto file = directory / "new" / "settings.plist";
   UserDefaults a(file);
@@ -99,7 +98,7 @@ TEST(UserDefaults, AMergeTouchesOnlyWhatThisObjectChanged) {
   EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST(UserDefaults, ADamagedFileIsToldAndKept) {
+TEST(UserDefaults, ReportsAndKeepsDamagedFiles) {
   const auto foreign = test::readFile(test::testData("defaults/group.BeReal.plist"));
   const std::string contents[] = {"", "latitude = 41", foreign.substr(0, foreign.size() - 9),
                                   "<plist version=\"1.0\"><array/></plist>"};
@@ -126,7 +125,7 @@ TEST(UserDefaults, ADamagedFileIsToldAndKept) {
   EXPECT_EQ(test::readFile(directory / "settings.plist.damaged-3"), contents[2]);
 }
 
-TEST(UserDefaults, WhatCannotBeWrittenWaits) {
+TEST(UserDefaults, RetriesFailedWrites) {
   const test::TemporaryDirectory directory;
   const auto file = directory / "folder" / "settings.plist";
   test::writeFile(directory / "folder", "in the way");
@@ -141,7 +140,7 @@ TEST(UserDefaults, WhatCannotBeWrittenWaits) {
   EXPECT_EQ(UserDefaults(file).integerForKey("key"), 1);
 }
 
-TEST(UserDefaults, ServesSeveralThreads) {
+TEST(UserDefaults, IsThreadSafe) {
   const test::TemporaryDirectory directory;
   UserDefaults defaults(directory / "settings.plist");
   constexpr int kThreads = 4;
@@ -165,7 +164,7 @@ TEST(UserDefaults, ServesSeveralThreads) {
             std::to_string(kThreads * kTimes));
 }
 
-/// A folder in memory where there is one: what the tests below are about is not the disk.
+/// Uses a folder in memory if possible: these tests synchronise often.
 class UserDefaultsOfProcesses : public ::testing::Test {
  protected:
   UserDefaultsOfProcesses()
@@ -177,7 +176,7 @@ class UserDefaultsOfProcesses : public ::testing::Test {
   test::TemporaryDirectory directory_;
 };
 
-/// Sets a key, another each time, and finds what it set before; 0 when nothing was lost.
+/// Sets keys in turn and reads each one back after the next write. Returns 0 if no value was lost.
 int writeAndCheck(const fs::path& file, int writer, int times) {
   constexpr int kKeys = 50;
   UserDefaults defaults(file);
@@ -223,7 +222,7 @@ TEST_F(UserDefaultsOfProcesses, AKilledWriterLeavesTheOldFileOrTheNew) {
       }
       ::_exit(0);
     }
-    // Killed at another step of its work each time.
+    // Each round kills the writer at a different point.
     int reads = 0;
     bool readable = true;
     while (readable && (defaults.integerForKey("last") <= start || ++reads < round * 7)) {

@@ -12,12 +12,9 @@ namespace vantrel {
 namespace {
 
 using Style = DateFormatter::Style;
+using test::at;
 using test::EnvironmentGuard;
 using test::icuText;
-
-Date at(const char* text) {
-  return *dateFromIso8601String(text);
-}
 
 TEST(DateFormatter, WritesTheStylesOfALocaleInAZone) {
   struct Styles {

@@ -56,36 +56,14 @@ TEST(TimeZone, PlacesWallTimesInGapsAndOverlaps) {
   }
 }
 
-TEST(TimeZone, RefusesNamesThatNoZoneHas) {
-  for (const char* name : {"",
-                           "Nowhere/City",
-                           "europe/madrid",
-                           "Europe",
-                           "Europe/",
-                           "/Europe/Madrid",
-                           "Europe//Madrid",
-                           "../../../etc/localtime",
-                           "/etc/localtime",
-                           "file:Europe/Madrid",
-                           "libc:localtime",
-                           "localtime",
-                           "Europe/Madrid ",
-                           "Europe/Madrid\n",
-                           "Fixed/UTC+02:00:00",
-                           "zone.tab",
-                           "zone1970",
-                           "GMT+05",
-                           "GMT+545",
-                           "GMT+0560",
-                           "GMT+2600",
-                           "GMT-0000",
-                           "GMT+-100",
-                           "GMT+05450",
-                           "CET-1CEST",
-                           "EST5",
-                           "\xc3\xa9"}) {
-    SCOPED_TRACE(name);
-    EXPECT_FALSE(TimeZone::timeZoneWithName(name));
+TEST(TimeZone, RejectsUnknownAndMalformedNames) {
+  std::istringstream names(
+      "|Nowhere/City|europe/madrid|Europe|Europe/|/Europe/Madrid|Europe//Madrid|"
+      "../../../etc/localtime|/etc/localtime|file:Europe/Madrid|libc:localtime|localtime|"
+      "Europe/Madrid |Europe/Madrid\n|Fixed/UTC+02:00:00|zone.tab|zone1970|GMT+05|GMT+545|GMT+0560|"
+      "GMT+2600|GMT-0000|GMT+-100|GMT+05450|CET-1CEST|EST5|\xc3\xa9");
+  for (std::string name; std::getline(names, name, '|');) {
+    EXPECT_FALSE(TimeZone::timeZoneWithName(name)) << name;
   }
   EXPECT_FALSE(TimeZone::timeZoneWithName(std::string_view("UTC\0", 4)));
   EXPECT_FALSE(TimeZone::timeZoneWithName(std::string(100000, 'a')));
@@ -110,7 +88,7 @@ TEST(TimeZone, ReadsOnlySmallRegularFilesOfTheDatabase) {
   EXPECT_TRUE(TimeZone::timeZoneWithName("UTC"));
 }
 
-TEST(TimeZone, TakesTheDevicesZoneFromTheEnvironment) {
+TEST(TimeZone, ReadsTheDevicesZoneFromTheEnvironment) {
   const auto system = TimeZone::systemTimeZone().name();
   const std::pair<std::optional<std::string>, std::string> cases[] = {
       {"Asia/Tokyo", "Asia/Tokyo"},
@@ -121,7 +99,7 @@ TEST(TimeZone, TakesTheDevicesZoneFromTheEnvironment) {
       {"UTC0", "GMT"},
       {"NST3:30", "GMT-0330"},
       {"EST5EDT,M3.2.0,M11.1.0", "EST5EDT"},
-      // No zone has this rule; the clock stands in winter.
+      // No zone has this rule; the offset is that of the date.
       {"AAA-4BBB,J182,J200", "GMT+0400"},
       {"", "UTC"},
       {"Nowhere/City", "UTC"},
@@ -145,7 +123,7 @@ TEST(TimeZone, TakesTheDevicesZoneFromTheEnvironment) {
   }
 }
 
-TEST(TimeZone, NamesTheSystemsZone) {
+TEST(TimeZone, FindsTheNameOfTheSystemsZone) {
   struct Case {
     const char* name;
     const char* timezone;
@@ -187,7 +165,7 @@ Date dateAt(std::int64_t instant) {
   return Date::dateWithTimeIntervalSince1970(static_cast<double>(instant));
 }
 
-void expectTheCLibrarysAnswers(const TimeZone& zone, std::int64_t first) {
+void expectSameAsLibc(const TimeZone& zone, std::int64_t first) {
   const auto expectSame = [&](std::int64_t instant) {
     const auto time = static_cast<std::time_t>(instant);
     std::tm fields{};
@@ -217,13 +195,13 @@ void expectTheCLibrarysAnswers(const TimeZone& zone, std::int64_t first) {
   }
 }
 
-TEST(TimeZone, AgreesWithTheCLibraryOnEveryZone) {
+TEST(TimeZone, AgreesWithLibcInEveryZone) {
   constexpr std::int64_t k1901 = -2'177'452'800;
   const auto check = [](const std::string& variable, std::int64_t first) {
     SCOPED_TRACE(variable);
     const EnvironmentGuard guard("TZ", variable);
     ::tzset();
-    expectTheCLibrarysAnswers(TimeZone::defaultTimeZone(), first);
+    expectSameAsLibc(TimeZone::defaultTimeZone(), first);
   };
   // "Z NAME …" is a zone, "L ZONE NAME" a link.
   std::ifstream database("/usr/share/zoneinfo/tzdata.zi");
@@ -247,7 +225,7 @@ TEST(TimeZone, AgreesWithTheCLibraryOnEveryZone) {
   }
 }
 
-TEST(TimeZone, ServesAnyInstantAndFixedOffsets) {
+TEST(TimeZone, SupportsAnyInstantAndFixedOffsets) {
   const auto zone = *TimeZone::timeZoneWithName("America/New_York");
   const Date change(731746800);  // 2024-03-10T07:00:00Z
   EXPECT_EQ(zone.secondsFromGMTForDate(change), -14400);

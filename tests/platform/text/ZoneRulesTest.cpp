@@ -10,13 +10,13 @@
 namespace vantrel {
 namespace {
 
-std::string bigEndian(std::int64_t value, int size) {
-  std::string bytes;
-  for (int i = size - 1; i >= 0; --i) bytes += static_cast<char>(value >> (8 * i));
-  return bytes;
+using test::bigEndian;
+
+std::uint64_t bits(std::int64_t value) {
+  return static_cast<std::uint64_t>(value);
 }
 
-/// A zone file as RFC 8536 describes it, of a single block in version 1.
+/// A zone file by RFC 8536; version 1 has one block only.
 struct File {
   char version = '2';
   std::vector<std::pair<std::int64_t, int>> changes = {{1000, 1}, {5000, 0}};
@@ -31,12 +31,12 @@ struct File {
     const auto leapCount = leapSeconds.size() / static_cast<std::size_t>(size + 4);
     for (const std::size_t count : {std::size_t{0}, std::size_t{0}, leapCount, changes.size(),
                                     types.size(), abbreviations.size()}) {
-      bytes += bigEndian(static_cast<std::int64_t>(count), 4);
+      bytes += bigEndian(count, 4);
     }
-    for (const auto& change : changes) bytes += bigEndian(change.first, size);
+    for (const auto& change : changes) bytes += bigEndian(bits(change.first), size);
     for (const auto& change : changes) bytes += static_cast<char>(change.second);
     for (std::size_t i = 0; i < types.size(); ++i) {
-      bytes += bigEndian(types[i].first, 4) + static_cast<char>(types[i].second) +
+      bytes += bigEndian(bits(types[i].first), 4) + static_cast<char>(types[i].second) +
                static_cast<char>(static_cast<int>(i) * typeSize);
     }
     return bytes + abbreviations + leapSeconds;
@@ -84,7 +84,7 @@ TEST(ZoneRules, KeepsTheLastChangeUntilTheRulesNextOne) {
   EXPECT_EQ(rules->periodAt(kEnd).offset, 3600);
 }
 
-TEST(ZoneRules, RefusesDamagedFiles) {
+TEST(ZoneRules, RejectsDamagedFiles) {
   const auto madrid = test::readFile("/usr/share/zoneinfo/Europe/Madrid");
   ASSERT_TRUE(ZoneRules::decoded(madrid));
   for (std::size_t size = 0; size < madrid.size(); ++size) {
