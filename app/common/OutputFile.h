@@ -3,9 +3,10 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/Error.h"
-#include "base/FileDescriptor.h"
+#include "platform/system/ReplacementFile.h"
 
 namespace vantrel {
 
@@ -13,11 +14,8 @@ namespace vantrel {
 /// `path`. A device or a pipe is written to directly. Not thread-safe.
 class OutputFile {
  public:
-  explicit OutputFile(std::filesystem::path path);
-  /// Discards the text unless `finish` succeeded.
-  ~OutputFile();
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
+  /// The text is discarded unless `finish` succeeds.
+  explicit OutputFile(std::filesystem::path path) : path_(std::move(path)) {}
 
   /// Creates the temporary file. Errors have the domain "POSIX", here and in `finish`.
   Expected<void> open();
@@ -32,11 +30,9 @@ class OutputFile {
   void flush();
 
   std::filesystem::path path_;
-  std::filesystem::path target_;     ///< `path_` with its links resolved.
-  std::filesystem::path temporary_;  ///< Empty while `path_` itself is written to.
-  bool isNameless_ = false;          ///< Whether only `finish` creates `temporary_`.
+  bool isReplaced_ = false;  ///< Otherwise a device or pipe, which `output_.file` writes to.
+  ReplacementFile output_;
   std::string pending_;
-  FileDescriptor file_;
   int error_ = 0;
 };
 
