@@ -31,28 +31,22 @@ bool opensIsolate(QChar c) {
          c.direction() == QChar::DirFSI;
 }
 
-/// Whether the text changes the direction of text after it, or closes an isolate it has not opened.
-bool changesSurroundings(const QString& text) {
-  int open = 0;
-  for (const QChar c : text) {
-    if (opensIsolate(c)) ++open;
-    if (c == kPopIsolate && open-- == 0) return true;
-    if (open == 0 && c >= QChar(0x202A) && c <= QChar(0x202E)) return true;
-  }
-  return open > 0;
-}
-
+/// Encloses `text` in an isolate if it changes the direction of the text after it: if it has
+/// embeddings or overrides, opens an isolate without closing it, or closes one it has not opened.
 QString isolated(const QString& text) {
-  if (!changesSurroundings(text)) return text;
   QString result(kFirstStrongIsolate);
+  bool isNeeded = false;
   int open = 0;
   for (const QChar c : text) {
-    if (c == kPopIsolate && open == 0) continue;
+    const bool closes = c == kPopIsolate;
+    const bool embeds = c >= QChar(0x202A) && c <= QChar(0x202E);
+    if (open == 0 && (closes || embeds)) isNeeded = true;
+    if (open == 0 && closes) continue;
     if (opensIsolate(c)) ++open;
-    if (c == kPopIsolate) --open;
+    if (closes) --open;
     result += c;
   }
-  return result + QString(open + 1, kPopIsolate);
+  return isNeeded || open > 0 ? result + QString(open + 1, kPopIsolate) : text;
 }
 
 }  // namespace

@@ -16,8 +16,8 @@ namespace vantrel {
 class Bundle {
  public:
   explicit Bundle(std::filesystem::path root) : root_(std::move(root)) {}
-  /// The first of $VANTREL_BUNDLE, `bundle` and ../share/vantrel beside the program that exists,
-  /// otherwise the installed folder. Set by the first call.
+  /// The bundle in $VANTREL_BUNDLE if that is set, otherwise the first existing of `bundle` and
+  /// ../share/vantrel beside the program, otherwise the installed one.
   static Bundle& mainBundle();
 
   const std::filesystem::path& root() const { return root_; }

@@ -155,19 +155,20 @@ std::optional<std::u16string> StringsReader::string() {
 Expected<StringTable> StringsReader::table() {
   StringTable result;
   for (;;) {
-    if (!skipBlanks()) return failure("a comment without an end");
+    if (!skipBlanks()) return failure("unterminated comment");
     if (at_ == text_.size()) return result;
     const auto key = string();
-    if (!key) return failure("no key");
+    if (!key) return failure("expected a key");
     std::optional<std::u16string> value(std::in_place);
     bool clean = skipBlanks();
     if (take(u'=')) {
       clean = clean && skipBlanks();
       value = string();
-      if (!value) return failure("no text for \"" + utf8String(*key) + "\"");
+      if (!value) return failure("expected a text for \"" + utf8String(*key) + "\"");
       clean = clean && skipBlanks();
     }
-    if (!clean || !take(u';')) return failure("no semicolon after \"" + utf8String(*key) + "\"");
+    if (!clean || !take(u';'))
+      return failure("expected a semicolon after \"" + utf8String(*key) + "\"");
     result[utf8String(*key)] = utf8String(*value);
   }
 }
@@ -175,7 +176,7 @@ Expected<StringTable> StringsReader::table() {
 Expected<StringTable> tableWithPropertyList(std::span<const std::byte> data) {
   const auto list = PropertyList::propertyListWithData(data);
   if (!list) return tl::unexpected(list.error());
-  if (list->kind() != PropertyList::Kind::kDictionary) return damaged("it is no dictionary.");
+  if (list->kind() != PropertyList::Kind::kDictionary) return damaged("expected a dictionary.");
   StringTable result;
   for (const auto& [key, value] : list->entries()) {
     if (const auto text = value.asString()) result[key] = *text;

@@ -10,6 +10,7 @@
 #include <unicode/smpdtfmt.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <mutex>
 #include <utility>
@@ -36,39 +37,29 @@ icu::SimpleTimeZone fixedZone(int seconds) {
 }
 
 icu::DateFormat::EStyle icuStyle(Style style) {
-  switch (style) {
-    case Style::kShort:
-      return icu::DateFormat::kShort;
-    case Style::kMedium:
-      return icu::DateFormat::kMedium;
-    case Style::kLong:
-      return icu::DateFormat::kLong;
-    case Style::kFull:
-      return icu::DateFormat::kFull;
-    case Style::kNone:
-      break;
-  }
-  return icu::DateFormat::kNone;
+  using Icu = icu::DateFormat;
+  constexpr std::array kStyles = {Icu::kNone, Icu::kShort, Icu::kMedium, Icu::kLong, Icu::kFull};
+  return kStyles.at(static_cast<std::size_t>(style));
 }
 
-std::unique_ptr<icu::SimpleDateFormat> build(const DateStyleSettings& configuration,
+std::unique_ptr<icu::SimpleDateFormat> build(const DateStyleSettings& settings,
                                              const icu::Locale& locale) {
   // Every new formatter needs ICU's default zone. Detecting the device's zone would take longer
   // than creating the formatter, and its rules are not used.
   static std::once_flag once;
   std::call_once(once, [] { icu::TimeZone::setDefault(fixedZone(0)); });
 
-  if (configuration.pattern) {
+  if (settings.pattern) {
     UErrorCode status = U_ZERO_ERROR;
     auto formatter = std::make_unique<icu::SimpleDateFormat>(
-        icu::UnicodeString::fromUTF8(*configuration.pattern), locale, status);
+        icu::UnicodeString::fromUTF8(*settings.pattern), locale, status);
     if (U_FAILURE(status)) return nullptr;
     return formatter;
   }
   // ICU would use default styles.
-  if (configuration == DateStyleSettings{}) return nullptr;
+  if (settings == DateStyleSettings{}) return nullptr;
   std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
-      icuStyle(configuration.dateStyle), icuStyle(configuration.timeStyle), locale));
+      icuStyle(settings.dateStyle), icuStyle(settings.timeStyle), locale));
   auto* simple = dynamic_cast<icu::SimpleDateFormat*>(formatter.get());
   if (simple) (void)formatter.release();
   return std::unique_ptr<icu::SimpleDateFormat>(simple);
@@ -121,7 +112,7 @@ std::optional<NumericDatePattern> numericPattern(const icu::SimpleDateFormat& fo
 struct DateFormatter::State {
   struct Built {
     Built(DateStyleSettings c, std::unique_ptr<icu::SimpleDateFormat> f)
-        : configuration(std::move(c)),
+        : settings(std::move(c)),
           formatter(std::move(f)),
           calendar(formatter->getCalendar()->clone()) {
       const auto pieces = datePatternPieces(patternOf(*formatter));
@@ -156,7 +147,7 @@ struct DateFormatter::State {
       return utf8(formatter->format(*calendar, result, none));
     }
 
-    DateStyleSettings configuration;
+    DateStyleSettings settings;
     std::unique_ptr<icu::SimpleDateFormat> formatter;
     std::optional<NumericDatePattern> numeric;
     bool hasZone = false;  ///< Whether texts contain the zone or offset.
@@ -167,20 +158,20 @@ struct DateFormatter::State {
 
   Locale locale = Locale::currentLocale();
   std::optional<TimeZone> zone;
-  DateStyleSettings configuration;
+  DateStyleSettings settings;
   std::vector<Built> built;
 
   TimeZone timeZone() const { return zone ? *zone : TimeZone::defaultTimeZone(); }
 
-  /// The formatter for the configuration in force; null when it has none. Those built before are
-  /// kept, since callers switch between two styles for each date.
+  /// The formatter for the current settings; null if both styles are `kNone`. Keeps the others, as
+  /// callers alternate between two styles for each date.
   Built* current() {
     for (auto& one : built) {
-      if (one.configuration == configuration) return &one;
+      if (one.settings == settings) return &one;
     }
-    auto formatter = build(configuration, icu::Locale(locale.localeIdentifier().c_str()));
+    auto formatter = build(settings, icu::Locale(locale.localeIdentifier().c_str()));
     if (!formatter) return nullptr;
-    return &built.emplace_back(configuration, std::move(formatter));
+    return &built.emplace_back(settings, std::move(formatter));
   }
 };
 
@@ -199,17 +190,17 @@ void DateFormatter::setTimeZone(const std::optional<TimeZone>& zone) {
 }
 
 void DateFormatter::setDateStyle(Style style) {
-  state_->configuration.dateStyle = style;
-  state_->configuration.pattern.reset();
+  state_->settings.dateStyle = style;
+  state_->settings.pattern.reset();
 }
 
 void DateFormatter::setTimeStyle(Style style) {
-  state_->configuration.timeStyle = style;
-  state_->configuration.pattern.reset();
+  state_->settings.timeStyle = style;
+  state_->settings.pattern.reset();
 }
 
 void DateFormatter::setDateFormat(std::string_view pattern) {
-  state_->configuration.pattern = pattern;
+  state_->settings.pattern = pattern;
   state_->built.clear();
 }
 

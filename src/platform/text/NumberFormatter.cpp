@@ -22,7 +22,7 @@ struct NumberSettings {
   friend bool operator==(const NumberSettings&, const NumberSettings&) = default;
 };
 
-std::unique_ptr<icu::DecimalFormat> build(const NumberSettings& configuration,
+std::unique_ptr<icu::DecimalFormat> build(const NumberSettings& settings,
                                           const icu::Locale& locale) {
   UErrorCode status = U_ZERO_ERROR;
   std::unique_ptr<icu::NumberFormat> made(
@@ -31,15 +31,15 @@ std::unique_ptr<icu::DecimalFormat> build(const NumberSettings& configuration,
   if (U_FAILURE(status) || !decimal) return nullptr;
   std::unique_ptr<icu::DecimalFormat> formatter(decimal);
   (void)made.release();
-  formatter->setRoundingMode(configuration.roundingMode == NumberFormatter::RoundingMode::kHalfUp
+  formatter->setRoundingMode(settings.roundingMode == NumberFormatter::RoundingMode::kHalfUp
                                  ? icu::NumberFormat::kRoundHalfUp
                                  : icu::NumberFormat::kRoundHalfEven);
-  formatter->setGroupingUsed(configuration.usesGroupingSeparator);
-  formatter->setMinimumIntegerDigits(configuration.minimumIntegerDigits);
-  formatter->setMinimumFractionDigits(configuration.minimumFractionDigits);
-  formatter->setMaximumFractionDigits(configuration.maximumFractionDigits);
-  if (configuration.roundingIncrement > 0) {
-    formatter->setRoundingIncrement(configuration.roundingIncrement);
+  formatter->setGroupingUsed(settings.usesGroupingSeparator);
+  formatter->setMinimumIntegerDigits(settings.minimumIntegerDigits);
+  formatter->setMinimumFractionDigits(settings.minimumFractionDigits);
+  formatter->setMaximumFractionDigits(settings.maximumFractionDigits);
+  if (settings.roundingIncrement > 0) {
+    formatter->setRoundingIncrement(settings.roundingIncrement);
   }
   return formatter;
 }
@@ -51,15 +51,15 @@ struct NumberFormatter::State {
 
   /// Null if ICU fails.
   const icu::DecimalFormat* formatter() {
-    if (!built || builtFrom != configuration) {
-      built = build(configuration, locale);
-      builtFrom = configuration;
+    if (!built || builtFrom != settings) {
+      built = build(settings, locale);
+      builtFrom = settings;
     }
     return built.get();
   }
 
   icu::Locale locale;
-  NumberSettings configuration;
+  NumberSettings settings;
   NumberSettings builtFrom;
   std::unique_ptr<icu::DecimalFormat> built;
 };
@@ -75,33 +75,33 @@ void NumberFormatter::setLocale(const Locale& locale) {
 }
 
 void NumberFormatter::setRoundingMode(RoundingMode mode) {
-  state_->configuration.roundingMode = mode;
+  state_->settings.roundingMode = mode;
 }
 
 void NumberFormatter::setRoundingIncrement(double increment) {
-  state_->configuration.roundingIncrement = increment;
+  state_->settings.roundingIncrement = increment;
 }
 
 void NumberFormatter::setUsesGroupingSeparator(bool uses) {
-  state_->configuration.usesGroupingSeparator = uses;
+  state_->settings.usesGroupingSeparator = uses;
 }
 
 void NumberFormatter::setMinimumIntegerDigits(int digits) {
-  state_->configuration.minimumIntegerDigits = std::max(digits, 0);
+  state_->settings.minimumIntegerDigits = std::max(digits, 0);
 }
 
 void NumberFormatter::setMinimumFractionDigits(int digits) {
-  auto& configuration = state_->configuration;
-  configuration.minimumFractionDigits = std::max(digits, 0);
-  configuration.maximumFractionDigits =
-      std::max(configuration.maximumFractionDigits, configuration.minimumFractionDigits);
+  auto& settings = state_->settings;
+  settings.minimumFractionDigits = std::max(digits, 0);
+  settings.maximumFractionDigits =
+      std::max(settings.maximumFractionDigits, settings.minimumFractionDigits);
 }
 
 void NumberFormatter::setMaximumFractionDigits(int digits) {
-  auto& configuration = state_->configuration;
-  configuration.maximumFractionDigits = std::max(digits, 0);
-  configuration.minimumFractionDigits =
-      std::min(configuration.maximumFractionDigits, configuration.minimumFractionDigits);
+  auto& settings = state_->settings;
+  settings.maximumFractionDigits = std::max(digits, 0);
+  settings.minimumFractionDigits =
+      std::min(settings.maximumFractionDigits, settings.minimumFractionDigits);
 }
 
 std::string NumberFormatter::stringFromNumber(double number) const {

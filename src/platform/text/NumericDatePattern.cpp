@@ -67,37 +67,23 @@ std::optional<std::string> NumericDatePattern::text(double wallSeconds) const {
       std::chrono::sys_days(std::chrono::days(static_cast<std::int32_t>(days))));
   const int second = static_cast<int>(std::floor(wallSeconds - days * kDaySeconds));
   const int hour = second / kSecondsPerHour;
+  constexpr std::string_view kFields = "yMdHhms";
+  const std::array numbers = {static_cast<int>(day.year()),
+                              static_cast<int>(static_cast<unsigned>(day.month())),
+                              static_cast<int>(static_cast<unsigned>(day.day())),
+                              hour,
+                              hour % 12 == 0 ? 12 : hour % 12,
+                              second / kSecondsPerMinute % 60,
+                              second % kSecondsPerMinute};
   std::string text;
   for (const auto& [field, length, literal] : pieces_) {
-    switch (field) {
-      case 'y': {
-        const int year = static_cast<int>(day.year());
-        write(length == 2 ? year % 100 : year, length, text);
-        break;
-      }
-      case 'M':
-        write(static_cast<int>(static_cast<unsigned>(day.month())), length, text);
-        break;
-      case 'd':
-        write(static_cast<int>(static_cast<unsigned>(day.day())), length, text);
-        break;
-      case 'H':
-        write(hour, length, text);
-        break;
-      case 'h':
-        write(hour % 12 == 0 ? 12 : hour % 12, length, text);
-        break;
-      case 'm':
-        write(second / kSecondsPerMinute % 60, length, text);
-        break;
-      case 's':
-        write(second % kSecondsPerMinute, length, text);
-        break;
-      case 'a':
-        text += symbols_.halves.at(hour < 12 ? 0 : 1);
-        break;
-      default:
-        text += literal;
+    if (field == 0) {
+      text += literal;
+    } else if (field == 'a') {
+      text += symbols_.halves.at(hour < 12 ? 0 : 1);
+    } else {
+      const int number = numbers.at(kFields.find(field));
+      write(field == 'y' && length == 2 ? number % 100 : number, length, text);
     }
   }
   return text;

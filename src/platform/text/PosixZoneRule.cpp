@@ -22,7 +22,7 @@ class PosixZoneParser {
   explicit PosixZoneParser(std::string_view text) : rest_(text) {}
 
   bool readRule(PosixZoneRule& rule) {
-    if (!readClock(rule.standard_)) return false;
+    if (!readName(rule.standard_.abbreviation) || !readOffset(rule.standard_.offset)) return false;
     if (rest_.empty()) return true;
     PosixZoneRule::Daylight daylight;
     daylight.clock = {rule.standard_.offset + kHour, {}, true};
@@ -88,10 +88,6 @@ class PosixZoneParser {
     const auto west = seconds(24);
     if (west) offset = -*west;
     return west.has_value();
-  }
-
-  bool readClock(PosixZoneRule::Clock& clock) {
-    return readName(clock.abbreviation) && readOffset(clock.offset);
   }
 
   bool readChange(PosixZoneRule::Change& change) {

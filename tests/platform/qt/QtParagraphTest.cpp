@@ -14,7 +14,7 @@
 namespace vantrel {
 namespace {
 
-TEST(QtParagraph, PlainTextKeepsItsLinesAndItsDirectionsToItself) {
+TEST(QtParagraph, IsolatesTheDirectionOfPlainText) {
   const struct {
     const char* text;
     const char* shown;
@@ -32,7 +32,7 @@ TEST(QtParagraph, PlainTextKeepsItsLinesAndItsDirectionsToItself) {
   for (const auto& c : cases) EXPECT_EQ(QtParagraph::textToShow(c.text).toStdString(), c.shown);
 }
 
-TEST(QtParagraph, BoundsTheTextThatItLaysOut) {
+TEST(QtParagraph, TruncatesLongTexts) {
   test::needApplication();
   const auto linesOf = [](std::size_t letters) {
     QtParagraph paragraph(std::string(letters, 'x'), QFont());
@@ -43,7 +43,7 @@ TEST(QtParagraph, BoundsTheTextThatItLaysOut) {
   EXPECT_EQ(linesOf(1'000'000), linesOf(10'001));
 }
 
-TEST(QtParagraph, BreaksAndCutsLikeItIsMeasured) {
+TEST(QtParagraph, BreaksLinesAsMeasured) {
   test::needApplication();
   const QtTextMeasurer measurer;
   const Font font = Font::boldSystemFontOfSize(15);
@@ -63,7 +63,7 @@ TEST(QtParagraph, BreaksAndCutsLikeItIsMeasured) {
   EXPECT_LE(paragraph.width(), 200);
 }
 
-/// The box around what is not white.
+/// The bounding box of the pixels that are not white.
 QRect inkOf(const Label& label, const QRectF& frame, bool rightToLeft) {
   QImage image(400, 100, QImage::Format_RGB32);
   image.fill(Qt::white);
@@ -87,7 +87,7 @@ TEST(LabelPainter, KeepsToTheFrameOnTheInterfacesSide) {
       SCOPED_TRACE(std::string(text) + (rightToLeft ? ", right to left" : ""));
       label.setText(text);
       const QRect ink = inkOf(label, frame, rightToLeft);
-      // Letters may reach a pixel over their own width.
+      // Glyphs may exceed their width by a pixel.
       EXPECT_TRUE(frame.adjusted(-2, -2, 2, 2).contains(ink));
       const double gap = rightToLeft ? frame.right() - ink.right() : ink.left() - frame.left();
       EXPECT_LT(gap, 6);

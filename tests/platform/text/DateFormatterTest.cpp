@@ -51,7 +51,7 @@ TEST(DateFormatter, FollowsTheSystemsRulesAndTheDevicesZone) {
   formatter.setTimeStyle(Style::kShort);
   const Date date = at("2024-07-05T18:00:00Z");
   EXPECT_EQ(formatter.stringFromDate(date), "05/07/2024, 20:00");
-  // Zones that have changed since the library's own rules were frozen, by Python's zoneinfo.
+  // A zone that is newer than ICU's rules; the text by Python's zoneinfo.
   formatter.setTimeZone(TimeZone::timeZoneWithName("America/Ciudad_Juarez"));
   EXPECT_EQ(formatter.stringFromDate(date), "05/07/2024, 12:00");
   formatter.setTimeZone(TimeZone::timeZoneWithName("Nowhere/City"));
@@ -116,7 +116,7 @@ TEST(DateFormatter, ReadsWhatFitsThePattern) {
     ASSERT_EQ(date.has_value(), c.instant != nullptr);
     if (!date) continue;
     EXPECT_EQ(iso8601String(*date), c.instant);
-    // Reading leaves nothing behind that writing would use.
+    // Parsing does not change the formatter's state.
     EXPECT_EQ(formatter.dateFromString(formatter.stringFromDate(*date)), date);
   }
 }
