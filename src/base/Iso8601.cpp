@@ -1,5 +1,6 @@
 #include "base/Iso8601.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -29,15 +30,12 @@ class FieldReader {
 
   int number(std::size_t digits) {
     int value = 0;
-    if (rest_.size() < digits) {
-      ok_ = false;
-      return 0;
-    }
+    require(rest_.size() >= digits);
     for (const char c : rest_.substr(0, digits)) {
-      if (!isAsciiDigit(c)) ok_ = false;
+      require(isAsciiDigit(c));
       value = value * 10 + (c - '0');
     }
-    rest_.remove_prefix(digits);
+    rest_.remove_prefix(std::min(digits, rest_.size()));
     return value;
   }
 
@@ -46,12 +44,12 @@ class FieldReader {
     rest_.remove_prefix(1);
     return true;
   }
-  void expect(char c) { ok_ = skip(c) && ok_; }
+  void expect(char c) { require(skip(c)); }
 
   double fraction() {
     std::size_t digits = 0;
     while (digits < rest_.size() && isAsciiDigit(rest_[digits])) ++digits;
-    if (digits == 0) ok_ = false;
+    require(digits > 0);
     const std::string text = "0." + std::string(rest_.substr(0, digits));
     rest_.remove_prefix(digits);
     double value = 0;
@@ -59,7 +57,7 @@ class FieldReader {
     return value;
   }
 
-  void fail() { ok_ = false; }
+  void require(bool condition) { ok_ = ok_ && condition; }
   bool ok() const { return ok_; }
   bool atEnd() const { return rest_.empty(); }
 
@@ -109,7 +107,7 @@ int readOffset(FieldReader& reader) {
     reader.skip(':');
     minutes = reader.number(2);
   }
-  if (hours > 23 || minutes > 59) reader.fail();
+  reader.require(hours <= 23 && minutes <= 59);
   return (negative ? -1 : 1) * (hours * 3600 + minutes * 60);
 }
 

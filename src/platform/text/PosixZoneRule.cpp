@@ -16,22 +16,23 @@ constexpr std::int64_t kCalendarCycle = std::int64_t{146097} * 86400;
 
 }  // namespace
 
-/// Parses a rule from left to right. Each function returns false or `nullopt` on a mismatch.
+/// Parses a rule from left to right. After the first mismatch `isValid_` is false.
 class PosixZoneParser {
  public:
   explicit PosixZoneParser(std::string_view text) : rest_(text) {}
 
   bool readRule(PosixZoneRule& rule) {
-    if (!readName(rule.standard_.abbreviation) || !readOffset(rule.standard_.offset)) return false;
-    if (rest_.empty()) return true;
+    rule.standard_.abbreviation = name();
+    rule.standard_.offset = offset();
+    if (rest_.empty()) return isValid_;
     PosixZoneRule::Daylight daylight;
-    daylight.clock = {rule.standard_.offset + kHour, {}, true};
-    if (!readName(daylight.clock.abbreviation)) return false;
-    if (!rest_.empty() && rest_.front() != ',' && !readOffset(daylight.clock.offset)) return false;
+    daylight.clock = {rule.standard_.offset + kHour, name(), true};
+    if (!rest_.empty() && rest_.front() != ',') daylight.clock.offset = offset();
     if (rest_.empty()) rest_ = ",M3.2.0,M11.1.0";
-    if (!readChange(daylight.start) || !readChange(daylight.end) || !rest_.empty()) return false;
+    daylight.start = change();
+    daylight.end = change();
     rule.daylight_ = std::move(daylight);
-    return true;
+    return isValid_ && rest_.empty();
   }
 
  private:
@@ -40,8 +41,9 @@ class PosixZoneParser {
     rest_.remove_prefix(1);
     return true;
   }
+  void expect(char c) { isValid_ = skip(c) && isValid_; }
 
-  std::optional<int> number(int least, int most) {
+  int number(int least, int most) {
     constexpr std::size_t kMostDigits = 3;
     int value = 0;
     std::size_t length = 0;
@@ -49,73 +51,56 @@ class PosixZoneParser {
       value = value * 10 + (rest_[length] - '0');
     }
     rest_.remove_prefix(length);
-    return length > 0 && value >= least && value <= most ? std::optional(value) : std::nullopt;
+    isValid_ = isValid_ && length > 0 && value >= least && value <= most;
+    return value;
   }
 
-  bool readName(std::string& name) {
+  std::string name() {
     constexpr std::size_t kLeastLength = 3;
     const bool isQuoted = skip('<');
-    std::size_t length = 0;
-    while (length < rest_.size() &&
-           (isAsciiLetter(rest_[length]) ||
-            (isQuoted &&
-             (isAsciiDigit(rest_[length]) || rest_[length] == '+' || rest_[length] == '-')))) {
-      ++length;
-    }
-    name = rest_.substr(0, length);
-    rest_.remove_prefix(length);
-    return length >= kLeastLength && (!isQuoted || skip('>'));
+    const auto end = std::find_if_not(rest_.begin(), rest_.end(), [isQuoted](char c) {
+      return isAsciiLetter(c) || (isQuoted && (isAsciiDigit(c) || c == '+' || c == '-'));
+    });
+    std::string result(rest_.begin(), end);
+    rest_.remove_prefix(result.size());
+    if (isQuoted) expect('>');
+    isValid_ = isValid_ && result.size() >= kLeastLength;
+    return result;
   }
 
   /// [+|-]hh[:mm[:ss]]
-  std::optional<int> seconds(int mostHours) {
-    constexpr int kMost = 59;
+  int seconds(int mostHours) {
     const int sign = skip('-') ? -1 : 1;
     if (sign > 0) skip('+');
-    const auto hours = number(0, mostHours);
-    if (!hours) return std::nullopt;
-    int total = *hours * kHour;
-    for (int unit = 60; unit > 0 && skip(':'); unit /= 60) {
-      const auto part = number(0, kMost);
-      if (!part) return std::nullopt;
-      total += *part * unit;
-    }
+    int total = number(0, mostHours) * kHour;
+    for (int unit = 60; unit > 0 && skip(':'); unit /= 60) total += number(0, 59) * unit;
     return sign * total;
   }
 
   /// POSIX counts offsets westward.
-  bool readOffset(int& offset) {
-    const auto west = seconds(24);
-    if (west) offset = -*west;
-    return west.has_value();
-  }
+  int offset() { return -seconds(24); }
 
-  bool readChange(PosixZoneRule::Change& change) {
-    constexpr int kTwoInTheMorning = 2 * kHour;
-    if (!skip(',') || !readDay(change)) return false;
-    const auto time = skip('/') ? seconds(167) : kTwoInTheMorning;
-    if (time) change.seconds = *time;
-    return time.has_value();
-  }
-
-  bool readDay(PosixZoneRule::Change& change) {
+  PosixZoneRule::Change change() {
     using Form = PosixZoneRule::Change::Form;
-    std::optional<int> day;
+    constexpr int kTwoInTheMorning = 2 * kHour;
+    PosixZoneRule::Change result;
+    expect(',');
     if (skip('M')) {
-      const auto month = number(1, 12);
-      const auto week = skip('.') ? number(1, 5) : std::nullopt;
-      day = skip('.') ? number(0, 6) : std::nullopt;
-      if (!month || !week || !day) return false;
-      change = {Form::kWeekdayOfMonth, *month, *week, *day, 0};
-      return true;
+      result.month = number(1, 12);
+      expect('.');
+      result.week = number(1, 5);
+      expect('.');
+      result.day = number(0, 6);
+    } else {
+      result.form = skip('J') ? Form::kDayWithoutLeapDay : Form::kDayOfYear;
+      result.day = number(result.form == Form::kDayOfYear ? 0 : 1, 365);
     }
-    change.form = skip('J') ? Form::kDayWithoutLeapDay : Form::kDayOfYear;
-    day = change.form == Form::kDayOfYear ? number(0, 365) : number(1, 365);
-    if (day) change.day = *day;
-    return day.has_value();
+    result.seconds = skip('/') ? seconds(167) : kTwoInTheMorning;
+    return result;
   }
 
   std::string_view rest_;
+  bool isValid_ = true;
 };
 
 std::optional<PosixZoneRule> PosixZoneRule::parsed(std::string_view text) {
