@@ -68,7 +68,7 @@ def walk():
     expect(
         buttons[1].description,
         "Thursday, July 16, 2026 at 12:52\u202fPM (Asia/Tokyo), "
-        "here Thursday, July 16, 2026 at 5:52\u202fAM",
+        "here Thursday, July 16, 2026 at 5:52\u202fAM, tomorrow",
     )
 
     press(buttons[0])

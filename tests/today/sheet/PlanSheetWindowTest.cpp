@@ -36,7 +36,7 @@ TEST_F(PlanSheetWindowTest, TellsThePlanInPlainWordsAndFollowsIt) {
   openSheet();
   // Texts of ICU 72's full and short styles in en_US.
   const std::string rest =
-      "Thursday, July 16, 2026 at 12:52\u202FPM\nAsia/Tokyo\nHere\n"
+      "Thursday, July 16, 2026 at 12:52\u202FPM\nAsia/Tokyo · tomorrow\nHere\n"
       "Thursday, July 16, 2026 at 5:52\u202FAM\nPlace\nPictures\nNone\nNotes\n"
       "\u2068<img src=x>\u2028\u202Eexe.gpj\u2069\n";
   EXPECT_EQ(spoken(), "<b>Sunrise</b>\n" + rest);
