@@ -6,5 +6,7 @@ namespace vantrel {
 inline constexpr const char* kApplicationId = "org.vantrel.today";
 /// The desktop entry that opens links with this program.
 inline constexpr const char* kLinkEntry = "org.vantrel.today.link.desktop";
+/// The action on the message bus after the setting of reminders has changed.
+inline constexpr const char* kUpdateReminders = "update-reminders";
 
 }  // namespace vantrel

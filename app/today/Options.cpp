@@ -7,6 +7,8 @@
 
 #include "base/Log.h"
 #include "common/ExitCode.h"
+#include "common/TerminalText.h"
+#include "today/reminders/ReminderSchedule.h"
 
 namespace vantrel {
 
@@ -57,6 +59,19 @@ void Options::describe(CLI::App& app, Options& options) {
                            },
                            "Open the window with every session, or no more, and exit")
                         ->option_text("on|off");
+  auto* remind =
+      app.add_option_function<std::string>(
+             "--remind",
+             [&options](const std::string& text) {
+               options.reminders = parseLeadTimes(text);
+               if (options.reminders) return;
+               throw CLI::ValidationError(
+                   "--remind", "expected times of 1m to 7d such as 1d,30m, or off, got \"" +
+                                   printable(text) + "\"");
+             },
+             "Remind of each plan that long before it (30m, 2h, 1d or a list of them), or no more, "
+             "and exit; reminders appear while the window or the service runs")
+          ->option_text("TIMES|off");
   auto* service = app.add_flag("--service", options.service,
                                "Wait for the desktop to tell what to show (it starts the program "
                                "so)");
@@ -76,6 +91,7 @@ void Options::describe(CLI::App& app, Options& options) {
   open->excludes(autostart)->excludes(service);
   render->excludes(autostart)->excludes(service);
   service->excludes(autostart);
+  remind->excludes(open)->excludes(render)->excludes(service)->excludes(autostart);
   app.add_option("--scale", options.scale, "Pixels of the picture per logical pixel, 0.25 to 8")
       ->option_text("N")
       ->check([](const std::string& text) {

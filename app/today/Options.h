@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -13,9 +15,11 @@ namespace vantrel {
 struct Options {
   std::optional<std::string> link;  ///< Of the plan whose sheet is shown instead of the widget.
   std::optional<bool> autostart;    ///< Only sets whether the window opens with the session.
-  bool service = false;             ///< Waits for the desktop to tell what to show.
-  std::string renderFile;           ///< Empty: a window; "-" is standard output.
-  int width = 0;                    ///< Of the picture, logical pixels; 0 is the usual size.
+  /// Only sets how long before a shoot to remind of it; empty for no reminders.
+  std::optional<std::vector<std::chrono::minutes>> reminders;
+  bool service = false;    ///< Waits for the desktop's request to show something.
+  std::string renderFile;  ///< Empty: a window; "-" is standard output.
+  int width = 0;           ///< Of the picture, logical pixels; 0 is the usual size.
   int height = 0;
   double scale = 1;
   bool expanded = false;

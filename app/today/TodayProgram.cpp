@@ -4,6 +4,8 @@
 #include <chrono>
 
 #include "base/Log.h"
+#include "today/AppId.h"
+#include "today/reminders/ReminderMenu.h"
 #include "today/sheet/PlanOpening.h"
 
 namespace vantrel {
@@ -18,7 +20,11 @@ constexpr std::chrono::milliseconds kPatience{200};
 TodayProgram::TodayProgram(QtTextMeasurer& measurer, const Options& options)
     : measurer_(measurer),
       options_(options),
-      opener_([this](const std::string& link) { return openLink(link); }) {}
+      opener_([this](const std::string& link) { return openLink(link); }),
+      reminders_([this](const std::string& link) { openLink(link); }) {
+  connect(&reminders_, &ReminderService::restartRequested, this, &TodayProgram::restart);
+  reminders_.reload();
+}
 
 TodayProgram::~TodayProgram() {
   delete window_.data();
@@ -29,6 +35,11 @@ TodayWindow& TodayProgram::window() {
   if (window_) return *window_;
   window_ = new TodayWindow(measurer_, opener_, options_.dark, options_.expanded);
   makeOwn(*window_);
+  auto* menu = new ReminderMenu(window_);
+  connect(menu, &ReminderMenu::changed, &reminders_, &ReminderService::reload);
+  connect(menu, &ReminderMenu::failed, window_, &TodayWindow::tell);
+  window_->addAction(menu->menuAction());
+  window_->setContextMenuPolicy(Qt::ActionsContextMenu);
   return *window_;
 }
 
@@ -85,6 +96,10 @@ bool TodayProgram::openLink(const std::string& link) {
 }
 
 bool TodayProgram::perform(const QString& action) {
+  if (action == QLatin1String(kUpdateReminders)) {
+    reminders_.reload();
+    return true;
+  }
   const bool more = action == QLatin1String("show-more");
   if (more || action == QLatin1String("show-less")) {
     window().setExpanded(more);

@@ -7,6 +7,7 @@
 #include "today/Options.h"
 #include "today/TodayWindow.h"
 #include "today/desktop/LinkOpener.h"
+#include "today/reminders/ReminderService.h"
 #include "today/sheet/PlanSheetWindow.h"
 
 namespace vantrel {
@@ -26,8 +27,11 @@ class TodayProgram : public QObject {
   /// The same for the sheet of a link's plan; false when it leads to none, which a window that is
   /// open tells.
   bool openLink(const std::string& link);
-  /// "show-more", "show-less" and "refresh", as the window's own controls; false for others.
+  /// "show-more", "show-less" and "refresh", as the window's controls do; "update-reminders" reads
+  /// their setting again. False for others.
   bool perform(const QString& action);
+  /// Whether reminders are on: a service then must not exit.
+  bool hasReminders() const { return reminders_.isOn(); }
 
  signals:
   /// The program is to be started again in place, and to show the widget if there is a window of
@@ -43,6 +47,7 @@ class TodayProgram : public QObject {
   QtTextMeasurer& measurer_;
   Options options_;
   LinkOpener opener_;
+  ReminderService reminders_;
   // Closed windows are no more: they follow nothing.
   QPointer<TodayWindow> window_;
   QPointer<PlanSheetWindow> sheet_;

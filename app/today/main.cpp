@@ -22,6 +22,7 @@
 #include "today/desktop/ApplicationService.h"
 #include "today/desktop/Autostart.h"
 #include "today/desktop/DesktopNotice.h"
+#include "today/reminders/ReminderSetting.h"
 #include "today/sheet/PlanOpening.h"
 
 namespace vantrel {
@@ -52,8 +53,10 @@ std::string takeRestart(Options& options) {
   std::string shown = value;
   unsetenv(kRestarted);
   options.expanded = false;
-  options.service = false;
+  // Without windows it was a service, for reminders.
+  options.service = shown.empty();
   options.link.reset();
+  if (shown.empty()) return {};
   if (shown.starts_with('+')) return shown.substr(1);
   options.link = std::move(shown);
   return {};
@@ -68,8 +71,11 @@ void describeApplication() {
 
 void showAtStart(TodayProgram& program, const Options& options, const std::string& restartedLink) {
   if (options.service) {
-    return QTimer::singleShot(kIdle, &program, [] {
-      if (QApplication::topLevelWidgets().isEmpty()) QApplication::quit();
+    // Closing a plan's sheet must not end the reminders.
+    QApplication::setQuitOnLastWindowClosed(!program.hasReminders());
+    return QTimer::singleShot(kIdle, &program, [&program] {
+      const bool isIdle = QApplication::topLevelWidgets().isEmpty() && !program.hasReminders();
+      if (isIdle) QApplication::quit();
     });
   }
   if (options.link) {
@@ -123,6 +129,23 @@ int showWindow(int argc, char** argv, Options options) {
   return QApplication::exec();
 }
 
+int setReminders(int argc, char** argv, const std::vector<std::chrono::minutes>& leadTimes) {
+  if (const auto stored = storeLeadTimes(leadTimes); !stored) {
+    logLine("vantrel-today: settings: " + stored.error().localizedDescription);
+    return kExitInputOutput;
+  }
+  const QCoreApplication application(argc, argv);
+  const auto store = Database::sharedInstance().groupStoreURL();
+  const ApplicationService service(store ? store->string() : std::string(), {});
+  const bool isRunning = service.ask(QString::fromLatin1(kUpdateReminders));
+  if (!leadTimes.empty() && !isRunning && !isAutostartOn()) {
+    logLine(
+        "vantrel-today: reminders appear only while vantrel-today runs: open it, or use "
+        "--autostart on");
+  }
+  return kExitDone;
+}
+
 int run(int argc, char** argv) {
   Options options;
   if (const auto code = Options::parse(argc, argv, options)) return *code;
@@ -131,6 +154,7 @@ int run(int argc, char** argv) {
     return exitCodeForError(sane.error());
   }
   if (options.autostart) return setAutostart(*options.autostart);
+  if (options.reminders) return setReminders(argc, argv, *options.reminders);
   if (!options.systemVersion.empty())
     Device::currentDevice().setSystemVersion(options.systemVersion);
   if (!options.renderFile.empty()) return render(argc, argv, options);

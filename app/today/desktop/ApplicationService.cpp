@@ -1,6 +1,7 @@
 #include "today/desktop/ApplicationService.h"
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
 #include "today/AppId.h"
@@ -37,6 +38,11 @@ ApplicationService::Role ApplicationService::start(const std::string& link, cons
   if (bus.registerService(kName)) return Role::kFirst;
   bus.unregisterObject(kObjectPath);
   return askFirst(link, action) ? Role::kServed : Role::kAlone;
+}
+
+bool ApplicationService::ask(const QString& action) const {
+  auto bus = QDBusConnection::sessionBus();
+  return bus.isConnected() && bus.interface()->isServiceRegistered(kName) && askFirst({}, action);
 }
 
 bool ApplicationService::askFirst(const std::string& link, const QString& action) const {

@@ -36,6 +36,9 @@ class ApplicationService : public QObject, protected QDBusContext {
   /// Takes the name, else asks the program that has it to show the window or, with a link, a plan,
   /// or to perform an action. Hands on the desktop's permission to come to the front.
   Role start(const std::string& link, const QString& action);
+  /// Asks the program that has the name, if there is one, to perform an action. Returns false if
+  /// nobody does.
+  bool ask(const QString& action) const;
 
  public slots:
   void Activate(const QVariantMap& platformData);

@@ -5,6 +5,7 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -78,14 +79,24 @@ int turnOff(const fs::path& entry) {
   return fail(denied ? kExitPermission : kExitInputOutput, entry.string(), error.message());
 }
 
+std::optional<fs::path> autostartEntry() {
+  const auto config = paths::configDirectory();
+  if (!config) return std::nullopt;
+  return config->parent_path() / "autostart" / (std::string(kApplicationId) + ".desktop");
+}
+
 }  // namespace
 
 int setAutostart(bool on) {
-  const auto config = paths::configDirectory();
-  if (!config) return fail(kExitCannotCreate, "the autostart folder", "$HOME is not set");
-  const fs::path entry =
-      config->parent_path() / "autostart" / (std::string(kApplicationId) + ".desktop");
-  return on ? turnOn(entry) : turnOff(entry);
+  const auto entry = autostartEntry();
+  if (!entry) return fail(kExitCannotCreate, "the autostart folder", "$HOME is not set");
+  return on ? turnOn(*entry) : turnOff(*entry);
+}
+
+bool isAutostartOn() {
+  std::error_code error;
+  const auto entry = autostartEntry();
+  return entry && fs::exists(*entry, error);
 }
 
 }  // namespace vantrel

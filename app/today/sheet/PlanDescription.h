@@ -18,7 +18,7 @@ class PlanDescription {
   struct When {
     std::string there;  ///< On the clocks of the plan's own zone.
     std::string zone;
-    std::string day;  ///< In words: "tomorrow".
+    std::string day;                  ///< In words: "tomorrow".
     std::optional<std::string> here;  ///< On this device's, where that differs.
   };
   /// Nothing for a plan without a date.
