@@ -17,7 +17,7 @@ constexpr std::array kGroups = {
     CommandGroup{"today", "Show the next plans, as the widget does", &fillTodayCommand},
     CommandGroup{"watch", "Print the next plans whenever they change, until interrupted",
                  &fillWatchCommand},
-    CommandGroup{"plan", "Add, list, show, edit, remove, import and export plans",
+    CommandGroup{"plan", "Add, list, show, edit, copy, remove, import and export plans",
                  &fillPlanCommands},
     CommandGroup{"camera", "Add, list, show and remove custom cameras", &fillCameraCommands},
     CommandGroup{"open", "Show the plan of a vantrel:// link", &fillOpenCommand},

@@ -8,14 +8,17 @@ namespace vantrel {
 /// Tests and conversions of ASCII characters, independent of the locale. Other characters, such as
 /// the bytes of UTF-8 sequences, are neither letters nor digits and are not changed.
 
-constexpr bool isAsciiDigit(char32_t c) {
+template <typename Character>
+constexpr bool isAsciiDigit(Character c) {
   return c >= '0' && c <= '9';
 }
-constexpr bool isAsciiLetter(char32_t c) {
+template <typename Character>
+constexpr bool isAsciiLetter(Character c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 /// A letter, a digit or an underscore.
-constexpr bool isAsciiWordCharacter(char32_t c) {
+template <typename Character>
+constexpr bool isAsciiWordCharacter(Character c) {
   return isAsciiLetter(c) || isAsciiDigit(c) || c == '_';
 }
 /// Returns 0 to 15, or 16 if `c` is not a hexadecimal digit.

@@ -8,8 +8,8 @@
 
 namespace vantrel {
 
-/// The number of midnights in `zone` from `now` to `date`: 0 for today, 1 for tomorrow, negative for
-/// past days.
+/// The number of midnights in `zone` from `now` to `date`: 0 for today, 1 for tomorrow, negative
+/// for past days.
 std::int64_t daysUntil(Date date, const TimeZone& zone, Date now);
 
 /// The word that a person would use for the day of `date` in `zone`, in the current locale:

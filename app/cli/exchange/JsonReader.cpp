@@ -198,13 +198,16 @@ class PlanReader {
 }  // namespace
 
 Expected<PlanDrafts> draftsFromJson(std::string_view text) {
-  const auto content = parsed(text);
+  auto content = parsed(text);
   if (!content) return tl::unexpected(content.error());
+  const bool isOnePlan = content->is_object() && content->contains("uniqueIdentifier");
+  if (isOnePlan) *content = json::array({std::move(*content)});
   const json* list = &*content;
   if (list->is_object()) {
     const auto plans = list->find("plans");
-    if (plans == list->end())
-      return invalidData("JSON", "expected an array, or an object with \"plans\"");
+    if (plans == list->end()) {
+      return invalidData("JSON", "expected an array, a plan, or an object with \"plans\"");
+    }
     list = &*plans;
   }
   if (!list->is_array()) {

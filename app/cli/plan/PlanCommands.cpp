@@ -3,6 +3,7 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <set>
 
 #include "cli/Arguments.h"
 #include "cli/Command.h"
@@ -149,8 +150,47 @@ int editPlan(const EditOptions& options, Console& console) {
 }
 
 int removePlan(const PlanName& name, Console& console) {
-  const auto removed = storedPlan(name).and_then(removeFromStore);
-  return removed ? kExitDone : console.fail(removed.error());
+  const auto plan = storedPlan(name);
+  if (!plan) return console.fail(plan.error());
+  const std::string json = console.isJson() ? jsonText(**plan) : std::string();
+  const std::string text = candidateText(**plan);
+  if (const auto removed = removeFromStore(*plan); !removed) return console.fail(removed.error());
+  console.print(json);
+  console.note("removed " + text);
+  return kExitDone;
+}
+
+/// Inserts a copy of `plan` and of its pictures; the context is not saved.
+Expected<std::shared_ptr<Planning>> insertCopy(const Planning& plan) {
+  const auto images = plan.images();
+  if (images.size() != plan.imageCount()) {
+    return tl::unexpected(
+        failure(kExitBadData, "plan copy", "cannot read the pictures of this store"));
+  }
+  ManagedObjectContext& context = *plan.managedObjectContext();
+  const auto copyOf = [&](const ManagedObject& object) {
+    auto copy = context.insertNewObject(object.entity().name);
+    for (const auto& attribute : object.entity().attributes) {
+      // The copy has a new one.
+      if (attribute.name == "uniqueIdentifier") continue;
+      copy->setValueForKey(object.valueForKey(attribute.name), attribute.name);
+    }
+    return copy;
+  };
+  auto copy = std::dynamic_pointer_cast<Planning>(copyOf(plan));
+  for (const auto& image : images) copyOf(*image)->setRelatedObject(copy, "planning");
+  return copy;
+}
+
+int copyPlan(const EditOptions& options, Console& console) {
+  const auto copy =
+      storedPlan(options.plan).and_then([](const auto& plan) { return insertCopy(*plan); });
+  if (!copy) return console.fail(copy.error());
+  const auto saved = applyAndSave(options.texts, zoneOfPlan(**copy), **copy);
+  if (!saved) return console.fail(saved.error());
+  console.print(console.isJson() ? jsonText(**copy)
+                                 : (*copy)->uniqueIdentifier().value_or("") + "\n");
+  return kExitDone;
 }
 
 int showPlan(const PlanName& name, Console& console) {
@@ -187,9 +227,12 @@ int listPlans(const ListOptions& options, Console& console) {
 }
 
 /// Adds an option for each attribute; with `clearing`, also one to clear it.
-void addFields(CLI::App& parser, FieldTexts& texts, bool clearing) {
+/// Adds the options of all attributes, or of `keys` only.
+void addFields(CLI::App& parser, FieldTexts& texts, bool clearing,
+               const std::set<std::string>& keys = {}) {
   for (const auto& field : kFields) {
     const std::string key = field.key;
+    if (!keys.empty() && !keys.contains(key)) continue;
     const auto store = [&texts, key](const CLI::results_t& values) {
       const std::string& text = values.front();
       if (key != "timezone" || text != kLookUp) {
@@ -236,7 +279,13 @@ void fillPlanCommands(CLI::App& parser, Session& session) {
   const auto edit = addCommand(parser, session, "edit", "Change a plan", &editPlan);
   addPlanName(edit.parser, edit.options.plan);
   addFields(edit.parser, edit.options.texts, true);
-  const auto remove = addCommand(parser, session, "remove", "Remove a plan", &removePlan);
+  const auto copy = addCommand(parser, session, "copy",
+                               "Copy a plan with its pictures and print the identifier", &copyPlan);
+  addPlanName(copy.parser, copy.options.plan);
+  addFields(copy.parser, copy.options.texts, false, {"date", "name"});
+  const auto remove =
+      addCommand(parser, session, "remove", "Remove a plan; with --json, print it for plan import",
+                 &removePlan);
   addPlanName(remove.parser, remove.options);
   fillExchangeCommands(parser, session);
 }

@@ -58,7 +58,7 @@ std::string storeName(std::string_view name) {
 
 std::string sqlName(std::string_view name) {
   // No SQL keyword begins with Z.
-  if (name.starts_with('Z') && std::all_of(name.begin(), name.end(), isAsciiWordCharacter)) {
+  if (name.starts_with('Z') && std::all_of(name.begin(), name.end(), isAsciiWordCharacter<char>)) {
     return std::string(name);
   }
   std::string result = "\"";

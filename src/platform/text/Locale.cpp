@@ -40,7 +40,7 @@ std::string identifierFromPosix(std::string_view name) {
   std::string identifier(name.substr(0, name.find_first_of(".@")));
   std::replace(identifier.begin(), identifier.end(), '-', '_');
   if (identifier.empty() || identifier == "C" || identifier == "POSIX" ||
-      !std::all_of(identifier.begin(), identifier.end(), isAsciiWordCharacter)) {
+      !std::all_of(identifier.begin(), identifier.end(), isAsciiWordCharacter<char>)) {
     return std::string(kPosixLocale);
   }
   if (const auto script = scriptForModifier(modifier); !script.empty()) {
