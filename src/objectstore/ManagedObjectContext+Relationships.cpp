@@ -23,6 +23,7 @@ Expected<ManagedObjectContext::Objects> ManagedObjectContext::relatedObjects(
                                                auto other = objectForRow(std::move(row));
                                                if (!isDeleted(*other) && !isMoved(*other))
                                                  objects.push_back(std::move(other));
+                                               return true;
                                              });
     if (!fetched) return tl::unexpected(fetched.error());
   }

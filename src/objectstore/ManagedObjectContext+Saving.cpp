@@ -49,6 +49,11 @@ Expected<void> ManagedObjectContext::lockStore() {
   return store ? store->lock() : tl::unexpected(coordinator_->storeFailure());
 }
 
+Expected<void> ManagedObjectContext::freezeStore() {
+  SqliteStore* store = coordinator_->persistentStore();
+  return store ? store->freeze() : tl::unexpected(coordinator_->storeFailure());
+}
+
 void ManagedObjectContext::unlockStore() {
   if (SqliteStore* store = coordinator_->persistentStore()) store->unlock();
 }

@@ -130,8 +130,10 @@ Expected<ManagedObjectContext::Objects> ManagedObjectContext::executeFetchReques
   const auto fetched =
       coordinator_->persistentStore()->fetch(request, limit, [&](FetchedRow&& row) {
         const Place place(row.entity->root->index, row.objectID.primaryKey());
-        if (isPending && (updated_.contains(place) || deleted_.contains(place))) return;
-        stored.push_back(objectForRow(std::move(row)));
+        if (!isPending || !(updated_.contains(place) || deleted_.contains(place))) {
+          stored.push_back(objectForRow(std::move(row)));
+        }
+        return true;
       });
   if (!fetched) return tl::unexpected(fetched.error());
   if (isPending) {
@@ -150,6 +152,23 @@ Expected<ManagedObjectContext::Objects> ManagedObjectContext::executeFetchReques
     stored.resize(request.fetchLimit);
   }
   return stored;
+}
+
+Expected<void> ManagedObjectContext::enumerateFetchRequest(const FetchRequest& request,
+                                                           const ObjectVisitor& visit) {
+  const auto entity = checkedEntity(request);
+  if (!entity) return tl::unexpected(entity.error());
+  if (!hasPending(**entity)) {
+    return coordinator_->persistentStore()->fetch(
+        request, request.fetchLimit,
+        [&](FetchedRow&& row) { return visit(objectForRow(std::move(row))); });
+  }
+  const auto objects = executeFetchRequest(request);
+  if (!objects) return tl::unexpected(objects.error());
+  for (const auto& object : *objects) {
+    if (!visit(object)) break;
+  }
+  return {};
 }
 
 Expected<std::size_t> ManagedObjectContext::countForFetchRequest(const FetchRequest& request) {
@@ -181,6 +200,7 @@ Expected<std::shared_ptr<ManagedObject>> ManagedObjectContext::objectWithURI(std
   std::shared_ptr<ManagedObject> object;
   const auto fetched = store->fetchRow(**entity, parsed->primaryKey, [&](FetchedRow&& row) {
     object = objectForRow(std::move(row));
+    return true;
   });
   if (!fetched) return tl::unexpected(fetched.error());
   return object && isDeleted(*object) ? nullptr : object;
@@ -195,8 +215,10 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::objectForKey(const EntityDe
   SqliteStore* store = coordinator_->persistentStore();
   std::shared_ptr<ManagedObject> object;
   if (!store) return object;
-  const auto fetched = store->fetchRow(
-      entity, key, [&](FetchedRow&& row) { object = objectForRow(std::move(row)); });
+  const auto fetched = store->fetchRow(entity, key, [&](FetchedRow&& row) {
+    object = objectForRow(std::move(row));
+    return true;
+  });
   return fetched ? object : nullptr;
 }
 

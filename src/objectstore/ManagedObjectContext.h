@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -45,6 +46,11 @@ class ManagedObjectContext {
   /// descriptors, then by key: of two plans with the same date, the one that was inserted first
   /// comes first. Reads no more rows than it returns.
   Expected<Objects> executeFetchRequest(const FetchRequest& request);
+  /// Returns false to stop.
+  using ObjectVisitor = std::function<bool(const std::shared_ptr<ManagedObject>&)>;
+  /// Passes each object that `executeFetchRequest` would return to `visit`. Keeps none in memory,
+  /// unless the entity has unsaved changes. `visit` must not save.
+  Expected<void> enumerateFetchRequest(const FetchRequest& request, const ObjectVisitor& visit);
   /// The number of objects that match the request, ignoring its limit.
   Expected<std::size_t> countForFetchRequest(const FetchRequest& request);
   /// The object with a permanent URI; null if it no longer exists. Fails with kInvalidURI if `uri`
@@ -65,6 +71,8 @@ class ManagedObjectContext {
   /// if another process writes for more than 5 s. Does nothing if the store is read only; then
   /// `save` fails. If the process exits first, nothing is written.
   Expected<void> lockStore();
+  /// Lets all reads until `unlockStore` see the store as it is now.
+  Expected<void> freezeStore();
   void unlockStore();
 
   bool hasChanges() const;

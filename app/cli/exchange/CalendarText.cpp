@@ -195,7 +195,7 @@ Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
     line += piece.substr(0, kLongestLine + 1 - std::min(line.size(), kLongestLine));
     progress(at, text.size());
   }
-  if (const auto added = lines.add(std::move(line)); !added) {
+  if (const auto added = lines.add(line); !added) {
     return tl::unexpected(added.error());
   }
   return lines.finish();

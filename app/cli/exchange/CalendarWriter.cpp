@@ -118,19 +118,19 @@ std::optional<Date> writableDate(const Planning& plan) {
   return dateFromIso8601String(instantText(plan));
 }
 
-ZoneUses zonesOf(const Plans& plans) {
+ZoneUses zonesOf(PlanSource& plans) {
   ZoneUses uses;
-  for (const auto& plan : plans) {
-    const auto date = writableDate(*plan);
-    const auto name = plan->timezone();
-    if (!date || !name) continue;
+  plans.forEach([&](const Planning& plan) {
+    const auto date = writableDate(plan);
+    const auto name = plan.timezone();
+    if (!date || !name) return;
     if (const auto known = uses.find(*name); known != uses.end()) {
       known->second.first = std::min(known->second.first, *date);
       known->second.last = std::max(known->second.last, *date);
     } else if (const auto zone = TimeZone::timeZoneWithName(*name)) {
       uses.insert({*name, ZoneUse{*zone, *date, *date}});
     }
-  }
+  });
   return uses;
 }
 
@@ -222,7 +222,7 @@ std::string textOf(const CalendarComponent& component) {
 
 }  // namespace
 
-void writeCalendar(const Plans& plans, const TextSink& print) {
+void writeCalendar(PlanSource& plans, const TextSink& print) {
   const CalendarComponent calendar(icalcomponent_new_vcalendar());
   icalcomponent_add_property(calendar.get(), icalproperty_new_version("2.0"));
   icalcomponent_add_property(calendar.get(),
@@ -237,7 +237,7 @@ void writeCalendar(const Plans& plans, const TextSink& print) {
     print(textOf(CalendarComponent(calendarZone(use.zone, use.first, use.last))));
   }
   const icaltimetype now = calendarTime(Clock::sharedClock().now(), nullptr);
-  for (const auto& plan : plans) print(textOf(entryOf(*plan, zones, now)));
+  plans.forEach([&](const Planning& plan) { print(textOf(entryOf(plan, zones, now))); });
   print(kEnd);
 }
 

@@ -16,7 +16,7 @@ namespace vantrel::cli {
 namespace {
 
 /// Returns the number of plans that are left out.
-std::size_t write(const Plans& plans, ExchangeFormat format, const TextSink& print) {
+std::size_t write(PlanSource& plans, ExchangeFormat format, const TextSink& print) {
   switch (format) {
     case ExchangeFormat::kJson:
       printJson(plans, print);
@@ -37,7 +37,7 @@ std::size_t write(const Plans& plans, ExchangeFormat format, const TextSink& pri
 }
 
 /// Writes to standard output, without control characters if that is a terminal.
-std::size_t writeToConsole(const Plans& plans, ExchangeFormat format, Console& console) {
+std::size_t writeToConsole(PlanSource& plans, ExchangeFormat format, Console& console) {
   if (!::isatty(STDOUT_FILENO)) {
     return write(plans, format, [&](std::string_view text) { console.print(text); });
   }
@@ -48,12 +48,13 @@ std::size_t writeToConsole(const Plans& plans, ExchangeFormat format, Console& c
   return leftOut;
 }
 
-Expected<std::size_t> writeFile(const Plans& plans, ExchangeFormat format,
-                                const std::string& name) {
+Expected<std::size_t> writeFile(PlanSource& plans, ExchangeFormat format, const std::string& name) {
   OutputFile file(name);
   if (const auto opened = file.open(); !opened) return tl::unexpected(opened.error());
   const std::size_t leftOut =
       write(plans, format, [&](std::string_view text) { file.write(text); });
+  // An incomplete file is not published.
+  if (const auto& failure = plans.failure()) return tl::unexpected(*failure);
   return file.finish().map([&] { return leftOut; });
 }
 
@@ -71,11 +72,12 @@ int exportPlans(const ExchangeOptions& options, Console& console) {
     }
   }
   if (!format) format = console.isJson() ? ExchangeFormat::kJson : ExchangeFormat::kCalendar;
-  const auto plans = plansBetween(options.range);
+  const auto plans = PlanSource::open(options.range);
   if (!plans) return console.fail(plans.error());
-  const auto leftOut =
-      isFile ? writeFile(*plans, *format, options.file) : writeToConsole(*plans, *format, console);
+  const auto leftOut = isFile ? writeFile(**plans, *format, options.file)
+                              : writeToConsole(**plans, *format, console);
   if (!leftOut) return console.fail(leftOut.error());
+  if (const auto& failure = (*plans)->failure()) return console.fail(*failure);
   if (*leftOut > 0) {
     console.tell("vantrel: plan export: left out " + std::to_string(*leftOut) +
                  (*leftOut == 1 ? " plan" : " plans") + " without a place\n");

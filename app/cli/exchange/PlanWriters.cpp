@@ -68,75 +68,106 @@ void appendData(pugi::xml_node parent, const char* name, const std::optional<std
   appendText(data, "value", text);
 }
 
-void print(const pugi::xml_document& document, const TextSink& sink) {
-  SinkWriter writer(sink);
-  document.save(writer, "  ", pugi::format_indent, pugi::encoding_utf8);
-}
+/// Prints an element and its children one by one: the document of a million plans would need
+/// gigabytes.
+class ElementPrinter {
+ public:
+  /// Prints `document` as far as the start of its innermost open element, `parent`.
+  ElementPrinter(const pugi::xml_document& document, const TextSink& sink) : sink_(sink) {
+    std::string text;
+    const TextSink append = [&](std::string_view piece) { text += piece; };
+    SinkWriter writer(append);
+    document.save(writer, "  ", pugi::format_indent, pugi::encoding_utf8);
+    const auto gap = text.find(kPlaceholder);
+    end_ = text.substr(text.find('\n', gap) + 1);
+    sink_(text.substr(0, text.rfind('\n', gap) + 1));
+  }
+  ~ElementPrinter() { sink_(end_); }
+  ElementPrinter(const ElementPrinter&) = delete;
+  ElementPrinter& operator=(const ElementPrinter&) = delete;
+
+  void print(const pugi::xml_node& element, unsigned depth) {
+    SinkWriter writer(sink_);
+    element.print(writer, "  ", pugi::format_indent, pugi::encoding_utf8, depth);
+  }
+
+  /// The element of `document` that the printed ones replace.
+  static constexpr const char* kPlaceholder = "vantrel-plans";
+
+ private:
+  const TextSink& sink_;
+  std::string end_;
+};
 
 }  // namespace
 
-void writeCsv(const Plans& plans, const TextSink& print) {
+void writeCsv(PlanSource& plans, const TextSink& print) {
   print("uniqueIdentifier,name,notes,date,timezone,localDate,latitude,longitude,images");
   print(kLineEnd);
-  for (const auto& plan : plans) {
-    std::string line = cell(plan->uniqueIdentifier()) + ',' + cell(plan->name()) + ',' +
-                       cell(plan->notes()) + ',' + instantText(*plan) + ',' +
-                       cell(plan->timezone()) + ',' + localText(*plan) + ',' +
-                       cell(plan->latitude()) + ',' + cell(plan->longitude()) + ',' +
-                       std::to_string(plan->imageCount());
+  plans.forEach([&](const Planning& plan) {
+    std::string line = cell(plan.uniqueIdentifier()) + ',' + cell(plan.name()) + ',' +
+                       cell(plan.notes()) + ',' + instantText(plan) + ',' + cell(plan.timezone()) +
+                       ',' + localText(plan) + ',' + cell(plan.latitude()) + ',' +
+                       cell(plan.longitude()) + ',' + std::to_string(plan.imageCount());
     print(line.append(kLineEnd));
-  }
+  });
 }
 
-std::size_t writeGpx(const Plans& plans, const TextSink& sink) {
+std::size_t writeGpx(PlanSource& plans, const TextSink& sink) {
   pugi::xml_document document;
   auto gpx = root(document, "gpx", "http://www.topografix.com/GPX/1/1");
   gpx.append_attribute("version") = "1.1";
   gpx.append_attribute("creator") = "Vantrel Today";
+  gpx.append_child(ElementPrinter::kPlaceholder);
+  ElementPrinter printer(document, sink);
   std::size_t leftOut = 0;
-  for (const auto& plan : plans) {
-    const auto place = placeOfPlan(*plan);
+  plans.forEach([&](const Planning& plan) {
+    const auto place = placeOfPlan(plan);
     if (!place) {
       ++leftOut;
-      continue;
+      return;
     }
-    auto waypoint = gpx.append_child("wpt");
+    pugi::xml_document fragment;
+    auto waypoint = fragment.append_child("wpt");
     waypoint.append_attribute("lat") = decimalText(place->latitude).c_str();
     // GPX longitudes are less than 180.
     const double longitude = place->longitude == 180 ? -180 : place->longitude;
     waypoint.append_attribute("lon") = decimalText(longitude).c_str();
-    appendText(waypoint, "time", instantText(*plan));
-    appendText(waypoint, "name", plan->name());
-    if (const auto date = plan->date()) {
-      const TimeZone zone = zoneOfPlan(*plan);
+    appendText(waypoint, "time", instantText(plan));
+    appendText(waypoint, "name", plan.name());
+    if (const auto date = plan.date()) {
+      const TimeZone zone = zoneOfPlan(plan);
       appendText(waypoint, "cmt", wallText(*date, zone) + " " + zone.name());
     }
-    appendText(waypoint, "desc", plan->notes());
-  }
-  print(document, sink);
+    appendText(waypoint, "desc", plan.notes());
+    printer.print(waypoint, 1);
+  });
   return leftOut;
 }
 
-void writeKml(const Plans& plans, const TextSink& sink) {
+void writeKml(PlanSource& plans, const TextSink& sink) {
   pugi::xml_document document;
   auto folder = root(document, "kml", "http://www.opengis.net/kml/2.2").append_child("Document");
   appendText(folder, "name", "Planned shoots");
-  for (const auto& plan : plans) {
-    auto placemark = folder.append_child("Placemark");
-    appendText(placemark, "name", plan->name());
-    appendText(placemark, "description", plan->notes());
-    if (const auto when = localText(*plan); !when.empty()) {
+  folder.append_child(ElementPrinter::kPlaceholder);
+  ElementPrinter printer(document, sink);
+  plans.forEach([&](const Planning& plan) {
+    pugi::xml_document fragment;
+    auto placemark = fragment.append_child("Placemark");
+    appendText(placemark, "name", plan.name());
+    appendText(placemark, "description", plan.notes());
+    if (const auto when = localText(plan); !when.empty()) {
       appendText(placemark.append_child("TimeStamp"), "when", when);
     }
     auto extended = placemark.append_child("ExtendedData");
-    appendData(extended, "uniqueIdentifier", plan->uniqueIdentifier());
-    appendData(extended, "timezone", plan->timezone());
-    if (const auto place = placeOfPlan(*plan)) {
+    appendData(extended, "uniqueIdentifier", plan.uniqueIdentifier());
+    appendData(extended, "timezone", plan.timezone());
+    if (const auto place = placeOfPlan(plan)) {
       appendText(placemark.append_child("Point"), "coordinates",
                  decimalText(place->longitude) + "," + decimalText(place->latitude));
     }
-  }
-  print(document, sink);
+    printer.print(placemark, 2);
+  });
 }
 
 }  // namespace vantrel::cli

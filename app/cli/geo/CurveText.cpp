@@ -53,7 +53,7 @@ void appendDistance(std::string& text, double distance) {
   appendFixed(text, static_cast<float>(distance));
 }
 
-std::string withUnit(std::string number, const char* unit) {
+std::string withUnit(const std::string& number, const char* unit) {
   return number == kUnknown ? number : number + unit;
 }
 

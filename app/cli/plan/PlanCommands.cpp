@@ -211,23 +211,22 @@ int listPlans(const ListOptions& options, Console& console) {
     return console.fail(
         failure(kExitUsage, "plan list", "expected only one of --plain, --format and --json"));
   }
-  const auto plans = plansBetween(options.range);
+  const auto plans = PlanSource::open(options.range);
   if (!plans) return console.fail(plans.error());
-  if (plans->empty()) console.note("no plans");
   if (console.isJson()) {
-    printJson(*plans, [&](std::string_view text) { console.print(text); });
+    printJson(**plans, [&](std::string_view text) { console.print(text); });
   } else if (options.isPlain) {
-    for (const auto& plan : *plans) console.print(plainLine(*plan));
+    (*plans)->forEach([&](const Planning& plan) { console.print(plainLine(plan)); });
   } else if (options.format) {
-    for (const auto& plan : *plans) console.print(options.format->line(*plan));
-  } else {
-    printTable(*plans, console);
+    (*plans)->forEach([&](const Planning& plan) { console.print(options.format->line(plan)); });
+  } else if (printTable(**plans, console) == 0) {
+    console.note("no plans");
   }
-  return kExitDone;
+  const auto& failure = (*plans)->failure();
+  return failure ? console.fail(*failure) : kExitDone;
 }
 
-/// Adds an option for each attribute; with `clearing`, also one to clear it.
-/// Adds the options of all attributes, or of `keys` only.
+/// Adds an option for each attribute, or for `keys` only; with `clearing`, also one to clear it.
 void addFields(CLI::App& parser, FieldTexts& texts, bool clearing,
                const std::set<std::string>& keys = {}) {
   for (const auto& field : kFields) {

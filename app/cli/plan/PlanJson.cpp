@@ -67,20 +67,22 @@ std::string jsonLine(const TodayList& today) {
   return jsonLine(jsonOfToday(today));
 }
 
-void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSink& print) {
+void printJson(PlanSource& plans, const TextSink& print) {
   print("{\n  \"plans\": [");
   const char* lineBreak = "\n    ";
-  for (const auto& plan : plans) {
-    print(plan == plans.front() ? lineBreak : std::string(",") + lineBreak);
-    std::string text = jsonText(*plan);
+  bool isEmpty = true;
+  plans.forEach([&](const Planning& plan) {
+    print(isEmpty ? lineBreak : std::string(",") + lineBreak);
+    isEmpty = false;
+    std::string text = jsonText(plan);
     text.pop_back();
-    // All line breaks belong to the layout: those in strings are escaped.
+    // Line breaks in strings are escaped: all others belong to the layout.
     for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) {
       text.replace(at, 1, lineBreak);
     }
     print(text);
-  }
-  print(plans.empty() ? "]\n}\n" : "\n  ]\n}\n");
+  });
+  print(isEmpty ? "]\n}\n" : "\n  ]\n}\n");
 }
 
 }  // namespace vantrel::cli

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Console.h"
+#include "cli/plan/PlanSelection.h"
 #include "cli/today/TodayList.h"
 #include "store/Planning.h"
 
@@ -17,6 +18,6 @@ std::string jsonText(const TodayList& today);
 /// The same on one line.
 std::string jsonLine(const TodayList& today);
 /// Prints all plans as one JSON text, plan by plan.
-void printJson(const std::vector<std::shared_ptr<Planning>>& plans, const TextSink& print);
+void printJson(PlanSource& plans, const TextSink& print);
 
 }  // namespace vantrel::cli

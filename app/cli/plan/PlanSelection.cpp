@@ -17,27 +17,6 @@ namespace vantrel::cli {
 
 namespace {
 
-/// Returns the dated plans of `range` by date.
-Expected<Plans> plansInRange(ManagedObjectContext& context, const DateRange& range) {
-  constexpr double kEarliest = -1e300;
-  constexpr std::size_t kFewPlans = 100;
-  const Date first = range.from ? range.from->first : Date(kEarliest);
-  FetchRequest request;
-  request.predicate = Predicate::greaterThanOrEqual("date", first);
-  request.sortDescriptors = {{"date", true}};
-  if (!range.to) return fetchPlans(context, request);
-  const auto isLater = [&](const auto& plan) { return plan->date() > range.to->last; };
-  // Predicates have no upper limit: fetches more until a plan is later.
-  request.fetchLimit = kFewPlans;
-  auto plans = fetchPlans(context, request);
-  while (plans && plans->size() == request.fetchLimit && !isLater(plans->back())) {
-    request.fetchLimit *= 10;
-    plans = fetchPlans(context, request);
-  }
-  if (plans) std::erase_if(*plans, isLater);
-  return plans;
-}
-
 constexpr std::size_t kShortestPrefix = 4;
 /// One more than `ambiguous` lists, so that it can tell that there are more.
 constexpr std::size_t kMostFetched = 11;
@@ -122,9 +101,54 @@ void addRangeOptions(CLI::App& parser, DateRange& range) {
                  "No later than this; a day counts to its end");
 }
 
-Expected<Plans> plansBetween(const DateRange& range) {
+Expected<std::unique_ptr<PlanSource>> PlanSource::open(const DateRange& range) {
   return contextForReading().and_then([&](auto* context) {
-    return range.from || range.to ? plansInRange(*context, range) : allPlans(*context);
+    return context->freezeStore().map(
+        [&] { return std::unique_ptr<PlanSource>(new PlanSource(*context, range)); });
+  });
+}
+
+void PlanSource::fetch(const Predicate& predicate,
+                       const std::function<bool(const Planning&)>& visit) {
+  if (failure_) return;
+  const auto fetched = context_.enumerateFetchRequest(
+      {.entityName = std::string(Planning::kEntityName),
+       .predicate = predicate,
+       .sortDescriptors = {{"date", true}}},
+      [&](const auto& object) { return visit(static_cast<const Planning&>(*object)); });
+  if (!fetched) failure_ = fetched.error();
+}
+
+void PlanSource::forEach(const Visitor& visit) {
+  constexpr double kEarliest = -1e300;
+  const auto isDated = [](const Planning& plan) { return hasIso8601String(*plan.date()); };
+  const auto first =
+      Predicate::greaterThanOrEqual("date", range_.from ? range_.from->first : Date(kEarliest));
+  if (range_.from || range_.to) {
+    return fetch(first, [&](const Planning& plan) {
+      if (range_.to && plan.date() > range_.to->last) return false;
+      visit(plan);
+      return true;
+    });
+  }
+  bool hasOdd = false;
+  fetch(first, [&](const Planning& plan) {
+    if (isDated(plan)) {
+      visit(plan);
+    } else {
+      hasOdd = true;
+    }
+    return true;
+  });
+  fetch(Predicate::isNil("date"), [&](const Planning& plan) {
+    visit(plan);
+    return true;
+  });
+  // Dates beyond the calendar are treated as absent.
+  if (!hasOdd) return;
+  fetch(first, [&](const Planning& plan) {
+    if (!isDated(plan)) visit(plan);
+    return true;
   });
 }
 

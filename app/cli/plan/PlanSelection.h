@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,9 +33,29 @@ struct DateRange {
 /// `range` must outlive the parser.
 void addRangeOptions(CLI::App& parser, DateRange& range);
 
-/// Returns the plans of the existing store in `range` by date. Undated plans are included, last,
-/// only if the range has no limit.
-Expected<Plans> plansBetween(const DateRange& range);
+/// The plans of the existing store in a range, by date; without limits, undated plans follow. Reads
+/// them one by one: a million plans need no memory. All passes see the same state of the store.
+class PlanSource {
+ public:
+  static Expected<std::unique_ptr<PlanSource>> open(const DateRange& range);
+  ~PlanSource() { context_.unlockStore(); }
+  PlanSource(const PlanSource&) = delete;
+  PlanSource& operator=(const PlanSource&) = delete;
+
+  using Visitor = std::function<void(const Planning&)>;
+  /// May be called repeatedly. If the store cannot be read, stops and sets `failure`.
+  void forEach(const Visitor& visit);
+  const std::optional<Error>& failure() const { return failure_; }
+
+ private:
+  PlanSource(ManagedObjectContext& context, const DateRange& range)
+      : context_(context), range_(range) {}
+  void fetch(const Predicate& predicate, const std::function<bool(const Planning&)>& visit);
+
+  ManagedObjectContext& context_;
+  DateRange range_;
+  std::optional<Error> failure_;
+};
 
 /// Finds a plan by its object URI, its unique identifier, or a prefix of that of at least four
 /// characters, in either case. Errors: kExitMissing if there is none; kExitUsage, with the

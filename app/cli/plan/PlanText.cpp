@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/Iso8601.h"
+#include "cli/plan/PlanSelection.h"
 #include "common/DayWords.h"
 #include "common/TerminalText.h"
 #include "store/PlanLink.h"
@@ -130,25 +131,28 @@ std::string planDetails(const Planning& plan, const Console& console) {
   return text;
 }
 
-void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console) {
-  // Creates each row twice: a million of them would fill the memory.
+std::size_t printTable(PlanSource& plans, Console& console) {
+  std::size_t count = 0;
   std::array<std::size_t, kColumns.size()> widths{};
-  for (const auto& plan : plans) {
-    const TableRow row = tableRow(*plan);
+  plans.forEach([&](const Planning& plan) {
+    ++count;
+    const TableRow row = tableRow(plan);
     for (std::size_t i = 0; i < widths.size(); ++i) {
       widths[i] = std::min(std::max(widths[i], cellWidth(row.*kColumns[i])), kWidestColumn);
     }
-  }
-  for (const auto& plan : plans) {
-    TableRow row = tableRow(*plan);
+  });
+  plans.forEach([&](const Planning& plan) {
+    TableRow row = tableRow(plan);
     for (std::size_t i = 0; i < widths.size(); ++i) {
       row.*kColumns[i] = paddedToCells(std::move(row.*kColumns[i]), widths[i]);
     }
-    const std::string here = row.here.empty() ? "" : row.here + "  ";
-    const std::string day = row.day.empty() ? "" : row.day + "  ";
-    console.print(row.when + "  " + day + console.bold(row.name) + "  " + row.zone + "  " + here +
-                  console.dim(row.identifier) + "\n");
-  }
+    std::string line = row.when + "  ";
+    if (!row.day.empty()) line.append(row.day).append("  ");
+    line.append(console.bold(row.name)).append("  ").append(row.zone).append("  ");
+    if (!row.here.empty()) line.append(row.here).append("  ");
+    console.print(line.append(console.dim(row.identifier)).append("\n"));
+  });
+  return count;
 }
 
 std::string plainLine(const Planning& plan) {

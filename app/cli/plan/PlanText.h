@@ -10,6 +10,8 @@
 
 namespace vantrel::cli {
 
+class PlanSource;
+
 /// Plans as text for people, safe for a terminal; unknown values are "--".
 
 /// Returns the zone of the plan's date: its own, otherwise the device's.
@@ -31,8 +33,9 @@ std::string whenText(const std::optional<Date>& date, const TimeZone& zone);
 /// All attributes of the plan, one per line.
 std::string planDetails(const Planning& plan, const Console& console);
 
-/// Prints an aligned line for each plan: wall time, name, zone, device's wall time, identifier.
-void printTable(const std::vector<std::shared_ptr<Planning>>& plans, Console& console);
+/// Prints an aligned line for each plan: wall time, day in words on a terminal, name, zone,
+/// device's wall time, identifier. Returns their number.
+std::size_t printTable(PlanSource& plans, Console& console);
 
 /// A line for programs, the same in every locale, with columns separated by tabs: identifier (or
 /// URI), instant, instant with the offset of the plan's zone, zone, latitude, longitude, name;

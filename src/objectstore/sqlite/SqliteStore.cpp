@@ -321,6 +321,12 @@ Expected<void> SqliteStore::lock() {
   });
 }
 
+Expected<void> SqliteStore::freeze() {
+  return convertingFailures([&] {
+    if (!transaction_) transaction_.emplace(*connection_, Transaction::Kind::kRead);
+  });
+}
+
 void SqliteStore::unlock() {
   transaction_.reset();
 }

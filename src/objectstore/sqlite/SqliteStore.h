@@ -28,7 +28,8 @@ struct FetchedRow {
   ManagedObjectID objectID;
   RowSnapshot values;
 };
-using RowReceiver = std::function<void(FetchedRow&&)>;
+/// Returns false to stop the fetch.
+using RowReceiver = std::function<bool(FetchedRow&&)>;
 
 /// One store file, opened by a coordinator. All errors have kObjectStoreErrorDomain. Entities and
 /// relationships passed in belong to the coordinator's model. Main thread only.
@@ -87,7 +88,10 @@ class SqliteStore {
   /// read in between still holds when it is saved. Waits 5 s for another writer, then fails with
   /// kLocked. Does nothing if the store is already locked or read only.
   Expected<void> lock();
-  /// Ends `lock` without saving.
+  /// Lets all reads until `unlock` see the store as it is now. Does not keep others from writing to
+  /// a store with a write-ahead log.
+  Expected<void> freeze();
+  /// Ends `lock` or `freeze` without saving.
   void unlock();
   /// Writes all changes in one transaction, or none. Returns the keys of the inserted rows in
   /// order.

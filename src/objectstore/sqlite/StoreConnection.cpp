@@ -217,8 +217,8 @@ bool StoreConnection::tableExists(const std::string& name) {
   return !columnsOfTable(name).empty();
 }
 
-Transaction::Transaction(StoreConnection& connection) : connection_(connection) {
-  connection_.execute("BEGIN IMMEDIATE");
+Transaction::Transaction(StoreConnection& connection, Kind kind) : connection_(connection) {
+  connection_.execute(kind == Kind::kWrite ? "BEGIN IMMEDIATE" : "BEGIN");
 }
 
 Transaction::~Transaction() {

@@ -59,10 +59,11 @@ class StoreConnection {
   bool immutable_ = false;
 };
 
-/// A write transaction: waits for other writers, and is rolled back unless committed.
+/// A transaction, which is rolled back unless committed. One to write waits for other writers.
 class Transaction {
  public:
-  explicit Transaction(StoreConnection& connection);
+  enum class Kind { kRead, kWrite };
+  explicit Transaction(StoreConnection& connection, Kind kind = Kind::kWrite);
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;

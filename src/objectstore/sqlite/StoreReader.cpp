@@ -147,8 +147,9 @@ void StoreReader::rows(const Query& query, const RowReceiver& receive) {
       kindsNumber = number;
       builder.emplace(kind->columnOfSlot.size());
     }
-    receive({kind->stored->entity, kind->idPrototype.withPrimaryKey(key),
-             readRow(rows.handle(), *kind, *builder)});
+    const bool wantsMore = receive({kind->stored->entity, kind->idPrototype.withPrimaryKey(key),
+                                    readRow(rows.handle(), *kind, *builder)});
+    if (!wantsMore) return;
   }
 }
 
