@@ -30,12 +30,12 @@ std::int64_t daysUntil(Date date, const TimeZone& zone, Date now) {
   return dayNumber(date, zone) - dayNumber(now, zone);
 }
 
-std::string relativeDayText(Date date, const TimeZone& zone, Date now) {
+std::string relativeDayText(Date date, const TimeZone& zone, Date now, bool weekdays) {
   using Unit = RelativeDateFormatter::Unit;
   static const RelativeDateFormatter words{Locale::currentLocale()};
   const int days = static_cast<int>(std::clamp(daysUntil(date, zone, now), -kMostDays, kMostDays));
   const int size = std::abs(days);
-  if (size <= 1 || (days < 0 && size < kDaysPerWeek)) return words.day(days);
+  if (size <= 1 || (size < kDaysPerWeek && (days < 0 || !weekdays))) return words.day(days);
   if (size < kDaysPerWeek) {
     DateFormatter weekday;
     weekday.setLocale(Locale::currentLocale());

@@ -36,6 +36,9 @@ TEST(RelativeDay, CountsMidnightsAtThePlace) {
     const TimeZone zone = *TimeZone::timeZoneWithName(c.zone);
     EXPECT_EQ(daysUntil(*dateFromIso8601String(c.date), zone, now), c.days);
     EXPECT_EQ(relativeDayText(*dateFromIso8601String(c.date), zone, now), c.text);
+    if (c.days == 6) {
+      EXPECT_EQ(relativeDayText(*dateFromIso8601String(c.date), zone, now, false), "in 6 Tagen");
+    }
   }
 }
 

@@ -20,7 +20,8 @@ std::string PlanDescription::name(const Planning& plan) const {
 }
 
 std::string PlanDescription::details(const Planning& plan) const {
-  const auto day = dayWords(plan);
+  // The date includes the weekday.
+  const auto day = dayWords(plan, false);
   return dateText(plan, true) + (day ? ", " + *day : "");
 }
 
@@ -30,7 +31,7 @@ std::optional<PlanDescription::When> PlanDescription::when(const Planning& plan)
   const TimeZone here = TimeZone::defaultTimeZone();
   const TimeZone zone = TimeZone::timeZoneOrDefault(plan.timezone());
   formatter_.setTimeZone(zone);
-  When when{formatter_.stringFromDate(*date), zone.name(), *dayWords(plan), std::nullopt};
+  When when{formatter_.stringFromDate(*date), zone.name(), *dayWords(plan, false), std::nullopt};
   if (zone.secondsFromGMTForDate(*date) != here.secondsFromGMTForDate(*date)) {
     formatter_.setTimeZone(here);
     when.here = formatter_.stringFromDate(*date);
