@@ -116,13 +116,13 @@ Json jsonOfCurve(const PinCurve& pair) {
 std::string degreesText(double degrees) {
   std::string text;
   appendDegrees(text, degrees);
-  return withUnit(std::move(text), "°");
+  return withUnit(text, "°");
 }
 
 std::string metresText(double metres) {
   std::string text;
   appendFixed(text, metres, kMetreDecimals);
-  return withUnit(std::move(text), " m");
+  return withUnit(text, " m");
 }
 
 }  // namespace vantrel::cli

@@ -117,6 +117,7 @@ void ReminderService::update() {
   const auto plans = comingPlans(now);
   triggers_->ignoreStoreChangesSoFar();
   std::vector<PlannedShoot> shoots;
+  shoots.reserve(plans.size());
   for (const auto& plan : plans) shoots.push_back({deepLink(*plan), *plan->date()});
   const auto schedule = ReminderSchedule::compute(shoots, leadTimes_, log_->load(), now);
   for (const auto& reminder : schedule.due) {
