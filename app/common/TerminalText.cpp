@@ -1,6 +1,5 @@
 #include "common/TerminalText.h"
 
-#include <fmt/format.h>
 #include <unicode/uchar.h>
 
 #include <cstdint>
@@ -44,6 +43,14 @@ void appendPrintable(std::string& result, const CodePoints& at) {
   } else {
     result += at.bytes();
   }
+}
+
+/// "\u009b" for an unsafe character, which all have at most four digits.
+std::string escaped(UChar32 c) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text = "\\u";
+  for (int shift = 12; shift >= 0; shift -= 4) text += kDigits[(c >> shift) & 0xf];
+  return text;
 }
 
 }  // namespace
@@ -112,7 +119,7 @@ std::string printableJson(std::string_view json) {
   result.reserve(json.size());
   for (CodePoints at(json); at.next();) {
     if (at.value() >= 0x7f && isUnsafe(at.value())) {
-      fmt::format_to(std::back_inserter(result), "\\u{:04x}", at.value());
+      result += escaped(at.value());
     } else {
       result += at.bytes();
     }

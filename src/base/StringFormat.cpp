@@ -1,5 +1,9 @@
 #include "base/StringFormat.h"
 
+#include <array>
+#include <charconv>
+#include <limits>
+
 namespace vantrel {
 
 std::string stringWithFormat(std::string_view format,
@@ -13,6 +17,14 @@ std::string stringWithFormat(std::string_view format,
     format.remove_prefix(at + kPlaceholder.size());
   }
   return result.append(format);
+}
+
+std::string decimalText(double number, int decimals) {
+  // The greatest number, a sign, a point and 17 decimals fit.
+  std::array<char, std::numeric_limits<double>::max_exponent10 + 20> text{};
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), number,
+                                     std::chars_format::fixed, decimals);
+  return {text.data(), written.ptr};
 }
 
 }  // namespace vantrel

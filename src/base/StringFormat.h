@@ -12,4 +12,7 @@ namespace vantrel {
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<std::string_view> arguments);
 
+/// "41.390000" for 41.39 and 6 decimals: rounded to nearest, with a point in every locale.
+std::string decimalText(double number, int decimals);
+
 }  // namespace vantrel

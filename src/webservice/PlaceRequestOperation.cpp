@@ -1,15 +1,15 @@
 #include "webservice/PlaceRequestOperation.h"
 
-#include <fmt/format.h>
-
 #include "base/PercentEncoding.h"
+#include "base/StringFormat.h"
 
 namespace vantrel {
 
 namespace {
 
 std::string degrees(double value) {
-  return fmt::format("{:.6f}", value);
+  constexpr int kDecimals = 6;
+  return decimalText(value, kDecimals);
 }
 
 }  // namespace

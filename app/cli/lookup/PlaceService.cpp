@@ -1,7 +1,6 @@
 #include "cli/lookup/PlaceService.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "base/FileDescriptor.h"
+#include "base/StringFormat.h"
 #include "cli/JsonText.h"
 #include "common/ExitCode.h"
 #include "common/TerminalText.h"
@@ -83,9 +83,10 @@ std::vector<std::string> argumentsFor(const std::string& subject, LocationCoordi
   if (service.google) arguments.emplace_back("--google");
   if (service.username) arguments.push_back("--username=" + *service.username);
   if (service.keyFile) arguments.push_back("--key-file=" + *service.keyFile);
+  constexpr int kDecimals = 6;
   // After "--" a minus sign does not start an option.
-  arguments.insert(arguments.end(), {"--", subject, fmt::format("{:.6f}", place.latitude),
-                                     fmt::format("{:.6f}", place.longitude)});
+  arguments.insert(arguments.end(), {"--", subject, decimalText(place.latitude, kDecimals),
+                                     decimalText(place.longitude, kDecimals)});
   return arguments;
 }
 

@@ -1,10 +1,9 @@
 #include "today/sheet/PlanSheetContent.h"
 
-#include <fmt/format.h>
-
 #include <QString>
 #include <cmath>
 
+#include "base/StringFormat.h"
 #include "platform/qt/QtParagraph.h"
 #include "platform/text/Locale.h"
 #include "platform/text/NumberFormatter.h"
@@ -49,8 +48,12 @@ std::optional<PlanPlace> placeOfPlan(const Planning& plan) {
   const auto latitude = plan.latitude();
   const auto longitude = plan.longitude();
   if (!latitude || !longitude || !isOnEarth(*latitude, *longitude)) return std::nullopt;
-  return PlanPlace{fmt::format("{:.5f}, {:.5f}", *latitude, *longitude),
-                   fmt::format("geo:{:.7f},{:.7f}", *latitude, *longitude)};
+  constexpr int kShownDecimals = 5;
+  constexpr int kLinkDecimals = 7;
+  return PlanPlace{
+      decimalText(*latitude, kShownDecimals) + ", " + decimalText(*longitude, kShownDecimals),
+      "geo:" + decimalText(*latitude, kLinkDecimals) + "," +
+          decimalText(*longitude, kLinkDecimals)};
 }
 
 std::string isolatedCoordinates(const PlanPlace& place) {
