@@ -43,19 +43,13 @@ double heightOfAtMostTwoLines(const Label& label, double width) {
   return std::min(twoLines, boundingHeight(label, width));
 }
 
-/// Formatters are expensive to create: one for all rows and layouts of the process.
-DateFormatter& sharedDateFormatter() {
-  static DateFormatter formatter;
-  return formatter;
-}
-
 /// Date and time in the plan's zone, or in the device's if the plan's is unknown.
 std::string dateText(const Planning& plan) {
   using Style = DateFormatter::Style;
   const auto date = plan.date();
   if (!date) return {};
   const auto zoneName = plan.timezone();
-  DateFormatter& formatter = sharedDateFormatter();
+  DateFormatter& formatter = TodayEventsView::sharedDateFormatter();
   formatter.setTimeZone(zoneName ? TimeZone::timeZoneWithName(*zoneName) : std::nullopt);
   formatter.setDateStyle(Style::kShort);
   formatter.setTimeStyle(Style::kNone);
@@ -66,6 +60,11 @@ std::string dateText(const Planning& plan) {
 }
 
 }  // namespace
+
+DateFormatter& TodayEventsView::sharedDateFormatter() {
+  static DateFormatter formatter;
+  return formatter;
+}
 
 TodayEventsView::TodayEventsView(const Rect& frame)
     : View(frame), messageLabel_(TodayUtils::textLabel()) {

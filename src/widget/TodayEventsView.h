@@ -12,6 +12,7 @@
 
 namespace vantrel {
 
+class DateFormatter;
 class TodayEventsView;
 
 /// Receives the events of a TodayEventsView. Main thread only.
@@ -32,6 +33,10 @@ class TodayEventsView final : public View {
   /// `nullopt` is shown like an empty list.
   using Plans = std::optional<std::vector<std::shared_ptr<Planning>>>;
   using Labels = std::array<std::unique_ptr<TodayViewLabel>, kRowCount>;
+
+  /// Writes the dates of the rows. Creating a formatter takes as long as writing a hundred dates,
+  /// so the process shares one: set its zone and styles before each use.
+  static DateFormatter& sharedDateFormatter();
 
   /// Initially expanded before system version 10, otherwise compact.
   explicit TodayEventsView(const Rect& frame);

@@ -13,6 +13,7 @@
 #include "platform/system/Bundle.h"
 #include "platform/text/Calendar.h"
 #include "platform/text/DateFormatter.h"
+#include "widget/TodayEventsView.h"
 
 namespace vantrel::cli {
 
@@ -60,11 +61,12 @@ std::string barObject(const std::string& text, const std::string& tooltip,
 }
 
 /// "Europe/Athens, 5:20 AM here"; `nullopt` if the device's wall time is the same as the plan's.
-std::optional<std::string> localText(const Planning& plan, DateFormatter& formatter) {
+std::optional<std::string> localText(const Planning& plan) {
   const auto date = plan.date();
   const TimeZone zone = zoneOfPlan(plan);
   if (!date || !hereText(*date, zone)) return std::nullopt;
   using Style = DateFormatter::Style;
+  DateFormatter& formatter = TodayEventsView::sharedDateFormatter();
   const auto styled = [&](Style day, Style time, const std::optional<TimeZone>& clock) {
     formatter.setTimeZone(clock);
     formatter.setDateStyle(day);
@@ -81,7 +83,6 @@ std::optional<std::string> localText(const Planning& plan, DateFormatter& format
 }  // namespace
 
 std::string todayText(const TodayList& today, const Console& console) {
-  DateFormatter formatter;
   std::string text;
   if (today.message) text += *today.message + "\n";
   for (const auto& row : today.rows) {
@@ -89,7 +90,7 @@ std::string todayText(const TodayList& today, const Console& console) {
     text += console.bold(shown(row.title)) + "\n  " + row.dateText;
     const auto day = Console::isTerminal() ? dayWords(*row.plan) : std::nullopt;
     if (day) text += "  " + *day;
-    if (const auto local = localText(*row.plan, formatter)) text += "  " + console.dim(*local);
+    if (const auto local = localText(*row.plan)) text += "  " + console.dim(*local);
     text += "\n";
   }
   return text;
@@ -102,12 +103,11 @@ std::string nextPlanLine(const TodayList& today) {
 
 std::string barLine(const TodayList& today) {
   const TodayRow* next = nextRow(today);
-  DateFormatter formatter;
   std::string tooltip = inMarkup(today.message.value_or(""));
   for (const auto& row : today.rows) {
     if (!tooltip.empty()) tooltip += "\n";
     tooltip += "<b>" + inMarkup(shown(row.title)) + "</b>\n" + inMarkup(row.dateText);
-    if (const auto local = localText(*row.plan, formatter)) tooltip += "  " + inMarkup(*local);
+    if (const auto local = localText(*row.plan)) tooltip += "  " + inMarkup(*local);
   }
   return barObject(next ? inMarkup(rowLine(*next)) : "", tooltip, stateOf(next));
 }
