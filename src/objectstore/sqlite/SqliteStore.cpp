@@ -225,6 +225,11 @@ bool SqliteStore::serves(const StoreOptions& options) {
 Expected<void> SqliteStore::fetch(const FetchRequest& request, std::size_t limit,
                                   const RowReceiver& receive) {
   return convertingFailures([&] {
+    // The entity numbers and the rows are those of the same instant. `receive` may fetch as well.
+    std::optional<Transaction> transaction;
+    if (!connection_->isInTransaction()) {
+      transaction.emplace(*connection_, Transaction::Kind::kRead);
+    }
     StoreReader reader(*connection_, *entities_);
     auto query = reader.queryForRequest(request, *model_->entityNamed(request.entityName));
     query.limit = limit;

@@ -193,6 +193,10 @@ void StoreConnection::noteWritten() {
   sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
 }
 
+bool StoreConnection::isInTransaction() const {
+  return sqlite3_get_autocommit(handle()) == 0;
+}
+
 void StoreConnection::execute(const std::string& sql) {
   const int code = sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) failSqlite(handle(), code);

@@ -31,6 +31,7 @@ class StoreConnection {
   bool isReadOnly() const { return readOnly_; }
   /// Whether the connection takes no locks and does not notice changes by other processes.
   bool isImmutable() const { return immutable_; }
+  bool isInTransaction() const;
 
   /// Runs statements that take no values.
   void execute(const std::string& sql);
