@@ -1,7 +1,8 @@
-// Makes a store with a given number of plans, an hour apart around the present instant: half of
-// them are still to come. Usage: make_store FILE COUNT
+// Makes a store with a given number of plans, an hour apart around the present instant and each in
+// another of 24 zones: half of them are still to come. Usage: make_store FILE COUNT
 #include <sqlite3.h>
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -16,6 +17,13 @@
 namespace {
 
 constexpr double kHour = 3600;
+constexpr std::array kZones = {
+    "Europe/Madrid",       "Asia/Tokyo",     "America/New_York", "Africa/Cairo",
+    "Australia/Sydney",    "Asia/Kolkata",   "Europe/London",    "America/Sao_Paulo",
+    "America/Los_Angeles", "Asia/Dubai",     "Pacific/Auckland", "Europe/Helsinki",
+    "Africa/Nairobi",      "America/Denver", "Asia/Singapore",   "Europe/Paris",
+    "America/Bogota",      "Asia/Kathmandu", "Pacific/Honolulu", "America/St_Johns",
+    "Africa/Lagos",        "Asia/Seoul",     "Europe/Lisbon",    "Atlantic/Reykjavik"};
 
 int fail(const std::string& why) {
   std::fprintf(stderr, "make_store: %s\n", why.c_str());
@@ -26,7 +34,7 @@ int fail(const std::string& why) {
 bool insertPlans(sqlite3* file, long count) {
   constexpr const char* kInsert =
       "INSERT INTO ZPLANNING (Z_PK, Z_ENT, Z_OPT, ZDATE, ZLATITUDE, ZLONGITUDE, ZNAME, ZTIMEZONE, "
-      "ZUNIQUEIDENTIFIER) SELECT ?1, Z_ENT, 1, ?2, 41.39, 2.17, ?3, 'Europe/Madrid', ?4 "
+      "ZUNIQUEIDENTIFIER) SELECT ?1, Z_ENT, 1, ?2, 41.39, 2.17, ?3, ?5, ?4 "
       "FROM Z_PRIMARYKEY WHERE Z_NAME = 'Planning'";
   sqlite3_stmt* insert = nullptr;
   const long before = count / 2;
@@ -45,6 +53,8 @@ bool insertPlans(sqlite3* file, long count) {
     sqlite3_bind_double(insert, 2, (now + static_cast<double>(key - before)) * kHour);
     sqlite3_bind_text(insert, 3, name.c_str(), -1, SQLITE_STATIC);
     sqlite3_bind_text(insert, 4, identifier.c_str(), -1, SQLITE_STATIC);
+    sqlite3_bind_text(insert, 5, kZones.at(static_cast<std::size_t>(key) % kZones.size()), -1,
+                      SQLITE_STATIC);
     ok = sqlite3_step(insert) == SQLITE_DONE && sqlite3_reset(insert) == SQLITE_OK;
   }
   sqlite3_finalize(insert);
