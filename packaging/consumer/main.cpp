@@ -41,10 +41,6 @@ int main(int argc, char** argv) {
   request.entityName = "Planning";
   request.sortDescriptors = {{"date", true}};
   ManagedObjectContext* context = Database::sharedInstance().managedObjectContext();
-  if (!context) {
-    std::cerr << "next_shoots: the model is not there; is the package vantrel installed?\n";
-    return 70;
-  }
   const auto plans = context->executeFetchRequest(request);
   if (!plans) {
     std::cerr << "next_shoots: " << plans.error().localizedDescription << '\n';
