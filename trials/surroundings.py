@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The program where the system is against it: no space, nothing to write to, files that vanish, are
-replaced or lead elsewhere, other owners, wrong clocks, other versions, hostile names.
+replaced or lead elsewhere, other owners, wrong clocks, other versions.
 
 usage: surroundings.py PROGRAM
 
@@ -22,7 +22,6 @@ from operations import OPERATIONS, PICTURE, PLAN, nothing, older, plans
 from world import World
 
 NOBODY = ("setpriv", "--reuid", "65534", "--regid", "65534", "--clear-groups")
-HOSTILE = "<b onload='x'>&amp;\x1b]0;title\x07\x1b[31m\u202egnp.\u2066\u200f%s%n\x9b2J\r\n"
 
 
 def require(condition, *told):
@@ -254,33 +253,6 @@ def other_owners(world):
         require(not path.stat().st_mode & 0o77, path.name, "is open to others")
 
 
-def open_directions(line):
-    """What is left open at the line's end, by the rules for embeddings and isolates."""
-    stack = []
-    for sign in line:
-        if sign in "\u202a\u202b\u202d\u202e\u2066\u2067\u2068":
-            stack.append(sign)
-        elif sign == "\u202c" and stack and stack[-1] < "\u2066":
-            stack.pop()
-        elif sign == "\u2069" and any(opened >= "\u2066" for opened in stack):
-            while stack.pop() < "\u2066":
-                pass
-    return stack
-
-
-def hostile_names(world):
-    world.say("plan", "add", "--name", HOSTILE, "--notes", HOSTILE, "--date", "+1d")
-    world.say("camera", "add", HOSTILE, "--width", "36", "--height", "24")
-    (listed,) = re.findall('"uniqueIdentifier": "(.*)"', world.say("plan", "list", "--json"))
-    for words in (["plan", "list"], ["plan", "show", listed], ["today", "--expanded"], ["camera", "list"]):
-        told = world.say(*words, "--color", "never")
-        require(not re.search("[\x00-\x09\x0b-\x1f\x7f-\x9f]", told), words, repr(told))
-        for line in told.splitlines():
-            require(not open_directions(line), words, "leaves a direction open:", repr(line))
-    link = "vantrel://plan?id=" + "%" * 120_000  # the system takes no longer word
-    require_failure(world.run("open", link), (64, 65, 66), ["open"])
-
-
 def main():
     program, *inside = sys.argv[1:]
     if not inside:
@@ -290,7 +262,7 @@ def main():
     for scenario in (a_full_disk, a_read_only_disk, a_folder_that_vanishes,
                      a_store_replaced_under_a_reader, a_plan_removed_while_its_store_is_copied,
                      copies_to_one_place_at_once, clocks_far_away, other_versions,
-                     links_in_place_of_files, other_owners, hostile_names):
+                     links_in_place_of_files, other_owners):
         with tempfile.TemporaryDirectory() as folder:
             os.chmod(folder, 0o755)
             try:
