@@ -1,6 +1,6 @@
-// Finding duplicates among plans beside reading them, beside comparing each with each, and beside
-// SQLite's join of the table with itself. One plan in ten is a duplicate; the rest differ in all,
-// in place alone, in longitude alone, or (at one spot) in nothing that counts.
+// Compares finding duplicate plans with reading them, with comparing all pairs, and with SQLite's
+// self-join. One plan in ten is a duplicate; the others differ in all values, in place only, in
+// longitude only, or in the identifier only.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
@@ -20,7 +20,7 @@ using namespace vantrel;
 
 enum Kind : std::int64_t { kAllDiffer, kPlacesDiffer, kLongitudesDiffer, kOneSpot };
 
-/// Values of plan k, as SQL.
+/// Returns the values of plan k as SQL.
 const char* valuesOf(std::int64_t kind) {
   switch (kind) {
     case kAllDiffer:
@@ -37,7 +37,7 @@ const char* valuesOf(std::int64_t kind) {
   }
 }
 
-/// Stores by what is in them; removed at the end.
+/// Stores by their kind and size; removed by the destructor.
 class Stores {
  public:
   Stores() {
@@ -174,11 +174,11 @@ void onSomePlans(benchmark::internal::Benchmark* bench) {
   bench->Unit(benchmark::kMillisecond);
 }
 BENCHMARK(findDuplicates)->Apply(onSomePlans);
-// Up to minutes each: once is enough.
+// Up to minutes each: run once.
 BENCHMARK(joinInSqlite)->Apply(onSomePlans)->Iterations(1)->Repetitions(1);
 BENCHMARK(compareEachWithEach)->Apply(onSomePlans)->Iterations(1)->Repetitions(1);
 
-// So few that every test run can make sure of them.
+// Small enough for every test run.
 void onFewPlans(benchmark::internal::Benchmark* bench) {
   bench->Args({kPlacesDiffer, kFew})->Unit(benchmark::kMillisecond);
 }

@@ -1,4 +1,4 @@
-// Fetching plans through a context beside SQLite alone, which reads the same rows into plain
+// Compares fetching plans through a context with SQLite alone, which reads the same rows into plain
 // structures. Run one benchmark at a time to compare their memory ("peakMiB").
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -37,7 +37,7 @@ sqlite3* openPlain(const fs::path& path) {
   return database;
 }
 
-/// A store with a million plans, one in four with pictures; removed at the end.
+/// A store with a million plans, one in four with pictures; removed by the destructor.
 const fs::path& storeFile() {
   static const struct Store {
     Store() {

@@ -1,6 +1,6 @@
-// Short date and time texts of plans all over the world, each in its own zone: the shared
-// formatters beside a new formatter for each text, and beside QLocale with zones that are looked up
-// once. The texts are compared with the library's own before anything is measured.
+// Formats dates and times of plans in many zones: compares the shared formatters with a new
+// formatter for each text and with QLocale with cached zones. Checks first that the texts are those
+// of ICU.
 #include <benchmark/benchmark.h>
 #include <unicode/datefmt.h>
 #include <unicode/timezone.h>
@@ -34,7 +34,7 @@ struct Moment {
   std::size_t zone;
 };
 
-/// Instants of some years around now, one zone after another.
+/// Instants of some years around now, in each zone in turn.
 const std::vector<Moment>& moments() {
   static const auto made = [] {
     std::mt19937_64 random(20240621);
@@ -48,7 +48,7 @@ const std::vector<Moment>& moments() {
   return made;
 }
 
-/// What the library writes with its own rules for zones.
+/// Returns the text by ICU with its own zone rules.
 std::string naiveText(const Moment& moment) {
   const std::unique_ptr<icu::DateFormat> formatter(icu::DateFormat::createDateTimeInstance(
       icu::DateFormat::kShort, icu::DateFormat::kShort, icu::Locale(kLocale)));

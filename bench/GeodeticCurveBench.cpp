@@ -1,5 +1,5 @@
-// The whole curve, apparent elevation included, beside what two libraries take for azimuths and
-// distance of the same million pairs: argument 0 all over the globe, argument 1 within 200 km.
+// Compares the complete curve, including apparent elevation, with azimuths and distance by two
+// libraries for the same million pairs: argument 0 around the globe, argument 1 within 200 km.
 #include <benchmark/benchmark.h>
 #include <geodesic.h>
 

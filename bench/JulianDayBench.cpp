@@ -1,4 +1,4 @@
-// The Julian day conversions beside those of ERFA, over the same days in random order.
+// Compares the Julian day conversions with those of ERFA, for the same days in random order.
 #include <benchmark/benchmark.h>
 #include <erfa.h>
 

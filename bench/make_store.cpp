@@ -1,5 +1,5 @@
-// Makes a store with a given number of plans, an hour apart around the present instant and each in
-// another of 24 zones: half of them are still to come. Usage: make_store FILE COUNT
+// Creates a store with COUNT plans, an hour apart, half of them in the past, in 24 zones in turn.
+// Usage: make_store FILE COUNT
 #include <sqlite3.h>
 
 #include <array>
@@ -30,7 +30,7 @@ int fail(const std::string& why) {
   return 1;
 }
 
-/// Row by row through the library: the object store would keep a million objects in memory.
+/// Inserts rows with SQLite: the object store would keep a million objects in memory.
 bool insertPlans(sqlite3* file, long count) {
   constexpr const char* kInsert =
       "INSERT INTO ZPLANNING (Z_PK, Z_ENT, Z_OPT, ZDATE, ZLATITUDE, ZLONGITUDE, ZNAME, ZTIMEZONE, "
@@ -68,7 +68,7 @@ bool insertPlans(sqlite3* file, long count) {
 int main(int argc, char** argv) {
   if (argc != 3) return fail("usage: make_store FILE COUNT");
   const std::filesystem::path path = argv[1];
-  if (std::filesystem::exists(path)) return fail(path.string() + " is there already");
+  if (std::filesystem::exists(path)) return fail(path.string() + " already exists");
   {
     vantrel::PersistentStoreCoordinator coordinator(
         vantrel::Database::sharedInstance().managedObjectModel());

@@ -1,5 +1,5 @@
-// The least that a widgets program does to draw ten labels into a PNG: what `vantrel-today
-// --render` is measured against. Usage: minimal_render FILE.png
+// A minimal Qt Widgets program that draws ten labels into a PNG, for comparison with `vantrel-today
+// --render`. Usage: minimal_render FILE.png
 
 #include <QApplication>
 #include <QLabel>

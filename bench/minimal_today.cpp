@@ -1,5 +1,4 @@
-// What `vantrel today` is measured against: the least that any program needs to tell the next
-// plans.
+// A minimal program that prints the next plans, for comparison with `vantrel today`.
 #include <sqlite3.h>
 #include <unicode/datefmt.h>
 #include <unicode/timezone.h>

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Measures everything there is a promise about: ./dev bench. Ratios come from one run on one machine;
-# whole programs are measured cold-started over many runs, and medians are compared.
+# Run by ./dev bench: all benchmarks, then complete programs against minimal ones, by the medians of
+# many runs of both on the same machine.
 set -eu
 build=$1
 scratch=$(mktemp -d)

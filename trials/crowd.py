@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Programs that write and programs that read one store and one settings file, all at once.
+"""Runs programs that write and read one store and one settings file at the same time.
 
 usage: crowd.py PROGRAM [--seconds 60] [--writers 8] [--readers 8]
 
-Every acknowledged write has to be there once, and nobody may see half of one: plans come in batches
-of one transaction each, settings as a number that only grows."""
+Every successful write must be stored once, and no reader may see a part of one: plans are written in
+batches of one transaction each, settings as a number that only grows."""
 
 import argparse
 import collections
@@ -18,7 +18,7 @@ import time
 from world import World
 
 BATCH = 3
-BUSY_SECONDS = 5  # how long a program waits for the store before it says that it is locked
+BUSY_SECONDS = 5  # how long a program waits for a locked store
 LOCKED = 75
 
 
@@ -58,7 +58,7 @@ class Crowd:
                                 (batch, ("plan", "import", "--quiet", str(file)))):
                 done = self.run("write", *words)
                 (self.acknowledged.update((name,)) if done.returncode == 0 else self.refused.add(name))
-            # The same plan from every writer: it has to be stored once.
+            # The same plan from every writer: it must be stored once.
             common = f"common {number}"
             file.write_text(json.dumps({"plans": [{"name": common, "uniqueIdentifier": common}]}),
                             encoding="utf-8")
@@ -77,14 +77,14 @@ class Crowd:
             if settings.returncode == 0:
                 for key, held in self.settings(settings.stdout).items():
                     if held < seen.get(key, 0):
-                        self.problems.append(f"{key} went back from {seen[key]} to {held}")
+                        self.problems.append(f"{key} decreased from {seen[key]} to {held}")
                     seen[key] = held
 
     def check_names(self, plans):
         names = collections.Counter(plan["name"] for plan in plans)
         for name, count in names.items():
             if count != (BATCH if name.startswith("batch") else 1):
-                self.problems.append(f"{count} of {name}")
+                self.problems.append(f"{name}: found {count} times")
         return names
 
     @staticmethod
@@ -95,14 +95,14 @@ class Crowd:
     def check_end(self):
         names = self.check_names(json.loads(self.world.say("plan", "list", "--json"))["plans"])
         self.problems += [f"lost: {name}" for name in self.acknowledged if name not in names]
-        self.problems += [f"refused, yet there: {name}" for name in self.refused if name in names]
+        self.problems += [f"reported as not stored, but found: {name}" for name in self.refused if name in names]
         held = self.settings(self.world.say("defaults", "list", "--json"))
         self.problems += [f"lost: {key} = {number}" for key, number in self.numbers.items()
                           if held.get(key, 0) < number]
         if self.world.state()["group/Vantrel.sqlite"]["check"] != "ok":
-            self.problems.append("the store is damaged")
+            self.problems.append("the store is corrupt")
         if self.longest > 2 * BUSY_SECONDS:
-            self.problems.append(f"one waited {self.longest:.1f} s")
+            self.problems.append(f"a program ran for {self.longest:.1f} s")
 
 
 def main():
@@ -123,9 +123,9 @@ def main():
         for thread in threads:
             thread.join()
         crowd.check_end()
-    print(f"{given.writers} writing, {given.readers} reading, {given.seconds:g} s:"
-          f" {crowd.counts['write']} writes, {crowd.counts['read']} readings,"
-          f" {crowd.counts['refused']} told that it is locked, the longest {crowd.longest:.2f} s,"
+    print(f"{given.writers} writers, {given.readers} readers, {given.seconds:g} s:"
+          f" {crowd.counts['write']} writes, {crowd.counts['read']} reads,"
+          f" {crowd.counts['refused']} times locked, longest run {crowd.longest:.2f} s,"
           f" {len(crowd.problems)} faults")
     for problem in crowd.problems[:20]:
         print(" ", problem)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Whether the programs of a release build are hardened as they should be.
+"""Checks that the programs of a release build are hardened.
 
 usage: hardening.py BUILD-FOLDER"""
 
@@ -10,25 +10,25 @@ import re
 import subprocess
 import sys
 
-# What readelf tells of each; "not" marks what must be absent.
+# Patterns in the output of readelf; those named "not: …" must not match.
 MARKS = {
     "position-independent": r"Type: +DYN \(Position-Independent",
-    "relocations read only": r"GNU_RELRO",
-    "bound at the start": r"FLAGS_1.*\bNOW\b.*PIE",
+    "read-only relocations": r"GNU_RELRO",
+    "bound at start": r"FLAGS_1.*\bNOW\b.*PIE",
     "stack protected": r"UND __stack_chk_fail",
     "checked copies of memory": r"UND __\w+_chk\b",
-    "not: stack that runs": r"GNU_STACK.* RWE",
-    "not: library path of its own": r"\((RPATH|RUNPATH)\)",
-    "not: segment to write and run": r"LOAD.* RWE",
-    "not: relocations in its code": r"TEXTREL",
+    "not: executable stack": r"GNU_STACK.* RWE",
+    "not: own library path": r"\((RPATH|RUNPATH)\)",
+    "not: writable executable segment": r"LOAD.* RWE",
+    "not: relocations in code": r"TEXTREL",
 }
-# The archives that are linked in bring marks of their own, but few. The start files of the
-# distribution have no note of control-flow enforcement, so that no program has it: what can be seen is
-# that functions begin with its mark.
+# Patterns in the disassembly and their minimal number: linked archives of the distribution contain a
+# few themselves. Its start files lack the note of control-flow enforcement, so no program has the note;
+# functions that begin with `endbr64` show that our sources were compiled for it.
 LEAST = {"stack protected": (r"call +.*<__stack_chk_fail", 150)}
 if platform.machine() == "x86_64":
     LEAST["marked for control-flow enforcement"] = (r"\bendbr64\b", 500)
-# What no program shows for certain.
+# Compiler flags that leave no certain trace in a program.
 FLAGS = ("-D_FORTIFY_SOURCE=2", "-fstack-clash-protection", "-O3")
 
 
@@ -42,10 +42,10 @@ def main():
     programs = sorted(path for path in folder.glob("vantrel*") if path.is_file() and not path.suffix)
     failed = not programs
     for program in programs:
-        told = subprocess.run(["readelf", "-W", "-h", "-l", "-d", "-s", program], check=True,
-                              capture_output=True, text=True).stdout
+        headers = subprocess.run(["readelf", "-W", "-h", "-l", "-d", "-s", program], check=True,
+                                 capture_output=True, text=True).stdout
         missing = [name for name, mark in MARKS.items()
-                   if bool(re.search(mark, told)) == name.startswith("not")]
+                   if bool(re.search(mark, headers)) == name.startswith("not")]
         code = subprocess.run(["objdump", "-d", "--no-show-raw-insn", program], check=True,
                               capture_output=True, text=True).stdout
         missing += [f"{name}: {found} times" for name, (mark, least) in LEAST.items()

@@ -1,5 +1,5 @@
-"""What a photographer does with the programs, as a list of command lines: other checks walk them under
-a watcher. Every command of vantrel but lookup is among them, or the walk fails."""
+"""Command lines that use every command of vantrel except lookup and watch, for trials that run them
+under a tool such as strace. Fails if a command is missing."""
 
 import json
 import os
@@ -13,8 +13,8 @@ NOTES = "Okapi notes"
 ACCOUNT = "quagga-account"
 KEY = "oryx-key"
 
-# {store} and {folder} are the store's file and the folder of the walk; {plan} and {link} are what the
-# lines marked so printed. A number before the line is the exit code that it is to end with.
+# {store} is the store's file, {folder} the folder of the walk; {plan} and {link} are the output of the
+# lines with =plan and =link. A number before the line is the expected exit code, otherwise 0.
 LINES = """
 66 vantrel today
 66 vantrel plan list
@@ -87,7 +87,7 @@ PAIRS = "41 2 0 42 3 100\n0 0 0 0 0 0\n0 0 0 0.3 179.9 0\n# a remark\n"
 
 
 class Walk:
-    """The journeys in a folder of their own, each program behind the words of `watcher`."""
+    """Runs the journeys in `folder`, each program with the command `watcher` before it."""
 
     def __init__(self, build, folder, watcher=()):
         self.build = pathlib.Path(build).resolve()
@@ -122,7 +122,7 @@ class Walk:
         words = [word.format(**self.words) for word in line.split(" ")]
         done = self.run(*words)
         if done.returncode != int(code or 0):
-            sys.exit(f"{line}: exit code {done.returncode}, not {code or 0}\n{done.stderr}")
+            sys.exit(f"{line}: expected exit code {code or 0}, got {done.returncode}\n{done.stderr}")
         if kept:
             printed = done.stdout.strip()
             self.words[kept] = json.loads(printed)[kept] if "--json" in words else printed
@@ -131,19 +131,19 @@ class Walk:
         missing = [command for command in self.commands()
                    if not re.search(rf"^(\d+ )?vantrel {command}\b", LINES, re.M)]
         if missing:
-            sys.exit(f"no journey has: {', '.join(sorted(missing))}")
+            sys.exit(f"commands without a journey: {', '.join(sorted(missing))}")
         for line in LINES.strip().splitlines():
             self.line(line)
             self.count += 1
 
     def commands(self, *path):
-        """{"today", "plan add", …}: every command that can be run, as --help tells them."""
-        told = subprocess.run([self.build / "vantrel", *path, "--help"], env=self.environment,
-                              capture_output=True, text=True, check=True).stdout
-        below = re.search(r"^Commands:\n((?:  .*\n)+)", told, re.M)
+        """Returns {"today", "plan add", …}: every command that --help lists."""
+        listed = subprocess.run([self.build / "vantrel", *path, "--help"], env=self.environment,
+                                capture_output=True, text=True, check=True).stdout
+        below = re.search(r"^Commands:\n((?:  .*\n)+)", listed, re.M)
         if not below:
             return {" ".join(path)}
         names = re.findall(r"^  (\S+)", below[1], re.M)
-        # lookup is there to ask the network; watch goes on until it is ended.
+        # lookup uses the network; watch runs until interrupted.
         return set().union(*(self.commands(*path, name) for name in names
                              if name not in ("lookup", "watch")))

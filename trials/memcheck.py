@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""Walks the journeys under valgrind: no invalid access, no decision on what was never written, nothing
-lost. The libraries raise no false alarm.
+"""Runs the journeys under valgrind: no invalid access, no use of uninitialised memory, no leak.
 
 usage: memcheck.py BUILD-FOLDER"""
 
@@ -27,10 +26,10 @@ def main() -> int:
         finally:
             found = "".join(report.read_text() for report in sorted(reports.iterdir()))
             print(found[:20000], end="", file=sys.stderr)
-        # A child's report does not always show in the exit code of what started it.
+        # The exit code of a parent does not show the report of its child.
         if found:
             return 1
-        print(f"memcheck: {walk.count} journeys, {len(list(reports.iterdir()))} processes: nothing found")
+        print(f"memcheck: {walk.count} journeys, {len(list(reports.iterdir()))} processes: no errors")
     return 0
 
 

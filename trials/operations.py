@@ -1,4 +1,4 @@
-"""All operations that write, and the data they change."""
+"""All operations that write, and functions that create the data they change."""
 
 import collections
 import datetime
@@ -55,7 +55,7 @@ def doubled(world):
 
 
 def older(world):
-    """A store of the model version before last."""
+    """Turns the store into one of model version 3."""
     plans(world)
     info = plistlib.loads((world.program.parent / "bundle/Vantrel.momd/VersionInfo.plist").read_bytes())
     connection = sqlite3.connect(world.store)

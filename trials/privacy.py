@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Walks the journeys and starts the window under strace: no socket but those of this machine's own
-services is opened, and neither names of plans nor accounts are written anywhere but where the
-photographer put them. One lookup at the end shows that the watcher sees what it has to see.
+"""Runs the journeys and the window under strace: they open local sockets only, and write names of
+plans and accounts only to the files that the user put them in. A lookup at the end must be detected,
+to show that strace sees network access.
 
 usage: privacy.py BUILD-FOLDER"""
 
@@ -40,7 +40,7 @@ def main() -> int:
         if families - {"AF_UNIX"}:
             problems.append(f"the commands opened {families}")
 
-        # The window as on a desktop: with a display and a bus of its own.
+        # The window on a separate display and bus.
         walk.watcher = ["xvfb-run", "-a", "dbus-run-session", "--", *strace,
                         "timeout", str(SECONDS_OF_WINDOW)]
         done = walk.run("vantrel-today", QT_QPA_PLATFORM="xcb")
@@ -55,7 +55,7 @@ def main() -> int:
                          VANTREL_LOOKUP_ADDRESS="http://127.0.0.1:9")
         families, _ = sockets(trace)
         if "AF_INET" not in families:
-            problems.append(f"a lookup was not seen to ask the network: {asked.stderr}")
+            problems.append(f"the network access of a lookup was not detected: {asked.stderr}")
 
         for secret in SECRETS:
             if secret.decode() in walk.messages:
@@ -68,8 +68,8 @@ def main() -> int:
     for problem in problems:
         print(f"privacy: {problem}", file=sys.stderr)
     if not problems:
-        print(f"privacy: {walk.count} journeys and the window stay on this machine; "
-              f"{len(SECRETS)} secrets stay where they were put")
+        print(f"privacy: {walk.count} journeys and the window use local sockets only; "
+              f"{len(SECRETS)} secrets are in the expected files only")
     return 1 if problems else 0
 
 

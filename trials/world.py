@@ -15,7 +15,7 @@ COMPANIONS = ("-wal", "-shm", "-journal", ".plist.lock")
 
 
 class World:
-    """A group container, settings and a home below `root`; everything else is the same for all."""
+    """A group container, settings and a home below `root`; everything else is fixed."""
 
     def __init__(self, program, root):
         self.program = pathlib.Path(program).resolve()
