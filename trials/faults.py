@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Fails and kills every operation that writes, at each of its calls of the system, and looks at what
-is left: old or new, whole, honest, and good to go on with.
+"""Makes each system call of every operation that writes fail, and kills the program at each. Checks
+that the data is the old or the new, that errors are reported, and that the operation can be repeated.
 
-usage: faults.py PROGRAM [--operation NAME] [--sample COUNT] [--verbose]
+usage: faults.py PROGRAM [--operation NAME] [--sample COUNT]
 
-The program's own calls on its data are counted once under strace; then each is made to fail, with no
-space and with a faulty device, and the program is killed at each."""
+strace counts the program's calls on its data once; then each fails with ENOSPC and with EIO, and the
+program is killed at each."""
 
 import argparse
 import collections
@@ -19,19 +19,19 @@ import tempfile
 from operations import OPERATIONS
 from world import IDENTIFIER, World
 
-# What may fail. A name that this machine lacks is passed over.
+# Calls that may fail. strace ignores names that this machine lacks.
 FAILING = ("open openat write pwrite64 fsync fdatasync rename renameat renameat2 link linkat mkdir "
            "ftruncate fallocate copy_file_range sendfile syncfs").split()
 KILLED = FAILING + "unlink rmdir fcntl flock pread64 close chmod fchmodat".split()
 ERRORS = ("ENOSPC", "EIO")
 HONEST = (73, 74)  # Cannot create; reading or writing failed.
-# What could not be opened for writing is opened for reading, which may lead to another reason.
+# A store that cannot be opened for writing is opened for reading, which may fail with another code.
 HONEST_OF_OPENING = (*HONEST, 75, 77)
 
-# Settings and a store in the making, which the next one made removes, and an export.
+# Unfinished settings, exports and stores.
 DRAFT = re.compile(r"\.plist\.new$|\.part\d+$|\.vantrel-draft\." + IDENTIFIER.pattern)
 
-Case = collections.namedtuple("Case", "call number error")  # without an error: killed there
+Case = collections.namedtuple("Case", "call number error")  # error None: SIGKILL
 Ending = collections.namedtuple("Ending", "code state answers")
 
 
@@ -42,7 +42,7 @@ def strace(output, calls, *more):
 
 
 def counted_calls(trace, root):
-    """(call, how manieth of its name, the line), for those that touch the data."""
+    """Yields (call, its number among the calls of this name, line) for the calls on the data."""
     numbers = collections.Counter()
     for line in trace.splitlines():
         found = re.match(r"\d+ +(\w+)\(", line)
@@ -55,8 +55,8 @@ def counted_calls(trace, root):
 
 
 def undurable(lines):
-    """Files that were written, and folders that got a name, without being synchronised. What a log
-    beside a store still holds counts as kept."""
+    """Returns written files and folders with new names that were not synchronised. Omits stores that
+    have a WAL."""
     dirty = set()
     for call, _, line in lines:
         paths = re.findall(r'[<"](/[^">]*)', line)
@@ -74,8 +74,7 @@ def undurable(lines):
 
 
 def essential(state):
-    """Without pictures that no record of a store names: what a killed program leaves of them is in
-    nobody's way."""
+    """Returns `state` without pictures that no record names, which a killed program may leave."""
     def counts(path):
         picture = re.fullmatch(r"(.*/)\.(\w+)_SUPPORT/_EXTERNAL_DATA/(.*)", path)
         return not picture or picture[3] in repr(state.get(f"{picture[1]}{picture[2]}.sqlite"))
@@ -83,7 +82,7 @@ def essential(state):
 
 
 class Trial:
-    """One operation: how it goes undisturbed, and its cases."""
+    """One operation: its undisturbed result, and its cases."""
 
     def __init__(self, program, operation, folder):
         self.operation = operation
@@ -95,10 +94,10 @@ class Trial:
         first = self.before.copy_to(self.folder / "first")
         trace = self.folder / "trace"
         self.endings = []
-        # Once, and once more on what that left.
+        # Run it, and repeat it on the result.
         for before in (strace(trace, KILLED), ()):
             done = first.run(*operation.words, before=before)
-            # Asking may change what is asked: a store of an older version.
+            # On a copy: reading may migrate a store of an older version.
             asked = first.copy_to(self.folder / f"asked{len(self.endings)}")
             self.endings.append(Ending(done.returncode, first.state(), asked.answers()))
         self.listing = done.stdout if operation.words[:2] == ["plan", "list"] else None
@@ -110,7 +109,7 @@ class Trial:
                       for call, number, _ in calls if error is None or call in FAILING]
 
     def run(self, case):
-        """(which of the states it left, its exit code, files left over, what is wrong)"""
+        """Returns (index of the resulting state, exit code, leftover files, problems)."""
         with tempfile.TemporaryDirectory(dir=self.folder) as folder:
             world = self.before.copy_to(pathlib.Path(folder) / "data")
             log = pathlib.Path(folder) / "trace"
@@ -127,7 +126,7 @@ class Trial:
                 problems.append(f"was not killed: exit {done.returncode}")
             if done.returncode == 0:
                 lost = undurable(counted_calls(trace, world.root))
-                problems += [f"tells success, not synchronised: {path}" for path in lost]
+                problems += [f"reported success, not synchronised: {path}" for path in lost]
             leftover = None
             if which is not None:
                 leftover, more = self.repeat(world, case, self.endings[which])
@@ -135,7 +134,7 @@ class Trial:
         return which, done.returncode, leftover, problems
 
     def state_of(self, world, case):
-        """Which one it is: 0 old, 1 new. Only a killed program may leave more than that."""
+        """Returns 0 for the old state, 1 for the new. Only a killed program may leave more files."""
         state = world.state()
         if case.error:
             return self.states.index(state) if state in self.states else None
@@ -145,14 +144,14 @@ class Trial:
 
     def dishonesty(self, case, done, which):
         problems = []
-        # Who only lists plans may do so without migrating the store.
+        # `plan list` may succeed without migrating the store.
         if done.returncode == 0 and which != 1 and done.stdout != self.listing:
-            problems.append("tells success")
+            problems.append("reported success")
         if done.returncode not in (0, *(HONEST_OF_OPENING if "open" in case.call else HONEST)):
             problems.append(f"exit {done.returncode}")
         lines = done.stderr.splitlines()
         if done.returncode and not (len(lines) == 1 and lines[0].startswith("vantrel: ")):
-            problems.append(f"tells {lines}")
+            problems.append(f"printed {lines}")
         return problems
 
     def repeat(self, world, case, ending):
@@ -162,11 +161,11 @@ class Trial:
         if not case.error:
             state = essential({path: holds for path, holds in state.items() if not DRAFT.search(path)})
             ending = ending._replace(state=essential(ending.state))
-        problems = [] if code == ending.code else [f"repeated: exit {code}, not {ending.code}"]
+        problems = [] if code == ending.code else [f"repeated: expected exit {ending.code}, got {code}"]
         if state != ending.state:
-            problems.append("repeated: another end")
+            problems.append("repeated: different state")
         if world.answers() != ending.answers:
-            problems.append("repeated: other answers")
+            problems.append("repeated: different answers")
         return leftover, problems
 
 
@@ -177,7 +176,7 @@ def sampled(cases, count):
 
 
 def report(trial, cases, results):
-    """One line of the table, and the first of each kind of problem; how many problems there are."""
+    """Prints a line of the table and up to three problems of each kind. Returns the number of problems."""
     kills = sum(case.error is None for case in cases)
     ends = collections.Counter(which for which, *_ in results)
     late = sum(which == 1 and code > 0 for which, code, *_ in results)
@@ -200,10 +199,10 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program")
     parser.add_argument("--operation", help="only this one")
-    parser.add_argument("--sample", type=int, help="cases of each operation, evenly chosen")
+    parser.add_argument("--sample", type=int, help="run this many cases of each operation, evenly chosen")
     given = parser.parse_args()
     failed = total = 0
-    print(f"{'operation':18} {'fails':>6} {'kills':>6} {'old':>6} {'new':>6} {'told failed':>11}"
+    print(f"{'operation':18} {'fails':>6} {'kills':>6} {'old':>6} {'new':>6} {'late errors':>11}"
           f" {'leftovers':>9}")
     with tempfile.TemporaryDirectory() as folder, \
             concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

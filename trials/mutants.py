@@ -1,12 +1,11 @@
 #!/usr/bin/env python3
-"""Changes one operator or number of the arithmetic at a time and looks whether a test notices.
+"""Changes one operator or number of the arithmetic at a time and checks that a test notices.
 
 usage: mutants.py BUILD-FOLDER [--count N] [--seed N] [--file PATTERN]
 
-The changed source is compiled beside the real one, which stays as it is, and linked into programs of
-its own. A mutant is killed by the tests of its folder, else by any other test, or by taking too long.
-Those that live are printed, but for those that mutants.txt explains: no test can kill what changes
-nothing. Ends with 1 when one lives unexplained."""
+A changed copy of the source, a mutant, is compiled and linked into separate programs. The tests of its
+folder, any other test or a time-out kill it. Exits with 1 if a mutant lives, unless mutants.txt explains
+why no test can notice it."""
 
 import argparse
 import concurrent.futures
@@ -24,9 +23,9 @@ SOURCES = ("src/geo/*.cpp", "src/time/*.cpp", "src/units/*.cpp", "src/store/D*.c
 SWAPS = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "<": "<=", "<=": "<", ">": ">=", ">=": ">",
          "==": "!=", "!=": "==", "&&": "||", "||": "&&", "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=",
          "true": "false", "false": "true"}
-# The formatter puts spaces about every operator of two sides; a number stands on its own.
+# clang-format puts spaces around binary operators.
 SITE = re.compile(r"(?<= )(?:[-+*/%]=?|[<>]=?|[=!]=|&&|\|\|)(?= )|\b(?:true|false)\b|(?<![\w.])\d+(?:\.\d+)?(?:e-?\d+)?f?\b")
-# Whatever is no code to be changed, blanked out.
+# Text that is not changed: comments, literals, directives, static_assert, namespaces.
 OUTSIDE = re.compile(r'//[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])*\'|^#[^\n]*|\bstatic_assert\b[^;]*;|^namespace[^\n]*',
                      re.MULTILINE)
 PROGRAMS = ("vantrel_tests", "vantrel")
@@ -34,7 +33,7 @@ SECONDS = 60
 
 
 def sites(path):
-    """(path, offset, old, new) of every place that can be changed."""
+    """Yields (path, offset, old, new) for every possible change."""
     code = OUTSIDE.sub(lambda match: re.sub(r"[^\n]", " ", match[0]), path.read_text())
     for match in SITE.finditer(code):
         old = match[0]
@@ -47,14 +46,14 @@ def sites(path):
 
 
 class Bench:
-    """Where mutants are built and tried."""
+    """Builds and tests mutants in `folder`."""
 
     def __init__(self, build, folder):
         self.build, self.folder = build, folder
         commands = json.loads((build / "compile_commands.json").read_text())
         self.compilers = {one["file"]: one["command"] for one in commands}
         folder.mkdir(parents=True, exist_ok=True)
-        # All that the programs look for beside themselves, but for those that are made anew.
+        # The programs expect their files next to them; link() replaces the programs.
         for entry in build.iterdir():
             link = folder / entry.name
             link.unlink(missing_ok=True)
@@ -70,7 +69,7 @@ class Bench:
                 suite = name
 
     def compile(self, source, text):
-        """The object file; nothing when it is no valid program."""
+        """Returns the object file; None if `text` does not compile."""
         mutated, made = self.folder / "mutant.cpp", self.folder / "mutant.o"
         mutated.write_text(text)
         words = [word for word in shlex.split(self.compilers[str(source)]) if "ccache" not in word]
@@ -81,7 +80,7 @@ class Bench:
         return made if done.returncode == 0 else None
 
     def link(self, program, made):
-        """The program with the object before its archives, which then have nothing to add."""
+        """Links the program with the object before the archives, which replaces their copy of it."""
         command = subprocess.run(["ninja", "-t", "commands", program], cwd=self.build, check=True,
                                  capture_output=True, text=True).stdout.splitlines()[-1]
         words = shlex.split(command.removeprefix(": && ").split(" && ")[0])
@@ -92,7 +91,7 @@ class Bench:
         subprocess.run([*words[:at], made, *words[at:]], cwd=self.build, check=True, capture_output=True)
 
     def fails(self, command):
-        """Verdict on one test, which runs as the suite runs it."""
+        """Whether a test fails or times out, in the environment of the suite."""
         environment = os.environ | {"QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8", "TZ": "UTC"}
         try:
             return subprocess.run(command, cwd=self.folder, env=environment, timeout=SECONDS,
@@ -110,7 +109,7 @@ class Bench:
         return False
 
     def killed_by(self, folder, made):
-        """What notices: the folder's own tests, other tests, the command line; nothing."""
+        """Returns the kind of test that fails; None if all pass."""
         for program in PROGRAMS:
             self.link(program, made)
         own = suites_of(folder)
@@ -147,7 +146,7 @@ def main():
     random.Random(options.seed).shuffle(everywhere)
     whole = next(path for path, *_ in everywhere)
     if killer := bench.killed_by("", bench.compile(whole, whole.read_text())):
-        sys.exit(f"mutants: {killer} fail on what is unchanged")
+        sys.exit(f"mutants: {killer} fail without a change")
     tried = lives = 0
     for path, offset, old, new in everywhere:
         if tried == options.count:

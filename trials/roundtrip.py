@@ -20,7 +20,7 @@ PICTURES = ("22222222-2222-4222-8222-222222222222", "33333333-3333-4333-8333-333
 
 
 def tables(store):
-    """{table: {key: {column: value}}} and the schema, values byte by byte."""
+    """Returns the schema and {table: {key: {column: value}}}."""
     connection = sqlite3.connect(f"file:{store}?mode=ro", uri=True)
     connection.row_factory = sqlite3.Row
     for pragma, good in (("integrity_check", [("ok",)]), ("foreign_key_check", [])):
@@ -41,7 +41,7 @@ def files(world):
 
 
 def differences(before, after):
-    """{(table, key): (old row, new row)}"""
+    """Returns {(table, key): (old row, new row)} for the rows that differ."""
     assert before.keys() == after.keys(), f"tables: {before.keys() ^ after.keys()}"
     return {(table, key): (before[table].get(key), after[table].get(key))
             for table in before for key in before[table].keys() | after[table].keys()
@@ -54,9 +54,9 @@ def columns(pair):
 
 
 def changed(world, *words, reader):
-    """The differences that a command makes to the store."""
+    """Runs a command. Returns its output, the differences in the store, and the new tables."""
     schema, before = tables(world.store)
-    if reader:  # holds a snapshot while the program writes
+    if reader:  # keeps a snapshot while the program writes
         reader = sqlite3.connect(world.store)
         reader.execute("BEGIN")
         seen = reader.execute("SELECT * FROM ZPLANNING ORDER BY Z_PK").fetchall()
@@ -70,7 +70,7 @@ def changed(world, *words, reader):
 
 
 def check(world, reader=False):
-    """Inserts, edits and deletes a plan, and edits one of the writer's."""
+    """Inserts, edits and deletes a plan, and edits an existing one. Returns the number of edits."""
     kept = files(world)
     before = tables(world.store)[1]
     entity = next(key for key, row in before["Z_PRIMARYKEY"].items() if row["Z_NAME"] == "Planning")
@@ -105,7 +105,7 @@ def check(world, reader=False):
 
 
 def without_moon(world):
-    """Deletes the plan with a picture; nothing of another plan may change."""
+    """Deletes the plan with a picture; other plans must not change. Returns the number of edits."""
     kept = files(world)
     before = tables(world.store)[1]
     moon = next(row for row in before["ZPLANNING"].values() if row["ZNAME"] == "Moon")
@@ -124,7 +124,7 @@ def without_moon(world):
 
 
 def copied(world, target):
-    """The copy of a store, with all its rows and files."""
+    """Copies the store to `target`; all rows and files must be equal. Returns `target`."""
     target.group.mkdir(parents=True)
     world.say("store", "copy", str(world.store), str(target.store))
     assert tables(world.store) == tables(target.store), "copy"
@@ -143,8 +143,8 @@ def migrated(world):
 
 
 def foreign(world):
-    """A newer model's store, written row by row: another entity, unknown columns and metadata, history
-    tables, a trigger, numbered columns, and pictures by a numbered key and a join table."""
+    """Creates a store of a newer model: another entity, unknown columns and metadata, history tables, a
+    trigger, numbered columns, pictures by a numbered key, and a join table."""
     world.group.mkdir(parents=True)
     pictures = world.group / ".Vantrel_SUPPORT" / "_EXTERNAL_DATA"
     pictures.mkdir(parents=True)
