@@ -1,16 +1,17 @@
 #!/usr/bin/env python3
-"""Cuts the power, on paper, at every call of every operation that writes: builds the disks that may be
-left, and looks whether each is readable, old or new, and good to go on with.
+"""Simulates a power cut after every call of every operation that writes: builds the disks that may be
+left, and checks that each is readable, has the old data or the new, and that the operation can be
+repeated.
 
 usage: powercut.py PROGRAM [--operation NAME] [--states COUNT] [--seed N] [--no-sync]
 
-An operation is recorded once under strace. After each recorded call, what was synchronised is on the
-disk; of the rest the disk may have anything: nothing, all, all but one, a part of a write by sectors
-of 512 bytes, names without their data, data without its names. A rename is there or not, never half.
-Changes of a folder need a synchronisation of that folder, as POSIX has it; most file systems keep more.
+strace records an operation once. After each call, synchronised changes are on the disk; of the others
+the disk may have none, all, all but one, a write torn at sectors of 512 bytes, names without data, or
+data without names. A rename is atomic. Changes of a folder require a synchronisation of that folder, as
+in POSIX; most file systems keep more.
 
-Programs write to a store's -shm through memory, where strace does not see it: it is left out, and in
-each disk missing, zeros or noise. SQLite builds it anew from the log."""
+Programs write to a store's -shm through memory, which strace does not see: it is not recorded, and on
+each disk missing, zeros or noise. SQLite rebuilds it from the WAL."""
 
 import argparse
 import collections
@@ -38,9 +39,8 @@ READERS = [["today"], ["plan", "list"], ["store", "info"], ["defaults", "read", 
            ["defaults", "read", "note", "--standard"]]
 
 
-
 def with_leftovers(world):
-    """What stopped programs left: a log that the store needs, a draft, settings, a copy's picture."""
+    """Adds what killed programs leave: a WAL with data, a draft, unfinished settings, a copy's picture."""
     plans(world)
     connection = sqlite3.connect(world.store)
     connection.execute("UPDATE ZPLANNING SET ZNAME = 'In the log' WHERE ZNAME = 'Sun'")
@@ -64,7 +64,7 @@ def journalled(world):
     world.sql("PRAGMA journal_mode = DELETE")
 
 
-# Several operations in a row, without a moment's rest for the disk between them.
+# Several operations in a row, with no other synchronisation than their own.
 IN_A_ROW = [operation.words for operation in OPERATIONS if operation.data is plans]
 SEQUENCES = [
     ("first day", nothing,
@@ -78,20 +78,20 @@ SEQUENCES = [
     ("all in a row", plans, IN_A_ROW), ("with leftovers", with_leftovers, IN_A_ROW),
     ("without a log", journalled, IN_A_ROW)]
 
-# What a call did to the disk. `names` are the entries that it changed, by folder and name.
+# The changes of a call. `names` maps (folder, name) to the new entry; None if removed.
 Data = collections.namedtuple("Data", "file offset bytes")
 Size = collections.namedtuple("Size", "file size")
 Names = collections.namedtuple("Names", "names folder")
-Sync = collections.namedtuple("Sync", "what")  # None: everything
+Sync = collections.namedtuple("Sync", "what")  # None: all files
 
-# A disk that may be left: how many changes were asked for, what became of those that no
-# synchronisation covers, and how the -shm beside each store looks.
+# A disk that may be left: the number of changes before the cut, the fates of those that are not
+# synchronised, and the content of each -shm.
 Cut = collections.namedtuple("Cut", "count fates kind shm")
 KEPT, LOST, TORN, BLANK = range(4)
 
 
 class Disk:
-    """Files and folders by number; 0 is the root. A file is its bytes, a folder its names."""
+    """Files (bytes) and folders (number by name) by number; 0 is the root."""
 
     def __init__(self, root=None):
         self.nodes = [{}]
@@ -112,7 +112,7 @@ class Disk:
         return disk
 
     def tree(self, number=0, path=""):
-        """(path, bytes or None for a folder), of what has a name."""
+        """Yields (path, bytes or None for a folder) for all entries."""
         for name, inner in sorted(self.nodes[number].items()):
             below = f"{path}/{name}".lstrip("/")
             if isinstance(self.nodes[inner], dict):
@@ -140,7 +140,7 @@ class Disk:
                 if draw.random() < 0.5:
                     self.write(change.file, offset, sector)
         elif fate == BLANK:
-            # The file has grown, and its new end was never written.
+            # The file has its new size, but the new end was not written.
             size = len(self.nodes[change.file])
             grown = change.offset + len(change.bytes) - size
             if grown > 0:
@@ -162,7 +162,7 @@ def sectors(change):
 
 
 class Recorder:
-    """Follows a trace on a disk of its own; `changes` are what it did to files below `root`."""
+    """Applies a trace to a copy of the disk; `changes` are the changes of files below `root`."""
 
     def __init__(self, root):
         self.root = str(root)
@@ -170,10 +170,10 @@ class Recorder:
         self.changes = []
 
     def follow(self, trace):
-        self.files = {}  # by descriptor: number (None outside), offset, is it for appending
+        self.files = {}  # by descriptor: number (None outside `root`), offset, whether O_APPEND
         for line in trace.splitlines():
             if "<unfinished" in line:
-                raise ValueError("two threads at once cannot be recorded")
+                raise ValueError("concurrent threads cannot be recorded")
             found = re.match(r"\d+ +(\w+)\((.*)\) += (-?\d+)", line)
             if found and int(found[3]) >= 0:
                 call, arguments, result = found[1], found[2].split(", "), int(found[3])
@@ -185,7 +185,7 @@ class Recorder:
         self.changes.append(change)
         self.disk.apply(change)
 
-    # Where a path leads: (folder, name), (None, None) outside.
+    # Returns (folder, name); (None, None) outside `root` and for a -shm.
     def place(self, folder, path):
         path = text(path)
         if not path.startswith("/"):
@@ -219,7 +219,7 @@ class Recorder:
         return None if folder is None else self.disk.nodes[folder].get(name)
 
     def make(self, node, folder, name):
-        """A new file or folder, which may have no name."""
+        """Creates a file or folder; without an entry if `name` is None. Returns its number."""
         self.disk.nodes.append(node)
         number = len(self.disk.nodes) - 1
         if name:
@@ -331,7 +331,7 @@ def descriptor(argument):
 
 
 def settled(changes):
-    """For each change the number of the synchronisation that puts it on the disk, or none."""
+    """Returns, by the index of a change, the index of the synchronisation that covers it."""
     found = {}
     waiting = []
     for i, change in enumerate(changes):
@@ -349,7 +349,7 @@ def covering(change):
 
 
 class Recording:
-    """One operation or several in a row: their changes, what they lead to and what readers tell."""
+    """One operation or several in a row: their changes, the resulting data and the output of readers."""
 
     def __init__(self, program, name, prepare, commands, folder, is_synchronised=True):
         self.name = name
@@ -361,7 +361,7 @@ class Recording:
         place = self.before.copy_to(self.folder / "recorded")
         recorder = Recorder(place.root)
         self.start = recorder.disk.copy()
-        self.ends = [0]  # after how many changes each command told that it was done
+        self.ends = [0]  # the number of changes when each command had exited
         self.stages = []
         self.add_stage(place)
         trace = self.folder / "trace"
@@ -369,7 +369,7 @@ class Recording:
             place.say(*words, before=strace(trace))
             recorder.follow(trace.read_text(encoding="ascii"))
             if list(recorder.disk.tree()) != list(Disk(place.root).tree()):
-                raise ValueError(f"{name}: the recording of {words} leads elsewhere")
+                raise ValueError(f"{name}: the recording of {words} differs from the files")
             self.ends.append(len(recorder.changes))
             self.add_stage(place)
             again = place.copy_to(self.folder / f"again{number}")
@@ -380,34 +380,34 @@ class Recording:
             self.changes = [change for change in self.changes if not isinstance(change, Sync)]
             self.ends = [sum(not isinstance(change, Sync) for change in recorder.changes[:end])
                          for end in self.ends]
-        # Whatever is created has its number from the start.
+        # Reserve numbers for files and folders that are created later.
         self.start.nodes += [type(node)() for node in recorder.disk.nodes[len(self.start.nodes):]]
-        self.base = 0, self.start  # after how many changes, the disk that was built last
+        self.base = 0, self.start  # cache: number of changes, the disk after them
         self.settled = settled(self.changes)
 
     def add_stage(self, place):
-        """What is stored. Where there is no store, a cut may leave one without a record, of which readers
-        tell otherwise."""
+        """Adds the present state. If there is no store, a cut may leave an empty one, for which readers
+        print something else."""
         number = len(self.stages)
         places = [place.copy_to(self.folder / f"stage{number}")]
         if not place.store.exists():
             places.append(place.copy_to(self.folder / f"empty{number}"))
             places[1].say("plan", "add", "--name", "removed")
             places[1].say("plan", "remove", IDENTIFIER.search(places[1].say("plan", "list", "--json"))[0])
-        self.stages.append({"held": held(place), "places": places, "told": {}})
+        self.stages.append({"held": held(place), "places": places, "outputs": {}})
 
-    def told(self, number, first):
-        """What readers tell of a stage, by who is asked first: a reader may migrate the store."""
+    def outputs(self, number, first):
+        """Returns the output of the readers, starting with `first`: a reader may migrate the store."""
         stage = self.stages[number]
-        if first not in stage["told"]:
-            stage["told"][first] = []
+        if first not in stage["outputs"]:
+            stage["outputs"][first] = []
             for place in stage["places"]:
                 with tempfile.TemporaryDirectory(dir=self.folder) as folder:
-                    stage["told"][first].append(told_by_readers(place.copy_to(folder), first))
-        return stage["told"][first]
+                    stage["outputs"][first].append(outputs_of_readers(place.copy_to(folder), first))
+        return stage["outputs"][first]
 
     def cuts(self, draw, number):
-        """The disks that differ, as many as wanted; up to half of them are left after a command."""
+        """Returns up to `number` different disks; up to half of them are cuts after a command."""
         seen = set()
         found = []
         counts = range(len(self.changes) + 1)
@@ -416,7 +416,7 @@ class Recording:
         for count in counts:
             for kind, fates in self.fates(count, draw):
                 cut = Cut(count, fates, kind, None)
-                # The same disk is another case before and after a command has ended.
+                # The same disk is a different case before and after a command has exited.
                 key = hash(tuple(self.disk(cut).tree())), self.stages_at(count)
                 if key not in seen:
                     seen.add(key)
@@ -429,7 +429,7 @@ class Recording:
         return found
 
     def fates(self, count, draw):
-        """What may become of the changes that are not on the disk for sure, by number."""
+        """Yields (kind, fates by index) for the changes that are not synchronised."""
         loose = [i for i in range(count) if not isinstance(self.changes[i], Sync)
                  and self.settled.get(i, count) >= count]
         names = [i for i in loose if isinstance(self.changes[i], Names)]
@@ -457,10 +457,10 @@ class Recording:
                                 for i in loose if draw.random() < 0.5)
 
     def disk(self, cut):
-        """Drawn by the cut itself, so that it is the same each time."""
+        """Returns the disk of a cut; random choices depend on the cut only."""
         draw = random.Random(repr(cut[:3]))
         fates = dict(cut.fates)
-        # Up to the first change with another fate, disks are alike.
+        # Disks are equal up to the first change that is not kept.
         first = min([cut.count, *fates])
         done, base = self.base if self.base[0] <= first else (0, self.start)
         base = base.copy()
@@ -474,12 +474,12 @@ class Recording:
         return disk
 
     def stages_at(self, count):
-        """Which are allowed: the old one and the new one, or what was told to be done."""
+        """Returns the allowed stages: old and new, or after a command has exited only the new."""
         command = max(i for i, end in enumerate(self.ends) if end <= count)
         return (command,) if self.ends[command] == count else (command, command + 1)
 
     def place(self, cut, folder):
-        """The disk after the cut as files."""
+        """Writes the disk after the cut to `folder`."""
         root = pathlib.Path(folder)
         draw = random.Random(repr(cut))
         for path, held_bytes in self.disk(cut).tree():
@@ -493,7 +493,7 @@ class Recording:
         return World(self.program, root)
 
     def examine(self, cut):
-        """(which stage it left, what is wrong)"""
+        """Returns (stage, problems)."""
         draw = random.Random(repr(cut))
         problems = []
         with tempfile.TemporaryDirectory(dir=self.folder) as folder:
@@ -502,18 +502,18 @@ class Recording:
             place = self.place(cut, pathlib.Path(folder) / "read")
             try:
                 state = held(place)
-            except Exception as error:  # whatever a reader of damaged files throws
+            except Exception as error:  # reading corrupt files may raise anything
                 return None, [f"damaged: {error}"]
             stages = [i for i in self.stages_at(cut.count) if self.stages[i]["held"] == state]
             if not stages:
                 known = [i for i, stage in enumerate(self.stages) if stage["held"] == state]
-                return None, [f"lost: as after {known[-1]} commands" if known else "neither old nor new"]
+                return None, [f"lost: state after {known[-1]} commands" if known else "neither old nor new"]
             first = draw.randrange(len(READERS))
-            told = told_by_readers(place, first)
-            expected = [known for i in stages for known in self.told(i, first)]
-            if told not in expected:
-                problems += [f"{' '.join(READERS[i])}: {told[i][:1] + told[i][2:]}, not {expected[0][i][0]}"
-                             for i in told if all(told[i] != known[i] for known in expected)]
+            outputs = outputs_of_readers(place, first)
+            expected = [known for i in stages for known in self.outputs(i, first)]
+            if outputs not in expected:
+                problems += [f"{' '.join(READERS[i])}: {outputs[i][:1] + outputs[i][2:]}, not {expected[0][i][0]}"
+                             for i in outputs if all(outputs[i] != known[i] for known in expected)]
                 problems = problems or ["readers differ"]
             place = self.place(cut, pathlib.Path(folder) / "repeat")
             problems += self.repeat(place, cut, stages)
@@ -522,28 +522,28 @@ class Recording:
     def repeat(self, place, cut, stages):
         command = min(self.stages_at(cut.count)[0], len(self.commands) - 1)
         done = place.run(*self.commands[command])
-        # On what it leads from, to what it leads to.
+        # The results on the state before the command and on the state after it.
         ends = [self.stages[i + 1]["held"] if i == command else self.stages[i]["again"] for i in stages]
         state = held(place)
         if state not in ends:
-            return [f"repeated: another end, exit {done.returncode} {done.stderr.strip()}"]
+            return [f"repeated: different state, exit {done.returncode} {done.stderr.strip()}"]
         return []
 
 
 def held(world):
-    """What is stored, without what is in nobody's way."""
+    """Returns the stored data, without harmless leftovers."""
     paths = [path for path in world.files() if not DRAFT.search(str(path.relative_to(world.root)))]
     state = {str(path.relative_to(world.root)): content(path) for path in paths}
     return essential({path: holds for path, holds in state.items() if not is_empty_store(holds)})
 
 
-def told_by_readers(world, first):
-    told = {}
+def outputs_of_readers(world, first):
+    outputs = {}
     for i in itertools.chain(range(first, len(READERS)), range(first)):
         done = world.run(*READERS[i])
         texts = [IDENTIFIER.sub("*", text.replace(str(world.root), "")) for text in (done.stdout, done.stderr)]
-        told[i] = (done.returncode, re.sub(r"Size .*", "", texts[0]), texts[1])
-    return told
+        outputs[i] = (done.returncode, re.sub(r"Size .*", "", texts[0]), texts[1])
+    return outputs
 
 
 def strace(output):
@@ -553,7 +553,7 @@ def strace(output):
 
 
 def report(recording, cuts, results):
-    """One line of the table, and the first of each kind of problem; how many disks have one."""
+    """Prints a line of the table and two problems of each kind. Returns the number of faulty disks."""
     ends = collections.Counter(which for which, _ in results)
     wrong = sum(bool(problems) for _, problems in results)
     last = len(recording.commands)
@@ -572,7 +572,7 @@ def report(recording, cuts, results):
     return wrong
 
 
-RECORDINGS = []  # for the processes of the pool, which inherit it
+RECORDINGS = []  # inherited by the processes of the pool
 
 
 def examine(number, cut):
@@ -583,10 +583,10 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program")
     parser.add_argument("--operation", help="only this one")
-    parser.add_argument("--states", type=int, default=1000, help="at most so many of each operation")
+    parser.add_argument("--states", type=int, default=1000, help="maximum number of disks of each operation")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--no-sync", action="store_true",
-                        help="as if the disk ignored every synchronisation: has to find faults")
+                        help="ignore all synchronisations: must find faults")
     given = parser.parse_args()
     if os.path.isdir("/dev/shm"):
         tempfile.tempdir = "/dev/shm"

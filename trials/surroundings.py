@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""The program where the system is against it: no space, nothing to write to, files that vanish, are
-replaced or lead elsewhere, other owners, wrong clocks, other versions.
+"""Runs the program in hostile surroundings: full and read-only disks, files that vanish, are replaced or
+are links, other owners, wrong clocks, other versions.
 
 usage: surroundings.py PROGRAM
 
-Runs itself in a mount namespace of its own, for the small and the read-only disk."""
+Restarts itself in a new mount namespace, to mount the small and the read-only disk."""
 
 import concurrent.futures
 import os
@@ -24,9 +24,9 @@ from world import World
 NOBODY = ("setpriv", "--reuid", "65534", "--regid", "65534", "--clear-groups")
 
 
-def require(condition, *told):
+def require(condition, *message):
     if not condition:
-        raise AssertionError(" ".join(map(str, told)))
+        raise AssertionError(" ".join(map(str, message)))
 
 
 def require_failure(done, codes, words):
@@ -40,7 +40,7 @@ def mount(*words):
 
 
 def each_operation(world, disturb, codes, calm):
-    """Every operation with its data on a small disk, while it is disturbed and after that."""
+    """Runs every operation with its data on a small disk, after `disturb` and, if it failed, after `calm`."""
     refused = 0
     for operation in OPERATIONS:
         place = World(world.program, world.root / operation.name.replace(" ", "-"))
@@ -49,7 +49,7 @@ def each_operation(world, disturb, codes, calm):
             refused += disturbed(place, operation, disturb, codes, calm) != 0
         finally:
             subprocess.run(["umount", "--lazy", str(place.root)], check=True)
-    require(refused > len(OPERATIONS) / 2, "only", refused, "operations were refused")
+    require(refused > len(OPERATIONS) / 2, "only", refused, "operations failed")
 
 
 def disturbed(place, operation, disturb, codes, calm):
@@ -60,7 +60,7 @@ def disturbed(place, operation, disturb, codes, calm):
     kept = {path: held for path, held in place.state().items() if path != "filler"}
     if done.returncode:
         require_failure(done, codes, [operation.name])
-        require(kept == before, operation.name, "changed something")
+        require(kept == before, operation.name, "changed data")
     calm(place)
     if done.returncode:
         place.say(*operation.words)
@@ -86,7 +86,7 @@ def a_read_only_disk(world):
 
 
 def while_it_runs(world, words, disturb):
-    """How runs end when something happens at a call on the data, at each fourth of them."""
+    """Yields (result, world) of runs with `disturb` during a call on the data, for every fourth call."""
     trace = world.root / "trace"
     world.run(*words, before=faults.strace(trace, faults.KILLED))
     calls = list(faults.counted_calls(trace.read_text(encoding="utf-8"), world.group))
@@ -113,7 +113,7 @@ def a_folder_that_vanishes(world):
 
 
 def a_store_replaced_under_a_reader(world):
-    """Another file in its place, or its content restored from a copy: one or the other is read."""
+    """Replaces the file, or restores its content from another store: one or the other is read."""
     plans(world)
     other = World(world.program, world.root / "other")
     other.say("plan", "add", "--name", "Comet")
@@ -175,17 +175,16 @@ def clocks_far_away(world):
 
 
 def other_versions(world):
-    """A store of the version before is brought up while that one's records still come in; a newer one
-    stays as it is."""
+    """An older version adds records after the migration; a store of a newer version is not changed."""
     older(world)
     world.say("plan", "list")
     world.sql("UPDATE Z_PRIMARYKEY SET Z_MAX = Z_MAX + 1 WHERE Z_NAME = 'Planning';"
               "INSERT INTO ZPLANNING (Z_PK, Z_ENT, Z_OPT, ZNAME) SELECT Z_MAX, Z_ENT, 1, 'Old hand'"
               " FROM Z_PRIMARYKEY WHERE Z_NAME = 'Planning'")
-    require("Old hand" in world.say("plan", "list"), "what the older version added is not there")
+    require("Old hand" in world.say("plan", "list"), "the plan of the older version is missing")
     world.say("store", "identifiers")
     require("null" not in re.findall('"uniqueIdentifier": (.*),', world.say("plan", "list", "--json")),
-            "no identifier for what the older version added")
+            "the plan of the older version has no identifier")
     world.sql("UPDATE Z_METADATA SET Z_VERSION = 2")
     before = world.state()
     for operation in OPERATIONS:
@@ -214,35 +213,35 @@ def links_in_place_of_files(world):
                     require_failure(done, (65, 66, *faults.HONEST_OF_OPENING), [name, *words])
             held = victim.read_bytes() if victim.exists() else None
             require(held == victim_content or not victim_content and not held,
-                    name, "leads to a file that was changed")
+                    name, "is a link, and its target was changed")
 
 
 def other_owners(world):
     if os.getuid() != 0 or subprocess.run([*NOBODY, "true"], check=False).returncode:
-        print("  (not tried: only root can be another user)")
+        print("  (not tested: only root can run as another user)")
         return
     plans(world)
     os.chmod(world.root, 0o755)
     for parent in world.root.parents:
-        require(parent.stat().st_mode & 0o1, parent, "is closed to other users: set TMPDIR")
+        require(parent.stat().st_mode & 0o1, parent, "is not accessible to other users: set TMPDIR")
     closed = ["plan", "list"], ["plan", "add", "--name", "x"], ["defaults", "write", "a", "b"]
     before = world.state()
     for words in closed:
         require_failure(world.run(*words, before=NOBODY), (73, 74, 77), ["closed", *words])
     for path in [world.group, *world.group.rglob("*")]:
         os.chmod(path, 0o555 if path.is_dir() else 0o444)
-    require(world.run("plan", "list", before=NOBODY).returncode == 0, "may be read, and is not")
+    require(world.run("plan", "list", before=NOBODY).returncode == 0, "a readable store is not listed")
     shared = world.root / "shared"
     shared.mkdir()
     os.chmod(shared, 0o777)
     require(world.run("store", "copy", str(world.store), str(shared / "Copy.sqlite"), before=NOBODY).returncode == 0,
-            "may be read, and is not copied")
+            "a readable store is not copied")
     pictures = {path.name for path in shared.glob(".Copy_SUPPORT/_EXTERNAL_DATA/*")}
     require(pictures == {PICTURE}, "copied without the picture")
     shutil.rmtree(shared)
     for words in closed[1:]:
         require_failure(world.run(*words, before=NOBODY), (73, 74, 77), ["readable", *words])
-    require(world.state() == before, "another user changed something")
+    require(world.state() == before, "another user changed data")
     shutil.rmtree(world.group)
     world.group.mkdir()
     os.chmod(world.group, 0o777)
@@ -250,7 +249,7 @@ def other_owners(world):
     world.say("plan", "add", "--name", "x")
     world.say("defaults", "write", "a", "b")
     for path in world.group.rglob("*"):
-        require(not path.stat().st_mode & 0o77, path.name, "is open to others")
+        require(not path.stat().st_mode & 0o77, path.name, "is accessible to others")
 
 
 def main():
@@ -267,11 +266,11 @@ def main():
             os.chmod(folder, 0o755)
             try:
                 scenario(World(program, pathlib.Path(folder) / "data"))
-                told = "passed"
+                verdict = "passed"
             except AssertionError as error:
-                told = f"FAILED: {error}"
+                verdict = f"FAILED: {error}"
                 failed += 1
-        print(f"{scenario.__name__.replace('_', ' ')}: {told}", flush=True)
+        print(f"{scenario.__name__.replace('_', ' ')}: {verdict}", flush=True)
     return 1 if failed else 0
 
 
