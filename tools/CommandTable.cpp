@@ -11,7 +11,7 @@ namespace vantrel::tools {
 
 namespace {
 
-/// "auto|always|never" as words; nothing when the text is one word.
+/// Returns the words of "auto|always|never"; empty if `text` is one word.
 std::vector<std::string> alternatives(const std::string& text) {
   std::vector<std::string> words;
   std::istringstream stream(text);
@@ -55,7 +55,7 @@ void addCommands(const CLI::App& parser, const std::string& above, CommandTable&
   command.description = parser.get_description();
   for (const auto* option : parser.get_options()) {
     if (option->get_group().empty()) continue;  // hidden
-    // Help is the same everywhere; the program's own entry tells of it.
+    // Help is the same everywhere; the program's entry describes it.
     if (option == parser.get_help_ptr() && !above.empty()) continue;
     (option->get_positional() ? command.arguments : command.options)
         .push_back(tableOption(*option));

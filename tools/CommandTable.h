@@ -9,12 +9,12 @@ class App;
 
 namespace vantrel::tools {
 
-/// What a shell offers where a value is to be typed.
+/// What completion offers for a value.
 enum class Offer { kNothing, kWords, kFile, kPlan, kZone };
 
 /// An option, or an argument without a name.
 struct TableOption {
-  std::vector<std::string> names;  ///< "-q", "--quiet"; of an argument its one word.
+  std::vector<std::string> names;  ///< "-q", "--quiet"; one name for an argument.
   std::string value;               ///< "DEGREES"; empty for a flag.
   bool isValueOptional = false;
   bool isRequired = false;
@@ -23,7 +23,7 @@ struct TableOption {
   std::vector<std::string> words;  ///< For Offer::kWords.
 };
 
-/// One command with what only it knows; what those above it know holds for it too.
+/// A command with its own options and arguments; it also accepts the options of those above it.
 struct TableCommand {
   std::string path;  ///< "vantrel plan add"
   std::string description;
@@ -34,13 +34,13 @@ struct TableCommand {
   std::string above() const;  ///< "vantrel plan"; empty for the program.
 };
 
-/// The program first, every command behind the one above it.
+/// The program first, each command after the one above it.
 using CommandTable = std::vector<TableCommand>;
 
-/// Reads what a parser knows.
+/// Returns the commands, options and arguments of a parser.
 CommandTable commandTable(const CLI::App& program);
 
-/// The commands right below `command`.
+/// Returns the direct subcommands of `command`.
 CommandTable commandsBelow(const CommandTable& table, const TableCommand& command);
 
 }  // namespace vantrel::tools

@@ -54,7 +54,7 @@ class ModelArchive {
                           const EntityDescription& entity);
   Object addDefault(const AttributeDescription& attribute);
   void addIndexes(const EntityDescription& entity, Object object);
-  /// Equal texts are one object.
+  /// Returns the same object for equal texts.
   Object addString(const std::string& text);
   Object addText(const std::string& text) { return text.empty() ? Object() : addString(text); }
   Object addArray(std::span<const Object> elements,
@@ -200,7 +200,7 @@ VersionHash sha256(std::span<const std::byte> content) {
   return hash;
 }
 
-/// All that decides how an entity's rows are stored, and nothing else: indexes, defaults and delete
+/// Returns only what determines how the rows of an entity are stored: indexes, defaults and delete
 /// rules may change without making stores foreign.
 std::string canonicalText(const EntityDescription& entity) {
   std::string text = "entity " + entity.name + "\n";
@@ -220,7 +220,7 @@ std::string canonicalText(const EntityDescription& entity) {
   return text;
 }
 
-/// Base 64 of the SHA-256 over all hashes in the order of the entities' names.
+/// Returns the Base64 SHA-256 of all hashes in the order of the entities' names.
 std::string checksum(const ManagedObjectModel::VersionHashes& hashes) {
   Data all;
   for (const auto& [name, hash] : hashes) all.insert(all.end(), hash.begin(), hash.end());

@@ -5,13 +5,13 @@
 
 namespace vantrel {
 
-/// A model's version as a keyed archive, the content of a .mom file.
+/// Returns a version of the model as a keyed archive, the content of a .mom file.
 Data archivedModel(const ModelVersion& version);
 
-/// The file name of a version, without its suffix.
+/// Returns the file name of a version, without its suffix.
 std::string versionName(const ModelSource& source, const ModelVersion& version);
 
-/// What VersionInfo.plist says: the current version, and each version's hashes.
+/// Returns the content of VersionInfo.plist: the current version, and each version's hashes.
 PropertyList versionInfo(const ModelSource& source);
 
 }  // namespace vantrel

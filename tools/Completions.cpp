@@ -9,7 +9,7 @@ namespace {
 
 using Lines = std::string;
 
-/// In single quotes, for any of the shells.
+/// Returns `text` in single quotes, for any of the shells.
 std::string shellQuoted(const std::string& text, const std::string& quote = "'\\''") {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? quote : std::string(1, c);
@@ -36,7 +36,7 @@ bool offers(const CommandTable& table, Offer offer) {
   });
 }
 
-/// The options behind which a value must stand, so that no value is taken for a command.
+/// Returns the options that require a value, so that no value is taken for a command.
 std::vector<std::string> optionsWithValue(const CommandTable& table) {
   std::set<std::string> names;
   for (const auto& command : table) {
@@ -57,11 +57,11 @@ std::vector<std::string> pathsBelowProgram(const CommandTable& table) {
   return paths;
 }
 
-/// What a person who completes a value reads of it.
+/// Shell commands that print the completions of a value.
 constexpr const char* kZoneNames = "awk '/^[A-Z]/ { print $3 }' /usr/share/zoneinfo/zone.tab";
 constexpr const char* kPlanIdentifiers = "vantrel plan list --plain 2>/dev/null | cut -f 1";
 
-/// How a shell writes each of the offers that are no words.
+/// A shell's text for each kind of offer except words.
 struct Offers {
   std::string nothing;
   std::string file;
@@ -82,7 +82,7 @@ std::string bashOffer(const TableOption& option) {
                                        : kOffers.of(option.offer);
 }
 
-/// What the options of one command want behind them, as a part of a `case`.
+/// Returns the part of a `case` that sets the offer for the values of a command's options.
 Lines bashValues(const TableCommand& command) {
   Lines lines;
   for (const auto& option : command.options) {
@@ -137,14 +137,14 @@ std::string replaced(std::string text, const std::string& word, const std::strin
   return text;
 }
 
-/// What zsh calls for a value: "(auto always)", "_files".
+/// Returns the zsh action for a value: "(auto always)", "_files".
 std::string zshAction(const TableOption& option) {
   static const Offers kOffers = {" ", "_files", "_vantrel_plans", "_time_zone"};
   return option.offer == Offer::kWords ? "(" + joined(option.words, " ") + ")"
                                        : kOffers.of(option.offer);
 }
 
-/// Within a specification, brackets and colons would end a part of it.
+/// Escapes brackets and colons, which end a part of a zsh specification.
 std::string zshText(std::string text) {
   std::replace(text.begin(), text.end(), '[', '(');
   std::replace(text.begin(), text.end(), ']', ')');
@@ -182,7 +182,7 @@ Lines zshArguments(const TableCommand& command) {
   return lines;
 }
 
-/// The options of the command and of all above it.
+/// Returns the options of the command and of all above it.
 Lines zshOptionsAt(const CommandTable& table, const TableCommand& command) {
   Lines lines = zshOptions(command);
   for (const auto& one : table) {
@@ -284,7 +284,7 @@ end
 )sh";
 
 std::string heading(const std::string& program) {
-  return "# Completions of " + program + ", made from its own table of commands and options.\n";
+  return "# Completions of " + program + ", generated from its table of commands and options.\n";
 }
 
 }  // namespace
@@ -309,7 +309,7 @@ std::string bashCompletions(const CommandTable& table) {
   }
   lines +=
       "  done\n"
-      "  # The shell takes --option=value for three words.\n"
+      "  # The shell splits --option=value into three words.\n"
       "  if [[ $cur == '=' ]]; then\n    cur=''\n"
       "  elif [[ $prev == '=' ]]; then\n    prev=${COMP_WORDS[COMP_CWORD - 2]}\n  fi\n"
       "  case \"$at $prev\" in\n";

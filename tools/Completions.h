@@ -6,8 +6,8 @@
 
 namespace vantrel::tools {
 
-/// What a shell reads to complete the program's commands, options and values. Plans are asked of
-/// the program itself when they are to be completed.
+/// Return the completion script of a shell for the program's commands, options and values. To
+/// complete plans, the script runs the program.
 std::string bashCompletions(const CommandTable& table);
 std::string zshCompletions(const CommandTable& table);
 std::string fishCompletions(const CommandTable& table);

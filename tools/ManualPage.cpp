@@ -8,8 +8,7 @@ namespace vantrel::tools {
 
 namespace {
 
-/// Plain text as the language wants it; the few characters beyond ASCII that descriptions use have
-/// names there.
+/// Returns plain text escaped for man(7); the non-ASCII characters of descriptions become escapes.
 std::string escaped(const std::string& text) {
   static const std::map<std::string, std::string> kNames = {
       {"…", "..."}, {"°", "\\(de"}, {"’", "\\(cq"}, {"“", "\\(lq"}, {"”", "\\(rq"}, {"–", "\\(en"}};
@@ -76,7 +75,7 @@ std::string sections(const CommandTable& table) {
   return text;
 }
 
-/// Readers complain of long lines; a request must stay on one, and so must what is not filled.
+/// Breaks long lines, of which linters warn, except requests and unfilled text.
 std::string wrapped(const std::string& page) {
   constexpr std::size_t kWidth = 80;
   std::string result;
@@ -86,7 +85,7 @@ std::string wrapped(const std::string& page) {
     if (line == ".nf" || line == ".fi") isFilled = line == ".fi";
     while (isFilled && line.size() > kWidth && !line.starts_with('.')) {
       const auto space = line.rfind(' ', kWidth);
-      // A line that begins with a dot would be a request.
+      // Do not begin a line with a dot: it would be a request.
       if (space == std::string::npos || line.compare(space + 1, 1, ".") == 0) break;
       result += line.substr(0, space) + "\n";
       line = line.substr(space + 1);

@@ -6,9 +6,9 @@
 
 namespace vantrel::tools {
 
-/// A page in the man(7) language. In `prose`, a line "@OPTIONS@" stands for the program's own
-/// options, "@COMMANDS@" for every command with its arguments and options; "@DATE@" and "@VERSION@"
-/// may stand anywhere.
+/// Returns a page in the man(7) language. In `prose`, replaces a line "@OPTIONS@" by the program's
+/// options, "@COMMANDS@" by all commands with their arguments and options, and "@DATE@" and
+/// "@VERSION@" anywhere.
 std::string manualPage(const std::string& prose, const CommandTable& table, const std::string& date,
                        const std::string& version);
 

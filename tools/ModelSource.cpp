@@ -46,7 +46,7 @@ Value number(const std::string& text) {
   return error == std::errc() && rest == end ? Value(value) : Value();
 }
 
-/// Absent for a type that has no default here, and for a text that does not fit.
+/// Absent if the type cannot have a default or `text` is invalid.
 Value defaultValue(const std::string& text, AttributeType type) {
   switch (type) {
     case AttributeType::kString:
@@ -67,7 +67,7 @@ Value defaultValue(const std::string& text, AttributeType type) {
   }
 }
 
-/// What follows the fixed words of a statement: words, and words with a value.
+/// The options of a statement: words, and words with a value.
 class Options {
  public:
   explicit Options(std::istringstream& words) {
@@ -82,7 +82,7 @@ class Options {
     const auto found = given_.extract(name);
     return found ? std::optional(found.mapped()) : std::nullopt;
   }
-  /// An option that nobody took.
+  /// Returns an option that was not queried; `nullopt` if there is none.
   std::optional<std::string> unknown() const {
     return given_.empty() ? std::nullopt : std::optional(given_.begin()->first);
   }
@@ -96,7 +96,7 @@ class Parser {
   Expected<ModelSource> parse(std::string_view text);
 
  private:
-  /// Each takes a statement's words after its first; the result is what is wrong, or empty.
+  /// Each parses a statement's words after the first and returns the error, or an empty text.
   std::string statement(std::istringstream& words);
   std::string readEntity(std::istringstream& words);
   std::string readAttribute(std::istringstream& words);
@@ -108,7 +108,7 @@ class Parser {
   std::string relationshipsWithoutEnd() const;
 
   ModelSource source_;
-  std::string entityName_;  ///< Of the entity whose properties are being read.
+  std::string entityName_;  ///< The entity whose properties are being parsed.
 };
 
 std::string Parser::statement(std::istringstream& words) {
@@ -118,24 +118,24 @@ std::string Parser::statement(std::istringstream& words) {
   if (kind == "relationship") return readRelationship(words);
   if (kind == "entity") return readEntity(words);
   if (kind == "model" && source_.name.empty()) {
-    return words >> source_.name ? "" : "the model needs a name";
+    return words >> source_.name ? "" : "expected the name of the model";
   }
   if (kind == "versions" && source_.versions.empty()) {
     for (std::string identifier; words >> identifier;) {
       source_.versions.push_back({identifier, {}});
     }
-    return source_.versions.empty() ? "there must be a version" : "";
+    return source_.versions.empty() ? "expected a version" : "";
   }
-  return "\"" + kind + "\" is no statement here";
+  return "unknown statement \"" + kind + "\"";
 }
 
 std::string Parser::readEntity(std::istringstream& words) {
   EntityDescription entity;
-  if (!(words >> entity.name)) return "the entity needs a name";
-  if (source_.versions.empty()) return "the versions must stand before the entities";
+  if (!(words >> entity.name)) return "expected the name of the entity";
+  if (source_.versions.empty()) return "expected versions before the entities";
   for (const auto& version : source_.versions) {
     for (const auto& other : version.entities) {
-      if (other.name == entity.name) return "there are two entities of this name";
+      if (other.name == entity.name) return "duplicate entity";
     }
   }
   entityName_ = entity.name;
@@ -146,24 +146,23 @@ std::string Parser::readEntity(std::istringstream& words) {
   });
 }
 
-/// Calls `add` with each version from that on which the option "since" names; it tells whether all
-/// is well.
+/// Calls `add` with each version from that of the option "since" on. Returns the error.
 template <typename Add>
 std::string Parser::addSince(Options& options, Add add) {
   const auto since = options.take("since");
-  if (const auto unknown = options.unknown()) return "\"" + *unknown + "\" is no option here";
+  if (const auto unknown = options.unknown()) return "unknown option \"" + *unknown + "\"";
   bool reached = !since;
   for (auto& version : source_.versions) {
     reached = reached || version.identifier == since;
-    if (reached && !add(version)) return "there are two properties of this name";
+    if (reached && !add(version)) return "duplicate property";
   }
-  return reached ? "" : "there is no version " + *since;
+  return reached ? "" : "unknown version " + *since;
 }
 
-/// Calls `add` with the last entity of each version that has it and the property.
+/// Calls `add` with the last entity in each version that has the entity and the property.
 template <typename Add>
 std::string Parser::addProperty(Options& options, const std::string& name, Add add) {
-  if (entityName_.empty()) return "a property must stand below its entity";
+  if (entityName_.empty()) return "expected an entity before the property";
   return addSince(options, [&](ModelVersion& version) {
     if (version.entities.empty() || version.entities.back().name != entityName_) return true;
     auto& entity = version.entities.back();
@@ -180,9 +179,9 @@ std::string Parser::addProperty(Options& options, const std::string& name, Add a
 std::string Parser::readAttribute(std::istringstream& words) {
   AttributeDescription attribute;
   std::string typeName;
-  if (!(words >> attribute.name >> typeName)) return "the attribute needs a name and a type";
+  if (!(words >> attribute.name >> typeName)) return "expected a name and a type";
   const auto type = lookUp(kTypes, typeName);
-  if (!type) return "\"" + typeName + "\" is no type";
+  if (!type) return "unknown type \"" + typeName + "\"";
   Options options(words);
   attribute.type = *type;
   attribute.isOptional = options.has("optional");
@@ -194,7 +193,7 @@ std::string Parser::readAttribute(std::istringstream& words) {
   }
   if (const auto text = options.take("default")) {
     attribute.defaultValue = defaultValue(*text, *type);
-    if (attribute.defaultValue == Value()) return "\"" + *text + "\" is no default for this type";
+    if (attribute.defaultValue == Value()) return "invalid default \"" + *text + "\"";
   }
   return addProperty(options, attribute.name, [&](EntityDescription& entity) {
     entity.attributes.push_back(attribute);
@@ -206,12 +205,12 @@ std::string Parser::readRelationship(std::istringstream& words) {
   RelationshipDescription relationship;
   std::string count;
   if (!(words >> relationship.name >> count >> relationship.destinationEntityName)) {
-    return "the relationship needs a name, one or many, and an entity";
+    return "expected a name, one or many, and an entity";
   }
-  if (count != "one" && count != "many") return "\"" + count + "\" is neither one nor many";
+  if (count != "one" && count != "many") return "expected one or many, got \"" + count + "\"";
   Options options(words);
   const auto rule = lookUp(kDeleteRules, options.take("delete").value_or("nullify"));
-  if (!rule) return "there is no such delete rule";
+  if (!rule) return "unknown delete rule";
   relationship.isToMany = count == "many";
   relationship.isOrdered = options.has("ordered");
   relationship.deleteRule = *rule;
@@ -234,7 +233,7 @@ std::string Parser::relationshipsWithoutEnd() const {
           fits = inverse && inverse->inverseName == relationship.name &&
                  inverse->destinationEntityName == entity.name;
         }
-        if (!fits) return entity.name + "." + relationship.name + " has no other end";
+        if (!fits) return entity.name + "." + relationship.name + " has no matching inverse";
       }
     }
   }
@@ -254,10 +253,11 @@ Expected<ModelSource> Parser::parse(std::string_view text) {
     std::string left;
     if (!wrong.empty()) return failure(std::to_string(lineNumber) + ": " + wrong);
     if (words.clear(), words >> left) {
-      return failure(std::to_string(lineNumber) + ": \"" + left + "\" is too much");
+      return failure(std::to_string(lineNumber) + ": unexpected \"" + left + "\"");
     }
   }
-  if (source_.name.empty() || source_.versions.empty()) return failure("no model and no version");
+  if (source_.name.empty() || source_.versions.empty())
+    return failure("expected a model and a version");
   for (auto& version : source_.versions) {
     for (auto& entity : version.entities) {
       const auto byName = [](const auto& a, const auto& b) { return a.name < b.name; };

@@ -9,7 +9,7 @@
 
 namespace vantrel {
 
-/// One version of a model, as its source says.
+/// One version of a model.
 struct ModelVersion {
   std::string identifier;
   std::vector<EntityDescription> entities;
@@ -20,7 +20,7 @@ struct ModelSource {
   std::vector<ModelVersion> versions;  ///< The last one is the current one.
 };
 
-/// Reads a model's source text, a statement a line, `#` starting a comment:
+/// Parses the source text of a model, one statement per line; `#` starts a comment:
 ///
 ///     model NAME
 ///     versions IDENTIFIER…
@@ -30,8 +30,8 @@ struct ModelSource {
 ///                                         [ordered] [since=V]
 ///
 /// Types are integer16, integer32, integer64, boolean, decimal, double, float, date, string, uri,
-/// uuid, binary and transformable; numbers, booleans and strings without blanks have defaults. An
-/// error names the line, or the relationship whose other end does not fit.
+/// uuid, binary and transformable; numbers, booleans and strings without blanks have defaults.
+/// Errors start with the line number, or name the relationship without a matching inverse.
 Expected<ModelSource> modelSourceWithText(std::string_view text);
 
 }  // namespace vantrel

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that includes only go down, and that only the folder that wraps a library includes it."""
+"""Checks that includes only go down, and that only the folders that wrap a library include it."""
 
 import pathlib
 import re
@@ -7,7 +7,7 @@ import sys
 
 PLATFORM = {"base", "platform/text", "platform/archive", "platform/system", "platform/view"}
 OBJECTSTORE = {"objectstore/model", "objectstore/sqlite", "objectstore"}
-# What the files of a folder may include, besides those of their own folder.
+# The folders that each folder may include besides itself.
 SOURCE = {
     "base": set(),
     "platform/text": {"base"},
@@ -27,7 +27,7 @@ SOURCE = {
     "appearance": PLATFORM,
     "widget": PLATFORM | OBJECTSTORE | {"defaults", "time", "appearance", "geo", "store"},
 }
-# The programs include what they share and any folder of src, never each other.
+# Programs may include common and any folder of src, never each other.
 PROGRAMS = ("common", "cli", "today", "lookup")
 WITH_QT = ("today", "lookup")
 # A library's headers, and the folders (with all below them) whose .cpp files may include them.
@@ -43,7 +43,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
 def files_with_includes(folder: pathlib.Path):
-    """Each source with its folder, relative to `folder`, and its includes."""
+    """Yields each source, its folder relative to `folder`, and its includes."""
     for path in sorted(folder.rglob("*")):
         if path.suffix in (".h", ".cpp"):
             where = path.parent.relative_to(folder).as_posix()
@@ -75,9 +75,9 @@ def problems_of_programs(root: pathlib.Path):
             where = f"{path.relative_to(root)}: includes {name}"
             target = name.split("/")[0]
             if quote == '"' and target in PROGRAMS and target not in (program, "common"):
-                yield f"{where}: programs share app/common only"
+                yield f"{where}: programs may share app/common only"
             if program not in WITH_QT and (QT.fullmatch(name) or name.startswith("platform/qt/")):
-                yield f"{where}: {program} links no Qt"
+                yield f"{where}: {program} must not include Qt"
 
 
 def main() -> int:

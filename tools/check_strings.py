@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that every key of a string table stands in every language, with the same placeholders, and
-that the sources ask for every key of the tables, and for no other."""
+"""Checks that every language has all keys of the string tables, with the same placeholders, and that
+the sources use every key, and no unknown key."""
 
 import pathlib
 import re
@@ -10,7 +10,7 @@ PAIR = re.compile(r'^"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;', re.MULT
 REFERENCE = "en.lproj"
 LITERAL = re.compile(r'"([a-z0-9_]+)"')
 LOOKUP = re.compile(r'\b(?:localizedString|localized|text)\(\s*"([a-z0-9]+_[a-z0-9_]+)"')
-# Shorter literals would make up almost any key between them.
+# Shorter literals could be combined to almost any key.
 SHORTEST_PART = 4
 
 
@@ -32,11 +32,11 @@ def problems(resources: pathlib.Path):
                 yield f"{where}: key {key} is {'missing' if key in english else 'not in English'}"
             for key in sorted(english.keys() & texts.keys()):
                 if english[key].count("%@") != texts[key].count("%@"):
-                    yield f"{where}: {key} has other placeholders than English"
+                    yield f"{where}: {key} has not the placeholders of English"
 
 
 def is_made_of(key: str, parts: set[str]) -> bool:
-    """Whether literals of one source, put together, are the key."""
+    """Whether a concatenation of `parts`, the literals of one source, is the key."""
     return not key or any(is_made_of(key[len(part):], parts)
                           for part in parts if key.startswith(part))
 
@@ -56,7 +56,7 @@ def problems_of_use(root: pathlib.Path):
         parts = {one for one in literals if len(one) >= SHORTEST_PART}
         unused = {key for key in unused - literals if not is_made_of(key, parts)}
     for key in sorted(unused):
-        yield f"{REFERENCE}: nothing asks for key {key}"
+        yield f"{REFERENCE}: key {key} is not used"
 
 
 def main() -> int:

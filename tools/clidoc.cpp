@@ -1,4 +1,4 @@
-// Makes manual pages and shell completions from the programs' own tables of commands and options:
+// Generates manual pages and shell completions from the programs' tables of commands and options:
 //   clidoc man|bash|zsh|fish vantrel|vantrel-today OUT [PROSE DATE VERSION]
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -58,6 +58,6 @@ int main(int argc, char** argv) {
   const auto text = made(arguments, isWindow ? tableOfWindow() : tableOfTerminalProgram());
   std::ofstream file(arguments[2], std::ios::binary);
   if (text && file << *text && file.flush()) return 0;
-  std::cerr << "clidoc: cannot make " << arguments[2] << "\n";
+  std::cerr << "clidoc: cannot create " << arguments[2] << "\n";
   return 1;
 }

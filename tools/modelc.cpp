@@ -1,5 +1,5 @@
 // Compiles the source of a model into the folder that programs load: modelc NAME.model DIRECTORY
-// makes DIRECTORY/NAME.momd.
+// creates DIRECTORY/NAME.momd.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -16,7 +16,7 @@ bool write(const fs::path& path, const Data& data) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   file.write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
   file.close();
-  if (!file) std::fprintf(stderr, "modelc: %s: cannot be written\n", path.c_str());
+  if (!file) std::fprintf(stderr, "modelc: cannot write %s\n", path.c_str());
   return static_cast<bool>(file);
 }
 

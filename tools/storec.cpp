@@ -1,4 +1,4 @@
-// Makes the store of sensor formats that is delivered with the program:
+// Creates the store of sensor formats that is installed with the program:
 // storec MODEL.momd SENSORS.tsv STORE.sqlite.
 #include <charconv>
 #include <cstdio>
@@ -28,7 +28,7 @@ std::optional<double> millimetres(const std::string& text) {
   return value;
 }
 
-/// One line of the table: name, width, height, unique identifier.
+/// Inserts a line of the table: name, width, height, unique identifier. False if it is invalid.
 bool insertFormat(const std::string& line, ManagedObjectContext& context) {
   std::istringstream fields(line);
   std::string name;
@@ -53,7 +53,7 @@ Expected<void> fill(const fs::path& modelUrl, const fs::path& table, const fs::p
   if (!model) return tl::unexpected(model.error());
   const auto coordinator = std::make_shared<PersistentStoreCoordinator>(
       std::make_shared<ManagedObjectModel>(std::move(*model)));
-  // Readers may not write beside the file, so it must not leave its content in a log.
+  // No WAL: readers cannot create its index in the installed folder.
   StoreOptions options;
   options.sqlitePragmas["journal_mode"] = "DELETE";
   if (const auto store = coordinator->addPersistentStore(storeUrl, options); !store) {
@@ -61,14 +61,14 @@ Expected<void> fill(const fs::path& modelUrl, const fs::path& table, const fs::p
   }
   ManagedObjectContext context(coordinator);
   std::ifstream lines(table);
-  if (!lines) return failure(table.string() + " cannot be read");
+  if (!lines) return failure("cannot read " + table.string());
   int number = 0;
   for (std::string line; std::getline(lines, line);) {
     ++number;
     if (line.empty() || line.front() == '#') continue;
     if (!insertFormat(line, context)) {
       return failure(table.string() + ":" + std::to_string(number) +
-                     ": a name, a width, a height and an identifier are needed");
+                     ": expected a name, a width, a height and an identifier");
     }
   }
   return context.save();
@@ -82,7 +82,7 @@ int main(int argc, char** argv) {
     return 64;
   }
   const fs::path store = argv[3];
-  // A build that fails half-way leaves no store that looks whole.
+  // A failed build must not leave an incomplete store.
   const fs::path unfinished = store.string() + ".new";
   std::error_code error;
   fs::remove(unfinished, error);
