@@ -1,4 +1,4 @@
-// The fuzzer's way into the target that the build names.
+// The entry point of libFuzzer, for the target VANTREL_FUZZ_TARGET.
 
 #include <cstdint>
 

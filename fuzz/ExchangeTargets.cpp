@@ -14,20 +14,20 @@ namespace {
 
 void checkDrafts(const Expected<cli::PlanDrafts>& drafts) {
   if (!drafts) {
-    promise(drafts.error().code == kExitBadData, "what makes no sense is bad data");
+    require(drafts.error().code == kExitBadData, "errors are bad data");
     return;
   }
-  promise(drafts->plans.size() <= cli::kMostPlansRead, "plans are counted");
+  require(drafts->plans.size() <= cli::kMostPlansRead, "the number of plans is limited");
   for (const auto& plan : drafts->plans) {
-    promise(plan.identifier.value_or("").size() <= cli::kLongestIdentifier,
-            "an identifier is bounded");
+    require(plan.identifier.value_or("").size() <= cli::kLongestIdentifier,
+            "an identifier is limited in length");
     for (const auto& [key, value] : plan.values) {
       const auto* text = std::get_if<std::string>(&value);
-      promise(!text || isUtf8(*text), "what was read is text");
+      require(!text || isUtf8(*text), "texts are UTF-8");
       const auto* degrees = std::get_if<double>(&value);
-      promise(!degrees || std::isfinite(*degrees), "a coordinate is a number");
+      require(!degrees || std::isfinite(*degrees), "a coordinate is finite");
       const auto* date = std::get_if<Date>(&value);
-      promise(!date || std::isfinite(date->timeIntervalSinceReferenceDate()), "a date is a number");
+      require(!date || std::isfinite(date->timeIntervalSinceReferenceDate()), "a date is finite");
     }
   }
 }

@@ -18,7 +18,7 @@ namespace vantrel::fuzz {
 
 namespace {
 
-/// Commands that start other programs, go to the network or never end.
+/// Words of commands that start other programs, use the network, access other files or never exit.
 constexpr std::array kLeftOut = {"open", "lookup", "watch", "import", "export", "auto", "-"};
 
 void useScratchFolder() {
@@ -37,15 +37,15 @@ void link(Bytes input) {
   const auto uri = uriFromLink(std::string(textOf(input)));
   if (!uri) return;
   const auto again = uriFromLink("vantrel://plan?id=" + *uri);
-  promise(!again || *again == *uri, "a link names one plan");
-  promise(uri->starts_with("x-coredata://") && uri->find("..") == std::string::npos,
-          "a link names a plan of the store and no file");
+  require(!again || *again == *uri, "a link identifies one plan");
+  require(uri->starts_with("x-coredata://") && uri->find("..") == std::string::npos,
+          "a link identifies a plan, not a file");
 }
 
-/// Words divided by line feeds.
+/// The input is the words of a command line, separated by line feeds.
 void commandLine(Bytes input) {
   static const bool once = (useScratchFolder(), setLogsEnabled(false), true);
-  promise(once, "the surroundings are made");
+  require(once, "the scratch folder is used");
   std::vector<std::string> words;
   std::string text(textOf(input));
   for (std::size_t start = 0; start <= text.size();) {
@@ -59,7 +59,7 @@ void commandLine(Bytes input) {
   const bool hasNul = text.find('\0') != std::string::npos;
   if (isLeftOut || hasNul || words.size() > 32) return;
   const int code = cli::runProgram(words);
-  promise(code >= 0 && code <= 130 && code != 70, "no command fails inside");
+  require(code >= 0 && code <= 130 && code != 70, "no command has an internal error");
 }
 
 }  // namespace vantrel::fuzz

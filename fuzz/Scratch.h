@@ -11,8 +11,8 @@
 
 namespace vantrel::fuzz {
 
-/// A folder of this process for the files that targets read; in memory where the system has such a
-/// place, since each input is written once.
+/// A temporary folder for the files that targets read; in memory if the system has /dev/shm, since
+/// each input is written to it.
 class Scratch {
  public:
   Scratch() {
@@ -20,7 +20,7 @@ class Scratch {
     const bool isUsable = ::access(memory.c_str(), W_OK) == 0;
     auto name =
         ((isUsable ? memory : std::filesystem::temp_directory_path()) / "fuzz-XXXXXX").string();
-    promise(::mkdtemp(name.data()) != nullptr, "a scratch folder can be made");
+    require(::mkdtemp(name.data()) != nullptr, "a scratch folder can be created");
     folder_ = name;
   }
   ~Scratch() {
@@ -32,7 +32,7 @@ class Scratch {
 
   const std::filesystem::path& folder() const { return folder_; }
 
-  /// The file, alone in the folder.
+  /// Writes the only file of the folder and returns its path.
   std::filesystem::path fileWith(const std::string& name, Bytes content) const {
     for (const auto& entry : std::filesystem::directory_iterator(folder_))
       std::filesystem::remove_all(entry.path());

@@ -24,15 +24,15 @@ void settings(Bytes input) {
       before.stringForKey(key);
       before.dataForKey(key);
     }
-    promise(wasReadable || count == 0, "a damaged file has no settings");
+    require(wasReadable || count == 0, "a corrupt file has no settings");
     const bool isNew = !all["fuzz_key"];
     before.setInteger(-7, "fuzz_key");
-    promise(before.synchronize().has_value(), "a setting can be written over any file");
+    require(before.synchronize().has_value(), "a setting can be written over any file");
     if (isNew) ++count;
   }
   const UserDefaults after(file);
-  promise(after.integerForKey("fuzz_key") == -7, "a setting that was written is there");
-  promise(after.dictionaryRepresentation().count() == count, "no other setting is lost");
+  require(after.integerForKey("fuzz_key") == -7, "a written setting is read");
+  require(after.dictionaryRepresentation().count() == count, "no other setting is lost");
 }
 
 }  // namespace vantrel::fuzz

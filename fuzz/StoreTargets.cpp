@@ -22,16 +22,16 @@ constexpr const char* kFileName = "Vantrel.sqlite";
 std::shared_ptr<ManagedObjectModel> mainModel() {
   static const auto model = [] {
     const auto momd = Bundle::mainBundle().urlForResource("Vantrel", "momd");
-    promise(momd.has_value(), "the bundle is there");
+    require(momd.has_value(), "the bundle exists");
     auto read = ManagedObjectModel::modelWithContentsOfURL(*momd);
-    promise(read.has_value(), "the model can be read");
+    require(read.has_value(), "the model can be read");
     read->entityNamed("Planning")->makeObject = [] { return std::make_shared<Planning>(); };
     return std::make_shared<ManagedObjectModel>(std::move(*read));
   }();
   return model;
 }
 
-/// Reads all that the file holds as plans, then changes and saves it.
+/// Reads all objects of the store, then changes and saves it.
 void useStore(const std::filesystem::path& file, bool readOnly) {
   const auto coordinator = std::make_shared<PersistentStoreCoordinator>(mainModel());
   StoreOptions options = Database::mainStoreOptions();
@@ -55,28 +55,28 @@ void useStore(const std::filesystem::path& file, bool readOnly) {
   next.sortDescriptors = {{"date", true}};
   next.fetchLimit = 5;
   const auto plans = context.executeFetchRequest(next);
-  promise(!plans || plans->size() <= 5, "a fetch keeps its limit");
+  require(!plans || plans->size() <= 5, "a fetch keeps its limit");
   if (readOnly) return;
   if (plans && !plans->empty()) context.deleteObject(plans->front());
   context.insertNewObject("Planning");
   context.save();
 }
 
-/// A sound store with two plans, as bytes.
+/// Returns the bytes of a valid store with two plans.
 const std::string& soundStore() {
   static const std::string bytes = [] {
     const Scratch scratch;
     const auto file = scratch.folder() / kFileName;
     {
       const auto coordinator = std::make_shared<PersistentStoreCoordinator>(mainModel());
-      promise(coordinator->addPersistentStore(file, {}).has_value(), "a store can be made");
+      require(coordinator->addPersistentStore(file, {}).has_value(), "a store can be created");
       ManagedObjectContext context(coordinator);
       for (const char* name : {"one", "two"}) {
         const auto plan = std::static_pointer_cast<Planning>(context.insertNewObject("Planning"));
         plan->setName(name);
         plan->setDate(Date(800'000'000));
       }
-      promise(context.save().has_value(), "plans can be saved");
+      require(context.save().has_value(), "plans can be saved");
     }
     std::ifstream stream(file, std::ios::binary);
     return std::string((std::istreambuf_iterator<char>(stream)), {});
@@ -84,7 +84,7 @@ const std::string& soundStore() {
   return bytes;
 }
 
-/// Takes values off the front of the input; zeros when nothing is left.
+/// Returns consecutive values of the input, then zeros.
 class Reader {
  public:
   explicit Reader(Bytes input) : rest_(input) {}
@@ -133,8 +133,8 @@ void bindNext(sqlite3_stmt* statement, int index, Reader& reader) {
 
 }  // namespace
 
-/// The whole file is the input, or a sound file with places overwritten: a zero first byte, then
-/// pairs of a place and a value.
+/// The input is a file, or if its first byte is 0, pairs of an offset and a byte to overwrite in a
+/// valid file.
 void storeFile(Bytes input) {
   static const Scratch scratch;
   std::string content(textOf(input));
@@ -148,12 +148,12 @@ void storeFile(Bytes input) {
   }
   const auto bytes = std::as_bytes(std::span(content));
   useStore(scratch.fileWith(kFileName, bytes), true);
-  promise(std::filesystem::file_size(scratch.folder() / kFileName) == content.size(),
+  require(std::filesystem::file_size(scratch.folder() / kFileName) == content.size(),
           "reading changes nothing");
   useStore(scratch.fileWith(kFileName, bytes), false);
 }
 
-/// Valid SQLite, hostile values: each byte names a column of a sound store, what follows its value.
+/// Valid SQLite, hostile values: the input is pairs of a column of a valid store and its value.
 void storeContent(Bytes input) {
   static constexpr std::pair<const char*, const char*> kCells[] = {
       {"ZPLANNING", "Z_ENT"},     {"ZPLANNING", "Z_OPT"},     {"ZPLANNING", "Z_PK"},
@@ -165,15 +165,15 @@ void storeContent(Bytes input) {
   static const Scratch scratch;
   const auto file = scratch.fileWith(kFileName, std::as_bytes(std::span(soundStore())));
   sqlite3* database = nullptr;
-  promise(sqlite3_open(file.c_str(), &database) == SQLITE_OK, "a sound store opens");
+  require(sqlite3_open(file.c_str(), &database) == SQLITE_OK, "a valid store opens");
   Reader reader(input);
   while (!reader.isEmpty()) {
     const auto& [table, column] = kCells[reader.take<std::uint8_t>() % std::size(kCells)];
     const std::string sql = std::string("UPDATE ") + table + " SET " + column +
                             " = ?1 WHERE rowid = (SELECT max(rowid) FROM " + table + ")";
     sqlite3_stmt* statement = nullptr;
-    promise(sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr) == SQLITE_OK,
-            "the cell is there");
+    require(sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr) == SQLITE_OK,
+            "the column can be updated");
     bindNext(statement, 1, reader);
     sqlite3_step(statement);
     sqlite3_finalize(statement);

@@ -16,7 +16,7 @@ namespace vantrel::fuzz {
 
 namespace {
 
-/// References may form circles: whoever walks an archive bounds the way.
+/// Limits the depth of a walk, since references may form cycles.
 constexpr int kMostSteps = 64;
 
 void walk(const KeyedUnarchiver::Node& node, int steps) {
@@ -35,9 +35,9 @@ void walk(const KeyedUnarchiver::Node& node, int steps) {
 
 }  // namespace
 
-void promise(bool holds, const char* what) {
+void require(bool holds, const char* what) {
   if (holds) return;
-  std::fprintf(stderr, "broken promise: %s\n", what);
+  std::fprintf(stderr, "requirement failed: %s\n", what);
   std::abort();
 }
 
@@ -46,8 +46,8 @@ void propertyList(Bytes input) {
   if (!list) return;
   const Data written = list->binaryData();
   const auto again = PropertyList::propertyListWithData(written);
-  promise(again.has_value(), "what was read and written can be read again");
-  promise(again->binaryData() == written, "what was read and written is what it was");
+  require(again.has_value(), "a written property list can be read");
+  require(again->binaryData() == written, "a written property list is read unchanged");
 }
 
 void observerArchive(Bytes input) {
@@ -57,8 +57,8 @@ void observerArchive(Bytes input) {
   observer->heightAboveHorizonString();
   const Data written = observer->archivedData();
   const auto again = VTObserver::unarchivedObserver(written);
-  promise(again.has_value(), "an observer that was read can be written and read again");
-  promise(again->archivedData() == written, "an observer is written alike each time");
+  require(again.has_value(), "a written observer can be read");
+  require(again->archivedData() == written, "an observer is read unchanged");
 }
 
 void modelArchive(Bytes input) {
@@ -72,7 +72,7 @@ void stringTable(Bytes input) {
   stringTableWithData(input);
 }
 
-/// A zone file, else the text of a rule.
+/// The input is a zone file, otherwise the text of a POSIX rule.
 void zoneFile(Bytes input) {
   auto rules = ZoneRules::decoded(std::string(textOf(input)));
   if (!rules) {
@@ -85,15 +85,15 @@ void zoneFile(Bytes input) {
     auto instant = start;
     for (int i = 0; i < kMostSteps; ++i) {
       const auto period = rules->periodAt(instant);
-      promise(period.begin <= instant && instant < period.end, "a period has its instants");
-      promise(std::abs(period.offset) < 26 * 3600, "an offset is about a day at most");
+      require(period.begin <= instant && instant < period.end, "a period contains the instant");
+      require(std::abs(period.offset) < 26 * 3600, "an offset is less than 26 hours");
       const auto wallTime = instant + period.offset;
-      promise(std::abs(rules->instantOfWallTime(wallTime) - wallTime) < 26 * 3600,
+      require(std::abs(rules->instantOfWallTime(wallTime) - wallTime) < 26 * 3600,
               "a wall time is near its instant");
       const auto next = rules->nextChangeAfter(instant);
       if (!next || *next > start + 10'000 * kDay) break;
-      promise(*next > instant, "the next change is later");
-      promise(rules->periodAt(*next).begin == *next, "a change begins a period");
+      require(*next > instant, "the next change is later");
+      require(rules->periodAt(*next).begin == *next, "a change begins a period");
       instant = *next;
     }
   }

@@ -4,15 +4,14 @@
 #include <span>
 #include <string_view>
 
-/// What hostile input may reach, one function for each way in. A target returns for whatever it is
-/// given; a broken promise ends the process by `promise`. The fuzzer drives one target for a
-/// program, the replay drives any over the files of its corpus.
+/// Fuzz targets: functions that accept any input, and abort the process by `require` if a result is
+/// wrong. Each fuzzer program runs one target; `fuzz_replay` runs any target over files.
 namespace vantrel::fuzz {
 
 using Bytes = std::span<const std::byte>;
 
-/// Ends the process when `holds` is false, saying what was promised.
-void promise(bool holds, const char* what);
+/// Aborts with a message unless `holds`.
+void require(bool holds, const char* what);
 
 inline std::string_view textOf(Bytes bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

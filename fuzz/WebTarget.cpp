@@ -30,7 +30,7 @@ class Request : public WebServiceRequestOperation, public WebServiceRequestOpera
 
 }  // namespace
 
-/// The first byte chooses the service.
+/// The first byte selects the service.
 void webAnswer(Bytes input) {
   static const auto queue = [] {
     auto made = std::make_shared<SerialMainQueue>();
@@ -44,8 +44,8 @@ void webAnswer(Bytes input) {
   request->processData(textOf(input.subspan(1)));
   queue->runUntilEmpty();
   const int least = serverType == WebServiceRequestOperation::kGeoNames ? 1 : 0;
-  promise(request->notices >= least && request->notices <= 1,
-          "an answer of GeoNames brings one notice, of Google at most one");
+  require(request->notices >= least && request->notices <= 1,
+          "GeoNames posts one notification, Google at most one");
 }
 
 }  // namespace vantrel::fuzz
