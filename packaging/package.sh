@@ -1,6 +1,6 @@
 #!/bin/sh
-# Debian packages in build/package, from the files of this tree; lintian has the last word.
-# --check installs them in a clean root, uses them and removes them (as root).
+# Builds Debian packages from this tree in build/package and checks them with lintian.
+# --check installs them in a clean root, tests and removes them (requires root).
 set -eu
 cd "$(dirname "$0")/.."
 here="$PWD"
@@ -40,7 +40,7 @@ check_packages() {
     debootstrap --variant=minbase bookworm "$root" "$mirror" >"$out/debootstrap.log" 2>&1 ||
       die "debootstrap failed; see build/package/debootstrap.log"
   fi
-  # The clean root reaches the network as this machine does.
+  # Use the network settings of this machine in the clean root.
   cp /etc/resolv.conf "$root/etc/resolv.conf"
   cp -r /etc/apt/apt.conf.d "$root/etc/apt/"
   rm -rf "$root/packages" "$root/source"

@@ -1,5 +1,5 @@
-# cmake -DBUILD=… -DSOURCE=… -P test.cmake: installs the build tree under a prefix of its own, builds
-# the consumer against it by the CMake package, and runs it on a store of sample plans.
+# cmake -DBUILD=… -DSOURCE=… -P test.cmake: installs the build tree to a temporary prefix, builds the
+# consumer with its CMake package, and runs it on a store of sample plans.
 set(work ${BUILD}/consumer)
 file(REMOVE_RECURSE ${work})
 set(ENV{DESTDIR})
