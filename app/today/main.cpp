@@ -88,9 +88,12 @@ void showAtStart(TodayProgram& program, const Options& options, const std::strin
 
 int showWindow(int argc, char** argv, Options options) {
   const std::string restartedLink = takeRestart(options);
-  // A link that leads to no plan is told before anything opens.
+  // A link without a plan is reported before anything opens, in one line.
   if (options.link) {
-    if (const auto plan = planOfLink(*options.link); !plan) {
+    setLogsEnabled(false);
+    const auto plan = planOfLink(*options.link);
+    setLogsEnabled(true);
+    if (!plan) {
       logLine("vantrel-today: " + plan.error().localizedDescription);
       showNotice(messageForLinkError(plan.error()));
       // Not through the toolkit's own end: the bus's thread may still be at work, and would
