@@ -229,19 +229,19 @@ bool isCancelled(icalcomponent* entry) {
 }
 
 /// `number` counts the entries of the file.
-Expected<void> readCalendar(icalcomponent* calendar, PlanDrafts& drafts, Counts& counts,
+Expected<void> readCalendar(const CalendarText& calendar, PlanDrafts& drafts, Counts& counts,
                             std::size_t& number) {
-  CalendarZones zones(calendar);
-  for (auto* entry = icalcomponent_get_first_component(calendar, ICAL_ANY_COMPONENT); entry;
-       entry = icalcomponent_get_next_component(calendar, ICAL_ANY_COMPONENT)) {
-    if (icalcomponent_isa(entry) == ICAL_VTIMEZONE_COMPONENT) continue;
+  CalendarZones zones(calendar.zones.get());
+  for (const auto& lines : calendar.entries) {
+    const CalendarComponent entry = componentOfText(lines);
     ++number;
-    if (has(entry, ICAL_RECURRENCEID_PROPERTY)) {
+    if (!entry) return invalidData("event " + std::to_string(number), "cannot be parsed");
+    if (has(entry.get(), ICAL_RECURRENCEID_PROPERTY)) {
       ++counts.changedTimes;
-    } else if (isCancelled(entry)) {
+    } else if (isCancelled(entry.get())) {
       ++counts.cancelled;
     } else {
-      auto draft = EntryReader(entry, number, zones, counts).read();
+      auto draft = EntryReader(entry.get(), number, zones, counts).read();
       if (!draft) return tl::unexpected(draft.error());
       drafts.plans.push_back(std::move(*draft));
     }
@@ -258,7 +258,7 @@ Expected<PlanDrafts> draftsFromCalendar(std::string_view text, const ProgressRep
   Counts counts;
   std::size_t number = 0;
   for (const auto& calendar : *calendars) {
-    const auto done = readCalendar(calendar.get(), drafts, counts, number);
+    const auto done = readCalendar(calendar, drafts, counts, number);
     if (!done) return tl::unexpected(done.error());
   }
   drafts.notes = notesOf(counts);

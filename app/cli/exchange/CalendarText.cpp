@@ -98,7 +98,7 @@ class CalendarLines {
     return {};
   }
 
-  Expected<std::vector<CalendarComponent>> finish() {
+  Expected<std::vector<CalendarText>> finish() {
     if (!path_.empty()) return invalidData(path_.back(), "no END before the end of the file");
     if (calendars_.empty()) return invalidData("calendar", kNoCalendar);
     return std::move(calendars_);
@@ -125,8 +125,10 @@ class CalendarLines {
     path_.push_back(component);
     if (isDropped()) return {};
     if (path_.size() < kDepthOfObservances) seen_ = {};
-    if (component == "VEVENT" || component == "VTODO") {
-      if (auto checked = checkCount(++entries_); !checked) return checked;
+    isEntry_ = component == "VEVENT" || component == "VTODO";
+    if (isEntry_) {
+      if (auto checked = checkCount(++entryCount_); !checked) return checked;
+      entries_.emplace_back();
     }
     pass("BEGIN:" + component);
     return {};
@@ -147,22 +149,43 @@ class CalendarLines {
   }
 
   void pass(std::string line) {
+    if (isEntry_) {
+      entries_.back() += line + '\n';
+      isEntry_ = path_.size() > 1;
+      return;
+    }
     ensureMemory(memoryForText(line.size()));
-    if (auto* calendar = icalparser_add_line(parser_.get(), line.data())) {
-      calendars_.emplace_back(calendar);
+    if (auto* zones = icalparser_add_line(parser_.get(), line.data())) {
+      calendars_.push_back({CalendarComponent(zones), std::exchange(entries_, {})});
     }
   }
 
   std::unique_ptr<icalparser, decltype(&icalparser_free)> parser_;
   std::vector<std::string> path_;
   std::size_t droppedAt_ = 0;  ///< The level of the component that is dropped; 0 for none.
-  std::size_t entries_ = 0;
+  bool isEntry_ = false;       ///< Whether the current component is an event or a to-do.
+  std::size_t entryCount_ = 0;
+  std::vector<std::string> entries_;             ///< Of the current calendar.
   std::array<bool, kProperties.size()> seen_{};  ///< By property, in the current entry.
   std::size_t zoneWork_ = 0;
-  std::vector<CalendarComponent> calendars_;
+  std::vector<CalendarText> calendars_;
 };
 
 }  // namespace
+
+CalendarComponent componentOfText(const std::string& lines) {
+  const std::unique_ptr<icalparser, decltype(&icalparser_free)> parser(icalparser_new(),
+                                                                       &icalparser_free);
+  ensureMemory(memoryForText(lines.size()));
+  CalendarComponent component;
+  for (std::size_t at = 0; at < lines.size() && !component;) {
+    const std::size_t end = lines.find('\n', at);
+    std::string line = lines.substr(at, end - at);
+    component.reset(icalparser_add_line(parser.get(), line.data()));
+    at = end + 1;
+  }
+  return component;
+}
 
 void ensureMemory(std::size_t bytes) {
   ::operator delete(::operator new(bytes));
@@ -174,8 +197,8 @@ std::size_t memoryForText(std::size_t size) {
   return kSmallest + kCopies * size;
 }
 
-Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
-                                                         const ProgressReport& progress) {
+Expected<std::vector<CalendarText>> calendarsOfText(std::string_view text,
+                                                    const ProgressReport& progress) {
   icalerror_set_errors_are_fatal(0);
   CalendarLines lines;
   std::string line;

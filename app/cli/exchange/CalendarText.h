@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,12 +33,22 @@ inline constexpr std::string_view kPlaceProperty = "X-VANTREL-GEO";
 /// values, percent-encoded.
 inline constexpr std::string_view kValuesProperty = "X-VANTREL-VALUES";
 
+struct CalendarText {
+  /// The calendar with its zones only.
+  CalendarComponent zones;
+  /// The lines of each event and to-do, unfolded: libical needs ten times their memory.
+  std::vector<std::string> entries;
+};
+
+/// Parses an entry of CalendarText.
+CalendarComponent componentOfText(const std::string& lines);
+
 /// Returns the calendars of a file with their zones, events and to-dos; each of these has only the
 /// first of each property that plans use. The rest is dropped before libical sees it, so that its
 /// depth and size do not matter. Errors: kExitBadData for unbalanced components or more than 16
 /// levels of them, a used property that is not UTF-8 or longer than 1 MiB, more than kMostPlansRead
 /// entries, or zones with more than 20,000 lines or 1,000 rules in total.
-Expected<std::vector<CalendarComponent>> calendarsOfText(std::string_view text,
-                                                         const ProgressReport& progress);
+Expected<std::vector<CalendarText>> calendarsOfText(std::string_view text,
+                                                    const ProgressReport& progress);
 
 }  // namespace vantrel::cli
