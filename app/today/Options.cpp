@@ -43,22 +43,24 @@ class HelpFormatter : public CLI::Formatter {
 void Options::describe(CLI::App& app, Options& options) {
   app.formatter(std::make_shared<HelpFormatter>());
   app.name("vantrel-today");
-  app.description("Shows the next plans in a window, or draws them into a picture.");
-  app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION, "Show the version and exit");
+  app.description("Show the next plans in a window, or draw them as a picture");
+  app.set_version_flag("--version", "vantrel-today " VANTREL_VERSION, "Print the version and exit");
   app.set_help_flag("-h,--help", "Show this help and exit");
   auto* open = app.add_option("--open", options.link,
                               "Show the plan that a link names (vantrel://plan?id=...)")
                    ->option_text("LINK");
-  auto* autostart = app.add_option_function<std::string>(
-                           "--autostart",
-                           [&options](const std::string& text) {
-                             if (text != "on" && text != "off") {
-                               throw CLI::ValidationError("--autostart", "takes on or off");
-                             }
-                             options.autostart = text == "on";
-                           },
-                           "Open the window with every session, or no more, and exit")
-                        ->option_text("on|off");
+  auto* autostart =
+      app.add_option_function<std::string>(
+             "--autostart",
+             [&options](const std::string& text) {
+               if (text != "on" && text != "off") {
+                 throw CLI::ValidationError("--autostart",
+                                            "expected on or off, got \"" + printable(text) + "\"");
+               }
+               options.autostart = text == "on";
+             },
+             "Start with each session, or stop doing so, and exit")
+          ->option_text("on|off");
   auto* remind =
       app.add_option_function<std::string>(
              "--remind",
@@ -69,49 +71,56 @@ void Options::describe(CLI::App& app, Options& options) {
                    "--remind", "expected times of 1m to 7d such as 1d,30m, or off, got \"" +
                                    printable(text) + "\"");
              },
-             "Remind of each plan that long before it (30m, 2h, 1d or a list of them), or no more, "
-             "and exit; reminders appear while the window or the service runs")
+             "Set how long before each plan you are reminded (30m, 2h, 1d or a list such as "
+             "1d,30m), "
+             "and exit; reminders appear only while the window or the service runs")
           ->option_text("TIMES|off");
   auto* service = app.add_flag("--service", options.service,
-                               "Wait for the desktop to tell what to show (it starts the program "
-                               "so)");
+                               "Run without a window until the desktop asks for one; used by the "
+                               "desktop");
   auto* render =
       app.add_option("--render", options.renderFile,
-                     "Draw the card into a PNG file, without a display (- is standard output)")
+                     "Write a PNG picture of the card; needs no display (- is standard output)")
           ->option_text("FILE.png");
   app.add_option_function<std::string>(
          "--size",
          [&options](const std::string& text) {
            if (parseSize(text, options.width, options.height)) return;
-           throw CLI::ValidationError("--size", "takes WIDTHxHEIGHT, each 100 to 10000");
+           throw CLI::ValidationError(
+               "--size",
+               "expected WIDTHxHEIGHT, each from 100 to 10000, got \"" + printable(text) + "\"");
          },
-         "The picture's size in logical pixels; usually as large as the card needs")
+         "Size of the picture in logical pixels; default: the size of the card")
       ->option_text("WxH")
       ->needs(render);
   open->excludes(autostart)->excludes(service);
   render->excludes(autostart)->excludes(service);
   service->excludes(autostart);
   remind->excludes(open)->excludes(render)->excludes(service)->excludes(autostart);
-  app.add_option("--scale", options.scale, "Pixels of the picture per logical pixel, 0.25 to 8")
+  app.add_option("--scale", options.scale, "Pixels per logical pixel, 0.25 to 8; default: 1")
       ->option_text("N")
       ->check([](const std::string& text) {
         double factor = 0;
         const char* end = text.data() + text.size();
         const auto read = std::from_chars(text.data(), end, factor);
         const bool fits = factor >= kSmallestScale && factor <= kLargestScale;
-        return read.ec == std::errc() && read.ptr == end && fits ? std::string()
-                                                                 : "takes a number, 0.25 to 8";
+        return read.ec == std::errc() && read.ptr == end && fits
+                   ? std::string()
+                   : "expected 0.25 to 8, got \"" + printable(text) + "\"";
       })
       ->needs(render);
-  app.add_flag("--expanded", options.expanded, "Begin with all rows, not two")->excludes(open);
+  app.add_flag("--expanded", options.expanded, "Show up to five plans instead of two")
+      ->excludes(open);
   auto* dark = app.add_flag_callback(
-      "--dark", [&options] { options.dark = true; }, "Dark, whatever the desktop is");
+      "--dark", [&options] { options.dark = true; }, "Use dark colours, whatever the desktop uses");
   app.add_flag_callback(
-         "--light", [&options] { options.dark = false; }, "Light, whatever the desktop is")
+         "--light", [&options] { options.dark = false; },
+         "Use light colours, whatever the desktop uses")
       ->excludes(dark);
-  app.add_option("--system-version", options.systemVersion,
-                 "Behave as on that version of the phone's system (17.0); before 10 the widget "
-                 "has one mode, and two columns where there is room")
+  app.add_option(
+         "--system-version", options.systemVersion,
+         "Look as on that version of the phone's system, such as 17.0; before 10 the widget "
+         "always shows all rows, in two columns if there is room")
       ->option_text("V")
       ->check([](const std::string& text) {
         int major = 0;
@@ -119,16 +128,15 @@ void Options::describe(CLI::App& app, Options& options) {
         const bool plain = text.find_first_not_of("0123456789.") == std::string::npos;
         return plain && end.ec == std::errc() && major > 0
                    ? std::string()
-                   : std::string("takes a version like 9.3 or 17.0");
+                   : "expected a version such as 9.3 or 17.0, got \"" + printable(text) + "\"";
       });
   app.footer(
-      "A window that is open already comes to the front; with --dark, --light or --system-version "
-      "a new one opens.\n"
-      "Keys: F5 looks for new plans, Tab and Enter open one; Ctrl+C copies the link of a plan that "
-      "is shown, Escape closes it.\n"
-      "Exit codes: 0 done, 64 usage, 65 no link to a plan, 66 no store or no such plan in it, 69 "
-      "no display, 73 and 74 a file could not be written, 75 the store is in use, 77 no "
-      "permission.");
+      "If a window is already open, it comes to the front; --dark, --light and --system-version "
+      "open another.\n"
+      "Keys: F5 reads the plans again; Tab and Enter open one; Ctrl+C copies the link of the plan "
+      "shown; Escape closes it.\n"
+      "Exit codes: 0 done, 64 usage, 65 not a link of a plan, 66 no store or no such plan, 69 no "
+      "display, 73 and 74 cannot write a file, 75 the store is locked, 77 permission denied.");
 }
 
 std::optional<int> Options::parse(int argc, char** argv, Options& options) {
