@@ -19,7 +19,7 @@ constexpr int kLargestSide = 10000;
 constexpr double kSmallestScale = 0.25;
 constexpr double kLargestScale = 8;
 
-/// "WxH", whole logical pixels.
+/// Parses "WxH", in whole logical pixels.
 bool parseSize(const std::string& text, int& width, int& height) {
   const char* end = text.data() + text.size();
   const auto first = std::from_chars(text.data(), end, width);
@@ -29,7 +29,7 @@ bool parseSize(const std::string& text, int& width, int& height) {
   return std::min(width, height) >= kSmallestSide && std::max(width, height) <= kLargestSide;
 }
 
-/// Help without the remarks that the library adds to options.
+/// Omits what CLI11 adds to the description of an option.
 class HelpFormatter : public CLI::Formatter {
  public:
   std::string make_option_opts(const CLI::Option* option) const override {

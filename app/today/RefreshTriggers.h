@@ -11,26 +11,26 @@
 
 namespace vantrel {
 
-/// Everything that makes the shown plans old: midnight, suspend, a step of the clock, another
-/// program's commit, a change of time zone. Main thread.
+/// Signals when the plans shown may be out of date: at midnight, after suspend, after a change of
+/// the clock, the store or the time zone. Main thread only.
 class RefreshTriggers : public QObject {
   Q_OBJECT
 
  public:
-  /// `zoneFolder` is where the link "localtime" tells the device's time zone.
+  /// `zoneFolder` contains the link "localtime" to the device's time zone.
   explicit RefreshTriggers(const std::filesystem::path& store,
                            const std::filesystem::path& zoneFolder = "/etc",
                            QObject* parent = nullptr);
 
-  /// Forgets changes of the store's content until now: opening a store writes to it. Another store
-  /// in its place is still reported.
+  /// Ignores changes of the store's content so far: opening a store writes to it. A replaced store
+  /// is still reported.
   void ignoreStoreChangesSoFar();
 
  signals:
-  /// Another day or another present instant.
+  /// Midnight has passed, or the clock was set.
   void clockMoved();
   void storeChanged();
-  /// Another file, or another device zone: what the process read once no longer holds.
+  /// Another store file, or another zone of the device: only a new process reads them.
   void storeReplaced();
   void timeZoneChanged();
 

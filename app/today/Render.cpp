@@ -36,20 +36,20 @@ int fail(const Error& error) {
   return fail(exitCodeForError(error), error.localizedDescription);
 }
 
-/// A picture is the same on every machine that has the same fonts, whatever its desktop.
+/// Makes the picture independent of the desktop's settings.
 void leaveDesktopOut() {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   for (const char* variable :
        {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI", "QT_QPA_PLATFORMTHEME"}) {
     qunsetenv(variable);
   }
-  // What the toolkit misses in a plain environment is none of the caller's business.
+  // Warnings of Qt about a plain environment do not concern the caller.
   qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
     if (type == QtCriticalMsg || type == QtFatalMsg) logLine(message.toStdString());
   });
 }
 
-/// Draws the sheet of a plan, or without one the widget.
+/// Draws the sheet of `plan`, or the widget if it is null.
 QImage paint(const Options& options, const Planning* plan, const QtTextMeasurer& measurer) {
   const double width =
       options.width > 0 ? options.width : CardLayout::kUsualCardWidth + 2 * CardLayout::kMargin;
@@ -91,7 +91,7 @@ int write(const QImage& image, const std::string& name) {
   OutputFile file(name);
   const auto written = file.open().and_then([&] {
     file.write(bytes);
-    // Waiting for the disk takes longer than drawing the picture again.
+    // Syncing to the disk would take longer than drawing the picture again.
     return file.finish(false);
   });
   return written ? kExitDone : fail(written.error());
@@ -100,7 +100,7 @@ int write(const QImage& image, const std::string& name) {
 }  // namespace
 
 int render(int argc, char** argv, const Options& options) {
-  // What goes wrong is told once, by the line that ends the program.
+  // Errors are reported once, by fail().
   setLogsEnabled(false);
   std::shared_ptr<Planning> plan;
   if (options.link) {

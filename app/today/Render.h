@@ -4,9 +4,8 @@
 
 namespace vantrel {
 
-/// Draws the card of this moment into the file that the options name, whole or not at all. Needs no
-/// display and makes no store. Gives the exit code, after one line on standard error when it is not
-/// 0.
+/// Writes a picture of the card to the file given by the options, atomically. Needs no display and
+/// does not create a store. Returns the exit code; if it is not 0, after one line of error.
 int render(int argc, char** argv, const Options& options);
 
 }  // namespace vantrel

@@ -21,7 +21,7 @@ struct Listener : DatabaseDelegate {
   std::string message;
 };
 
-/// Hears what is told once in the life of the process: why the store cannot be opened.
+/// Receives the error of opening the store, which is reported once per process.
 const Listener& listener() {
   static const auto shared = [] {
     auto made = std::make_shared<Listener>();

@@ -6,11 +6,11 @@
 
 namespace vantrel {
 
-/// What is wrong with the store, for a person; nothing when plans can be read. Asks for one plan,
-/// apart from the widget, to which a store that cannot be read looks like one without plans. To be
-/// called before anything else uses the store. Main thread.
+/// Returns why the plans cannot be read, as a localized text, or `nullopt`. It fetches one plan,
+/// since the widget shows a store that cannot be read as one without plans. Call it before anything
+/// else uses the store. Main thread only.
 std::optional<Error> storeProblem();
-/// Whether the store could not even be opened: it stays so for the life of the process.
+/// Whether the store could not be opened. This process cannot open it later either.
 bool storeFailedToOpen();
 
 }  // namespace vantrel

@@ -12,7 +12,7 @@ namespace vantrel {
 
 namespace {
 
-/// How long the first picture waits for the desktop to tell whether it is to be dark.
+/// How long to wait for the desktop's colour scheme before the window is shown.
 constexpr std::chrono::milliseconds kPatience{200};
 
 }  // namespace
@@ -37,7 +37,7 @@ TodayWindow& TodayProgram::window() {
   makeOwn(*window_);
   auto* menu = new ReminderMenu(window_);
   connect(menu, &ReminderMenu::changed, &reminders_, &ReminderService::reload);
-  connect(menu, &ReminderMenu::failed, window_, &TodayWindow::tell);
+  connect(menu, &ReminderMenu::failed, window_, &TodayWindow::showMessage);
   window_->addAction(menu->menuAction());
   window_->setContextMenuPolicy(Qt::ActionsContextMenu);
   return *window_;
@@ -55,7 +55,7 @@ void TodayProgram::restart() {
 
 void TodayProgram::bringToFront(CardWindow& window) {
   const auto show = [&window] {
-    // Minimized windows come back as they were.
+    // Restores a minimized window.
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
@@ -79,7 +79,7 @@ bool TodayProgram::openLink(const std::string& link) {
   const auto plan = planOfLink(link);
   if (!plan) {
     logLine("vantrel-today: " + plan.error().localizedDescription);
-    if (window_) window_->tell(messageForLinkError(plan.error()));
+    if (window_) window_->showMessage(messageForLinkError(plan.error()));
     return false;
   }
   if (!sheet_) {

@@ -12,30 +12,30 @@
 
 namespace vantrel {
 
-/// The program with its windows: the widget's and a plan's, each made when it is first asked for.
-/// It ends with the last of them. Main thread.
+/// Owns the widget's window and the window of a plan's sheet, and creates each on first use. The
+/// program exits after the last is closed. Main thread only.
 class TodayProgram : public QObject {
   Q_OBJECT
 
  public:
-  /// `measurer` is the one that is installed, and must outlive the program.
+  /// `measurer` must be the installed TextMeasurer and outlive the program.
   TodayProgram(QtTextMeasurer& measurer, const Options& options);
   ~TodayProgram() override;
 
-  /// Shows the widget's window, in front of others where the desktop permits.
+  /// Shows the widget's window, in front of other windows if the desktop permits it.
   void activate();
-  /// The same for the sheet of a link's plan; false when it leads to none, which a window that is
-  /// open tells.
+  /// Shows the plan of a link in the same way. Returns false if there is none; an open window then
+  /// shows the reason.
   bool openLink(const std::string& link);
-  /// "show-more", "show-less" and "refresh", as the window's controls do; "update-reminders" reads
-  /// their setting again. False for others.
+  /// Performs "show-more", "show-less", "refresh" or "update-reminders", which reads the setting of
+  /// reminders again. Returns false for other actions.
   bool perform(const QString& action);
-  /// Whether reminders are on: a service then must not exit.
+  /// Whether reminders are on; a service must then keep running.
   bool hasReminders() const { return reminders_.isOn(); }
 
  signals:
-  /// The program is to be started again in place, and to show the widget if there is a window of
-  /// it, and the plan of this link (empty for none).
+  /// Start the program again: with the widget's window if `window`, and with the plan of `link`
+  /// unless it is empty.
   void restartRequested(bool window, const std::string& link);
 
  private:

@@ -37,7 +37,7 @@ void TodayWidget::connectRow(std::size_t row) {
 void TodayWidget::touchRow(std::size_t row, WidgetHost::TouchPhase phase) {
   if (row >= layout_.rows.size()) return;
   host_.touch(row, phase);
-  // Behind the widget's own message on the queue.
+  // After the widget's own message in the queue.
   MainQueue::sharedQueue().async([card = QPointer(this), phase] {
     if (!card) return;
     card->update();
@@ -46,7 +46,7 @@ void TodayWidget::touchRow(std::size_t row, WidgetHost::TouchPhase phase) {
 }
 
 int TodayWidget::naturalHeight() const {
-  // A growing card needs the room now, a shrinking one gives it back in the end.
+  // A growing card needs the height at once, a shrinking one until the animation ends.
   const bool moves = animation_.state() == QAbstractAnimation::Running;
   const double height =
       moves ? std::max(targetHeight_, animation_.startValue().toDouble()) : targetHeight_;
@@ -79,7 +79,7 @@ void TodayWidget::describeRows() {
     changed |= name != button.accessibleName();
     button.setAccessibleName(name);
     button.setAccessibleDescription(details);
-    // Escaped, or a zone's name could pass for markup.
+    // Escaped: the name of a zone may look like markup.
     button.setToolTip(details.toHtmlEscaped());
   }
   if (!changed || !isVisible()) return;

@@ -8,8 +8,7 @@
 
 namespace vantrel {
 
-/// The card of a widget's host: shows what it describes, and passes it the touches of the rows.
-/// Main thread only.
+/// Shows the card of a WidgetHost and passes touches of its rows to the host. Main thread only.
 class TodayWidget : public CardWidget {
   Q_OBJECT
 
@@ -17,16 +16,15 @@ class TodayWidget : public CardWidget {
   /// Both must outlive the widget.
   TodayWidget(WidgetHost& host, const QtTextMeasurer& measurer);
 
-  /// Shows what the host's widget shows now. A new life whose rows are the old ones leaves every
-  /// pixel as it was.
+  /// Shows the current content of the host's widget. If its rows are unchanged, no pixel changes.
   void showLife();
-  /// How long a change of height takes, in milliseconds; 0 for none.
+  /// The duration of a change of height; 0 for none.
   void setAnimationDuration(int milliseconds) { animation_.setDuration(milliseconds); }
   int naturalHeight() const override;
   const std::vector<TouchButton*>& rowButtons() const { return rows_; }
 
  signals:
-  /// A row's touch has ended or was cancelled, and the widget has done what it does about it.
+  /// The touch of a row has ended or was cancelled, and the widget has handled it.
   void rowTouchFinished();
 
  protected:

@@ -73,7 +73,7 @@ void TodayWindow::refresh() {
   if (widget_->isTouched()) return;
   const auto problem = storeProblem();
   ignoreStoreChangesSoFar();
-  // Keep the present rows until the store can be read again.
+  // Keep the rows until the store can be read again.
   if (!problem || !host_.isAlive()) {
     host_.beginLife(cardWidth(widget_->width()), modeFor(state_));
     showLife();

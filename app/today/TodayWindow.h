@@ -11,22 +11,23 @@
 
 namespace vantrel {
 
-/// The window that hosts the widget, and begins a new life of it when its content is out of date.
-/// Main thread only.
+/// The window that hosts the widget. When the content is out of date, it replaces the widget with a
+/// new one. Main thread only.
 class TodayWindow : public CardWindow {
   Q_OBJECT
 
  public:
-  /// `measurer` is the one that is installed; it and `opener` must outlive the window. Without
-  /// `dark` the desktop decides; unless `expanded`, the window opens as it was last time.
+  /// `measurer` must be the installed TextMeasurer; it and `opener` must outlive the window.
+  /// Without `dark`, the desktop's colour scheme is used. Unless `expanded`, the window opens in
+  /// the mode in which it was closed.
   TodayWindow(QtTextMeasurer& measurer, LinkOpener& opener, std::optional<bool> dark = {},
               bool expanded = false);
 
-  /// Begins a new life, unless a row is being touched: the touch's end does it.
+  /// Replaces the widget with a new one; during a touch, when it ends.
   void refresh() override;
-  /// Shows all rows, or two.
+  /// Shows all rows or two rows.
   void setExpanded(bool expanded);
-  /// Keeps the window's place and mode for the next time.
+  /// Stores the window's position and mode for the next start.
   void saveState() const;
 
  protected:
@@ -35,7 +36,7 @@ class TodayWindow : public CardWindow {
   void textScaleChanged() override;
 
  private:
-  /// The context menu of a row.
+  /// Shows the context menu of a row.
   struct RowMenu {
     QAction* copyCoordinates;
     QAction* showOnMap;

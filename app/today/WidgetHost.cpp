@@ -11,10 +11,10 @@ namespace vantrel {
 namespace {
 
 constexpr double kCompactHeight = 110;
-/// An empty list needs less room than two plans.
+/// The message of an empty list needs less height than two plans.
 constexpr double kEmptyHeight = 64;
 constexpr double kBottomAir = 8;
-/// Where hosts of old put a widget that asks for no margins of its own.
+/// The default inset of old hosts for a widget that sets no margins.
 constexpr double kOldInset = 37;
 constexpr int kFirstVersionWithModes = 10;
 
@@ -94,7 +94,7 @@ double WidgetHost::bodyHeight() const {
   for (const auto& label : view.planDateLabels()) {
     if (!label->isHidden()) lowest = std::max(lowest, label->frame().bottom());
   }
-  // Long titles and large letters need more than the compact mode has: a host may give it.
+  // Long titles and large text may need more height than the compact mode has; a host may grant it.
   if (lowest > 0) return std::max(asked, lowest + kBottomAir);
   return std::max(kEmptyHeight, view.messageLabel().frame().bottom() + kBottomAir);
 }
@@ -126,7 +126,7 @@ std::shared_ptr<const Planning> WidgetHost::plan(std::size_t row) const {
 
 void WidgetHost::touch(std::size_t row, TouchPhase phase) {
   if (!controller_ || row >= TodayEventsView::kRowCount) return;
-  // A row's two labels do the same about a touch.
+  // Both labels of a row handle a touch in the same way.
   TodayViewLabel& label = *controller_->todayView()->planTitleLabels()[row];
   switch (phase) {
     case TouchPhase::kBegan:

@@ -12,8 +12,8 @@
 
 namespace vantrel {
 
-/// Plays the notification centre to the widget: begins and ends its lives, gives it width and mode,
-/// hands touches to its labels. Knows no window. Main thread.
+/// Hosts the widget as the phone's notification centre does: creates and releases it, sets its
+/// width and mode, and passes touches to its labels. Independent of windows. Main thread only.
 class WidgetHost {
  public:
   using LinkHandler = std::function<void(const std::string&)>;
@@ -21,28 +21,28 @@ class WidgetHost {
   explicit WidgetHost(LinkHandler linkHandler = {});
   ~WidgetHost();
 
-  /// A new life takes the place of the old one: it fetches the plans of this moment.
+  /// Replaces the widget with a new one, which fetches the plans.
   void beginLife(double cardWidth, WidgetDisplayMode mode);
   bool isAlive() const { return controller_ != nullptr; }
-  /// The user's text size, 1 for the usual one: the compact mode grows with it.
+  /// The user's text size, 1 by default. The height of the compact mode is proportional to it.
   void setTextScale(double textScale) { textScale_ = textScale; }
-  /// Whether the widget was laid out anew.
+  /// Returns whether the widget was laid out again.
   bool setCardWidth(double width);
   void setMode(WidgetDisplayMode mode);
 
-  /// Fills in all of the card but its bar and what the user is doing to it.
+  /// Fills in `content` except its bar and the state of focus, pointer and touch.
   void describe(CardContent& content) const;
-  /// The plan of a visible row, in their order; null for none.
+  /// Returns the plan of a visible row; null if there is none.
   std::shared_ptr<const Planning> plan(std::size_t row) const;
 
-  /// A finger on a visible row. What the widget does about it happens on a later turn of the main
+  /// Passes a touch of a visible row to the widget, which handles it on a later turn of the main
   /// queue.
   enum class TouchPhase { kBegan, kEnded, kCancelled };
   void touch(std::size_t row, TouchPhase phase);
 
  private:
   class Context;
-  /// Whether the widget asked for the expanded mode; then the host offers both.
+  /// Whether the widget asked for the expanded mode; the host then offers both modes.
   bool offersModes() const;
   Size maximumSize() const;
   double bodyHeight() const;

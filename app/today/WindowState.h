@@ -4,13 +4,13 @@
 
 namespace vantrel {
 
-/// What the window remembers from run to run, in the user's state folder. Main thread.
+/// The state of the window that is kept between runs, in the user's state folder. Main thread only.
 struct WindowState {
-  QByteArray geometry;  ///< As QWidget::saveGeometry tells it; empty when unknown.
+  QByteArray geometry;  ///< From QWidget::saveGeometry; empty if unknown.
   bool expanded = false;
 
   static WindowState load();
-  /// Makes the folder when it is missing; a state that cannot be kept is lost without a word.
+  /// Creates the folder if necessary. Errors are ignored.
   void save() const;
 };
 

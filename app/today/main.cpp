@@ -29,14 +29,14 @@ namespace vantrel {
 
 namespace {
 
-/// How long a program that the bus has started waits to be told what to show.
+/// How long a process that the bus has started waits for a request.
 constexpr std::chrono::seconds kIdle{30};
 
-/// Set for a program that takes its own place: "+" for the widget's window, then the link of the
-/// plan that was shown, if there was one.
+/// Environment variable of a process that replaces itself: "+" if the widget's window was open,
+/// then the link of the open plan, if any.
 constexpr const char* kRestarted = "VANTREL_TODAY_RESTARTED";
 
-/// The toolkit aborts when it finds no display; a person is told what to do instead.
+/// Qt aborts if there is no display; this explains what to do instead.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
                            const QString& /*message*/) {
   if (type != QtFatalMsg) return;
@@ -45,15 +45,15 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
   std::_Exit(kExitUnavailable);
 }
 
-/// What a program that took its own place shows: the windows as they were left. Gives the link of
-/// the plan beside the widget's window.
+/// Restores the windows that were open before a restart. Returns the link of the plan that was open
+/// beside the widget's window.
 std::string takeRestart(Options& options) {
   const char* value = std::getenv(kRestarted);
   if (!value) return {};
   std::string shown = value;
   unsetenv(kRestarted);
   options.expanded = false;
-  // Without windows it was a service, for reminders.
+  // Without windows it was a service for reminders.
   options.service = shown.empty();
   options.link.reset();
   if (shown.empty()) return {};
@@ -96,8 +96,8 @@ int showWindow(int argc, char** argv, Options options) {
     if (!plan) {
       logLine("vantrel-today: " + plan.error().localizedDescription);
       showNotice(messageForLinkError(plan.error()));
-      // Not through the toolkit's own end: the bus's thread may still be at work, and would
-      // complain.
+      // Does not run Qt's destructors: the thread of the bus may still be running and would log a
+      // warning.
       std::_Exit(exitCodeForError(plan.error()));
     }
   }
@@ -122,7 +122,7 @@ int showWindow(int argc, char** argv, Options options) {
       {.activate = [&program] { program.activate(); },
        .open = [&program](const std::string& link) { return program.openLink(link); },
        .perform = [&program](const QString& action) { return program.perform(action); }});
-  // A window with wishes of its own is not what another start would have shown.
+  // A window with options of its own is not shared with other starts.
   if (!options.dark && options.systemVersion.empty()) {
     const QString action = options.expanded ? QStringLiteral("show-more") : QString();
     const auto role = service.start(options.link.value_or(""), action);

@@ -6,7 +6,7 @@ namespace vantrel {
 
 namespace {
 
-/// The sizes that the build draws from the one drawing, in pixels.
+/// The sizes in pixels that the build renders.
 constexpr std::array kSizes{20, 30, 40, 60, 80, 256};
 
 QString resourceFor(int size) {

@@ -5,9 +5,9 @@
 
 namespace vantrel {
 
-/// The application's icon, sharp at `size` logical pixels on a device of that scale.
+/// Returns the application's icon with `size` logical pixels for a device of that scale.
 QImage appIcon(double size, double scale);
-/// The same in all its sizes, for windows.
+/// Returns the icon in all sizes, for windows.
 QIcon appIcon();
 
 }  // namespace vantrel

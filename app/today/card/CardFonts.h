@@ -8,7 +8,7 @@ namespace vantrel {
 class QtTextMeasurer;
 }
 
-/// The fonts of the card's own texts; those of the rows come from their labels.
+/// The fonts of the card's own texts. Rows use the fonts of their labels.
 namespace vantrel::cardfonts {
 
 QFont name(const QtTextMeasurer& measurer);

@@ -27,7 +27,7 @@ constexpr double kTextRight = 24;
 constexpr double kTextsTop = 14;
 constexpr double kTextsBottom = 20;
 
-/// What is free above a text that is not the first.
+/// The space above a text that is not the first.
 double gapAbove(CardContent::Text::Kind kind) {
   using Kind = CardContent::Text::Kind;
   return kind == Kind::kCaption ? 14 : kind == Kind::kWhen ? 6 : 2;
@@ -46,7 +46,7 @@ double actionWidth(const std::string& text, const QFont& font) {
   return text.empty() ? 0 : std::ceil(QtParagraph(text, font).width()) + 2 * kActionMargin;
 }
 
-/// The narrowest of a row's labels that leaves the next column alone.
+/// Ends the labels of a row before the next column.
 void keepOutOfNextColumn(std::vector<CardLayout::Row>& rows) {
   for (auto& row : rows) {
     for (const auto& other : rows) {
@@ -101,7 +101,7 @@ void placeRows(CardLayout& layout, const CardContent& content) {
   if (content.message) layout.message = toQRectF(content.message->frame(), origin);
 }
 
-/// Tells where the card ends below them.
+/// Places the texts of a sheet and returns the bottom of the card.
 double placeTexts(CardLayout& layout, const CardContent& content, const QtTextMeasurer& measurer) {
   const double left = layout.card.left() + kTextLeft;
   double y = layout.bodyTop() + kTextsTop;

@@ -10,17 +10,17 @@ namespace vantrel {
 
 class QtTextMeasurer;
 
-/// Where everything stands in a picture of the card, in logical pixels from the picture's top left
-/// corner; mirrored in right-to-left interfaces.
+/// The positions of all parts in a picture of the card, in logical pixels from its top left corner;
+/// mirrored in right-to-left interfaces.
 struct CardLayout {
-  /// Free space around the card.
+  /// The margin around the card.
   static constexpr double kMargin = 28;
   static constexpr double kUsualCardWidth = 398;
 
   struct Row {
     QRectF title;
     QRectF date;
-    QRectF shape;  ///< What is touched, backed and ringed: title, date, the gap, and some air.
+    QRectF shape;  ///< Of touch, background and focus ring: title and date with padding.
   };
   struct Text {
     QRectF place;
@@ -31,24 +31,24 @@ struct CardLayout {
   QRectF header;
   QRectF icon;
   QRectF name;
-  QRectF action;  ///< The area to hit, larger than the text; empty when there is none.
-  QRectF bar;     ///< Empty when there is none.
+  QRectF action;  ///< The area to press, larger than the text; empty for none.
+  QRectF bar;     ///< Empty for none.
   QRectF barStripe;
   QRectF barText;
-  QRectF barAction;  ///< The area to hit.
+  QRectF barAction;  ///< The area to press.
   QRectF message;
-  std::vector<Row> rows;  ///< Of a plan's sheet the one text that can be pressed, its place.
+  std::vector<Row> rows;  ///< In a plan's sheet: its place, if it has one.
   std::vector<Text> texts;
 
   double bodyTop() const { return header.bottom() + bar.height(); }
-  /// The height of a picture with the same space all around.
+  /// The height of a picture with equal margins.
   double pictureHeight() const { return card.bottom() + kMargin; }
 
   static CardLayout make(const CardContent& content, double pictureWidth,
                          const QtTextMeasurer& measurer);
 };
 
-/// The width of a card in a picture of that width.
+/// Returns the width of the card in a picture of that width.
 double cardWidth(double pictureWidth);
 
 }  // namespace vantrel

@@ -25,7 +25,7 @@ const QColor& colorOf(CardContent::Text::Kind kind, const Theme& theme) {
   return kind == Kind::kPlace ? theme.action : theme.sheetText;
 }
 
-/// One text, cut to one line unless it may have more, centred vertically in `area`.
+/// Draws a text, truncated to one line unless it may have more, centred vertically in `area`.
 void paintText(QPainter& painter, const std::string& text, const QFont& font, const QRectF& area,
                const QColor& color, bool rightToLeft, int maximumLines = 1) {
   QtParagraph paragraph(text, font, rightToLeft);
@@ -34,7 +34,7 @@ void paintText(QPainter& painter, const std::string& text, const QFont& font, co
   paragraph.draw(painter, {area.left(), area.center().y() - paragraph.height() / 2});
 }
 
-/// A word to press; its area has the same free space on both sides.
+/// Draws the text of a button, centred in its area.
 void paintAction(QPainter& painter, const std::string& text, const QFont& font, const QRectF& area,
                  const QColor& color, bool held) {
   const QtParagraph paragraph(text, font);
@@ -76,7 +76,7 @@ void CardPainter::paintShadow(QPainter& painter, const QSize& pictureSize, const
                               const Theme& theme) {
   const double scale = painter.device()->devicePixelRatioF();
   const QImage& shadow = shadow_.imageFor(pictureSize, scale, layout.card, theme.shadowOpacity);
-  // In bands, as a large image would be drawn by several threads, whose start takes longer.
+  // In bands: for a large image Qt starts threads, which takes longer than drawing.
   constexpr int kPixelsPerBand = 1 << 15;
   const int height = std::max(1, kPixelsPerBand / std::max(1, shadow.width()));
   for (int y = 0; y < shadow.height(); y += height) {

@@ -11,13 +11,13 @@ namespace vantrel {
 
 class QtTextMeasurer;
 
-/// Draws a whole card, for the window as for a picture in a file. Main thread.
+/// Draws a card, in a window or a picture. Main thread only.
 class CardPainter {
  public:
   explicit CardPainter(const QtTextMeasurer& measurer) : measurer_(measurer) {}
 
-  /// The painter's device is as large as the picture that `layout` was made for; what is behind the
-  /// card has been filled.
+  /// The painter's device must have the size for which `layout` was made, and be filled with the
+  /// background.
   void paint(QPainter& painter, const QSize& pictureSize, const CardContent& content,
              const CardLayout& layout, const Theme& theme);
 

@@ -10,7 +10,7 @@ namespace {
 constexpr double kBlur = 28;
 constexpr double kDrop = 8;
 
-/// How much of a blurred bar from `first` to `last` reaches each of `count` pixels.
+/// Returns the coverage of `count` pixels by a blurred bar from `first` to `last`.
 std::vector<double> blurredBar(int count, double scale, double first, double last) {
   const double spread = kBlur / 2 * std::sqrt(2.0);
   std::vector<double> result(static_cast<std::size_t>(count));
@@ -23,8 +23,8 @@ std::vector<double> blurredBar(int count, double scale, double first, double las
 
 }  // namespace
 
-// A blurred rectangle is the product of two blurred bars; against a blur that wide, the card's
-// round corners make no difference that could be seen.
+// A blurred rectangle is the product of two blurred bars. With such a wide blur, the card's round
+// corners make no visible difference.
 const QImage& CardShadow::imageFor(const QSize& size, double scale, const QRectF& card,
                                    double opacity) {
   const QSize pixels(static_cast<int>(std::ceil(size.width() * scale)),
@@ -35,7 +35,8 @@ const QImage& CardShadow::imageFor(const QSize& size, double scale, const QRectF
   card_ = card;
   scale_ = scale;
   opacity_ = opacity;
-  // The painter's own format: any other is converted, by threads that a small picture waits for.
+  // The painter's own format: converting another one starts threads, which takes longer than
+  // drawing.
   image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
   image_.setDevicePixelRatio(scale);
   const auto across = blurredBar(pixels.width(), scale, card.left(), card.right());

@@ -5,10 +5,10 @@
 
 namespace vantrel {
 
-/// The soft shadow around a card, kept as an image for as long as it serves.
+/// The shadow around a card, cached as an image.
 class CardShadow {
  public:
-  /// Black with the shadow's alpha, for the whole picture of `size`.
+  /// Returns an image of `size`: black with the alpha of the shadow.
   const QImage& imageFor(const QSize& size, double scale, const QRectF& card, double opacity);
 
  private:

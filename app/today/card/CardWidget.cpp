@@ -106,7 +106,7 @@ void CardWidget::placeButtons() {
   }
 }
 
-/// Copies the state of the buttons that is drawn.
+/// Copies the state of the buttons to the content.
 void CardWidget::takeLook() {
   using Part = CardContent::Part;
   content_.held = action_->isHeld()      ? Part::kAction

@@ -11,8 +11,8 @@ namespace vantrel {
 class SpokenText;
 class TouchButton;
 
-/// A card in a window: draws it, lays a button over every part that can be pressed, and a text for
-/// screen readers over every other. Main thread.
+/// Draws a card in a window, with a button over each part that can be pressed and a text for screen
+/// readers over each other part. Main thread only.
 class CardWidget : public QWidget {
   Q_OBJECT
 
@@ -20,7 +20,8 @@ class CardWidget : public QWidget {
   /// `measurer` must outlive the widget.
   explicit CardWidget(const QtTextMeasurer& measurer, QWidget* parent = nullptr);
 
-  /// To be filled in but for its bar and what the user is doing to it, then shown.
+  /// Fill in everything except the bar and the state of focus, pointer and touch; then call
+  /// showContent().
   CardContent& content() { return content_; }
   void showContent();
   const CardLayout& layoutOfCard() const { return layout_; }
@@ -28,9 +29,9 @@ class CardWidget : public QWidget {
   TouchButton* addRow();
   void setBar(const std::optional<CardContent::Bar>& bar);
   void setTheme(const Theme& theme, const QColor& background);
-  /// A row is being touched: it must neither move nor go.
+  /// Whether a row is being touched: it must then neither move nor disappear.
   bool isTouched() const;
-  /// The height that the window is to have room for, the card's surroundings included.
+  /// The height of the card with its margins.
   virtual int naturalHeight() const;
 
  signals:

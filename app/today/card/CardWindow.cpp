@@ -34,7 +34,7 @@ bool isDark(const QColor& color) {
   return color.lightnessF() < 0.5;
 }
 
-/// To screen readers a window, which a scroll area is not by itself.
+/// The role of a window: screen readers do not treat a scroll area as one.
 QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
   auto* window = qobject_cast<CardWindow*>(object);
   return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
@@ -69,7 +69,7 @@ void CardWindow::connectTriggers() {
     emit restartRequested();
   };
   connect(&triggers_, &RefreshTriggers::storeChanged, this, readAgain);
-  // The end of a lock is no change of the store.
+  // The end of a lock does not appear as a change of the store.
   busyStore_.setSingleShot(true);
   busyStore_.setInterval(static_cast<int>(kBusyStoreSeconds * 1000));
   connect(&busyStore_, &QTimer::timeout, this, readAgain);
@@ -89,10 +89,10 @@ void CardWindow::setCard(CardWidget& card) {
 void CardWindow::takeDesktopSettings() {
   const bool dark = wantsDark_.value_or(cardIsDark(desktop_.isDark()));
   const Theme theme = Theme::forStyle(dark, desktop_.wantsContrast());
-  // The desktop's own colour, where it has taken part in the change of scheme.
+  // The desktop's own colour if it has followed the change of scheme.
   const QColor own = QGuiApplication::palette().color(QPalette::Window);
   card_->setTheme(theme, isDark(own) == dark ? own : theme.behind);
-  // The measurer serves every window: another one may have set it before.
+  // All windows share the measurer: another one may have changed it.
   measurer_.setScale(desktop_.textScale());
   if (textScale_ == measurer_.scale()) return;
   textScale_ = measurer_.scale();
@@ -105,7 +105,7 @@ void CardWindow::openLink(const std::string& link, std::string_view noHandler) {
   const auto result = opener_.open(link);
   if (result != Result::kOpened) {
     linkToCopy_ = link;
-    // While opening, the program may have given a reason by `tell`.
+    // While opening, the program may have given a reason by `showMessage`.
     const std::string reason = notice_                     ? notice_->text
                                : result == Result::kNoPlan ? localized("today_link_plan_missing")
                                                            : localized(noHandler);
@@ -114,7 +114,7 @@ void CardWindow::openLink(const std::string& link, std::string_view noHandler) {
   showBar();
 }
 
-void CardWindow::tell(const std::string& message) {
+void CardWindow::showMessage(const std::string& message) {
   notice_ = CardContent::Bar{message, {}};
   showBar();
 }
@@ -122,9 +122,9 @@ void CardWindow::tell(const std::string& message) {
 void CardWindow::copy(const std::string& text, std::string_view copied) {
   QGuiApplication::clipboard()->setText(QString::fromStdString(text));
   const std::string message = localized(copied);
-  tell(message);
+  showMessage(message);
   QTimer::singleShot(kCopiedNotice, this, [this, message] {
-    // Rows must not move under a finger.
+    // Rows must not move while they are touched.
     if (!notice_ || notice_->text != message || card_->isTouched()) return;
     notice_.reset();
     showBar();
@@ -155,7 +155,7 @@ void CardWindow::fitHeight() {
   fitCard();
 }
 
-/// The card fills the window, and is scrolled where it needs more.
+/// Fits the card to the window, scrolled if it is larger.
 void CardWindow::fitCard() {
   if (!card_) return;
   const QSize room = viewport()->size();

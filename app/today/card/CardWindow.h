@@ -15,28 +15,29 @@ namespace vantrel {
 
 class QtTextMeasurer;
 
-/// A window that shows one card: as high as the card needs, scrolled where the screen has less
-/// room, in the desktop's colours and text size, and as old as the store. Main thread.
+/// A window with one card: as high as the card, scrolled if the screen is smaller, in the desktop's
+/// colours and text size, and up to date with the store. Main thread only.
 class CardWindow : public QScrollArea {
   Q_OBJECT
 
  public:
-  /// Whether `ready` was told.
+  /// Whether `ready` was emitted.
   bool isReady() const { return isReady_; }
-  /// Shows what the store holds now.
+  /// Shows the current plans.
   virtual void refresh() = 0;
-  /// Tells something on the card, until a link could be opened.
-  void tell(const std::string& message);
+  /// Shows a message on the card until a link has been opened.
+  void showMessage(const std::string& message);
 
  signals:
-  /// The colours are known: what is shown from now on will not flash.
+  /// The colours are known: a window shown from now on does not flash.
   void ready();
-  /// What is to be shown can only be told anew by a new process.
+  /// Only a new process can show the current content.
   void restartRequested();
 
  protected:
-  /// `measurer` is the one that is installed; it and `opener` must outlive the window. Without
-  /// `dark` the desktop decides. The derived window sets its card last.
+  /// `measurer` must be the installed TextMeasurer; it and `opener` must outlive the window.
+  /// Without `dark`, the desktop's colour scheme is used. Derived classes call setCard() last in
+  /// the constructor.
   CardWindow(QtTextMeasurer& measurer, LinkOpener& opener, std::optional<bool> dark);
 
   void setCard(CardWidget& card);
@@ -47,12 +48,12 @@ class CardWindow : public QScrollArea {
   /// Copies a text and shows the message with the key `copied` for a few seconds.
   void copy(const std::string& text, std::string_view copied);
   void copyLink(const std::string& link) { copy(link, "today_link_copied"); }
-  /// Shows what is wrong with the store, with one way out of it, instead of all that is told.
+  /// Shows the problem with the store and a button to solve it, in place of any other message.
   void setProblem(const std::optional<Error>& problem);
   void ignoreStoreChangesSoFar() { triggers_.ignoreStoreChangesSoFar(); }
 
   virtual void takeDesktopSettings();
-  /// Sets the texts of the card anew.
+  /// Lays out the texts of the card again.
   virtual void textScaleChanged() { card_->showContent(); }
   const DesktopSettings& desktop() const { return desktop_; }
   const QtTextMeasurer& measurer() const { return measurer_; }

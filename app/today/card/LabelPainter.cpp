@@ -11,7 +11,7 @@ namespace vantrel {
 
 namespace {
 
-/// Rounding of heights alone is no reason to shrink.
+/// Tolerance: differences by rounding do not shrink the text.
 constexpr double kTolerance = 1;
 
 bool fits(const QtParagraph& paragraph, const Label& label, double height) {

@@ -11,8 +11,8 @@ namespace vantrel {
 
 class QtTextMeasurer;
 
-/// Draws a label as it asks to be drawn: at most its number of lines, smaller (down to its minimum
-/// scale) where it would not fit, then cut at the end and marked.
+/// Draws a label with at most its number of lines. A text that does not fit is made smaller, down
+/// to the label's minimum scale, then truncated with an ellipsis.
 void paintLabel(QPainter& painter, const Label& label, const QRectF& frame, const QColor& color,
                 const QtTextMeasurer& measurer, bool rightToLeft);
 

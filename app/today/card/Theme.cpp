@@ -45,7 +45,7 @@ Theme darkTheme() {
 }
 
 Theme lightTheme() {
-  // The blue, dark enough to be read on white and on the header.
+  // A blue with enough contrast on white and on the header.
   const QColor blue(0x0B, 0x6F, 0x86);
   Theme theme;
   theme.behind = QColor(0xE6, 0xE7, 0xEA);
@@ -82,7 +82,7 @@ QColor Theme::resolved(const Color& color) const {
 
 QColor Theme::backingFor(const QColor& text, const QColor& untouchedText) const {
   if (text == untouchedText && contrastRatio(text, card) >= kReadableContrast) return {};
-  // Black text on the dark card needs a light backing, all other a dark one.
+  // Black text on the dark card needs a light background, other texts a dark one.
   return contrastRatio(text, backing) >= kReadableContrast ? backing : lightTheme().header;
 }
 

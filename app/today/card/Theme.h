@@ -9,7 +9,7 @@ namespace vantrel {
 /// The card's colours in the dark or the light interface style.
 struct Theme {
   bool dark = false;
-  QColor behind;  ///< Around the card, where the desktop has no colour of its own for it.
+  QColor behind;  ///< Around the card, unless the desktop has a colour for it.
   QColor card;
   QColor header;
   QColor name;
@@ -23,17 +23,17 @@ struct Theme {
   QColor barStripe;
   double shadowOpacity = 0;
 
-  /// With `highContrast` all texts have at least 7:1 instead of 4.5:1.
+  /// With `highContrast`, all texts have a contrast of at least 7:1 instead of 4.5:1.
   static Theme forStyle(bool dark, bool highContrast = false);
-  /// The colour as this style draws it.
+  /// Returns the colour as this style draws it.
   QColor resolved(const Color& color) const;
-  /// What to lay behind a row's text so that it can be read: the backing for a row that a touch
-  /// coloured or whose text has less than 4.5:1 against the card; invalid when nothing is needed.
+  /// Returns the background that makes a row's text readable: for a row coloured by a touch, or
+  /// whose text has a contrast below 4.5:1 on the card. Invalid if none is needed.
   QColor backingFor(const QColor& text, const QColor& untouchedText) const;
 };
 
-/// Whether the widget's texts are made for a dark card: before system version 10 they are white,
-/// from 13 on they follow the desktop.
+/// Whether the widget's texts need a dark card: before system version 10 they are white, from 13 on
+/// they follow the desktop.
 bool cardIsDark(bool desktopIsDark);
 
 /// The contrast of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").

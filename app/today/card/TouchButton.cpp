@@ -17,10 +17,10 @@ bool isActivationKey(int key) {
 
 TouchButton::TouchButton(QWidget* parent) : QAbstractButton(parent) {
   setAttribute(Qt::WA_AcceptTouchEvents);
-  // The ring tells where the keyboard is; a click does not move the keyboard.
+  // The ring shows where the keyboard is; a click does not move the focus.
   setFocusPolicy(Qt::TabFocus);
   setCursor(Qt::PointingHandCursor);
-  // A screen reader's press comes as a click without a touch before it.
+  // A press by a screen reader is a click without a touch before it.
   connect(this, &QAbstractButton::clicked, this, [this] {
     begin();
     finish(true);
@@ -60,7 +60,7 @@ bool TouchButton::event(QEvent* event) {
 }
 
 bool TouchButton::handleTouch(QTouchEvent& event) {
-  // Further fingers do not count.
+  // Only the first finger counts.
   const QPointF position = event.points().isEmpty() ? QPointF() : event.points().first().position();
   if (event.type() == QEvent::TouchBegin) begin();
   if (event.type() == QEvent::TouchEnd) finish(QRectF(rect()).contains(position));
@@ -118,7 +118,7 @@ void TouchButton::leaveEvent(QEvent* event) {
 
 void TouchButton::focusInEvent(QFocusEvent* event) {
   QAbstractButton::focusInEvent(event);
-  // Coming back to the window, the ring is as it was.
+  // After a return to the window, the ring is as before.
   if (event->reason() != Qt::ActiveWindowFocusReason) {
     focusShown_ = event->reason() == Qt::TabFocusReason ||
                   event->reason() == Qt::BacktabFocusReason ||

@@ -6,8 +6,8 @@ class QTouchEvent;
 
 namespace vantrel {
 
-/// A place on the card to press, by mouse, finger, Enter, Space or a screen reader. Draws nothing:
-/// the card does. Main thread.
+/// An invisible button over a part of the card, for mouse, touch, Enter, Space and screen readers.
+/// Main thread only.
 class TouchButton : public QAbstractButton {
   Q_OBJECT
 
@@ -17,13 +17,13 @@ class TouchButton : public QAbstractButton {
   bool isHeld() const { return held_; }
   /// Whether the pointer is over the button.
   bool isHovered() const { return hovered_; }
-  /// Whether the button has the keyboard focus and the user moved it by key: a window that was only
-  /// opened shows no focus ring.
+  /// Whether the button has the keyboard focus and the user moved it by key. A newly opened window
+  /// shows no focus ring.
   bool showsFocus() const { return hasFocus() && focusShown_; }
 
  signals:
-  /// A touch begins, then ends or is cancelled: let go outside, taken away by the system, or given
-  /// up with Escape.
+  /// A touch begins, then ends or is cancelled: released outside, ended by the system, or by
+  /// Escape.
   void touchBegan();
   void touchEnded();
   void touchCancelled();

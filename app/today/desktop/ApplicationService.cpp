@@ -17,8 +17,8 @@ const QString kApplicationInterface = QStringLiteral("org.freedesktop.Applicatio
 const QString kStore = QStringLiteral("x-vantrel-store");
 constexpr int kPatienceMilliseconds = 5000;
 
-/// By what the desktop permits a window to come to the front, and the variables that hand it from
-/// program to program.
+/// The platform data that let a window come to the front, and the environment variables that pass
+/// them on.
 constexpr struct {
   const char* key;
   const char* variable;
@@ -33,7 +33,7 @@ ApplicationService::ApplicationService(std::string store, Actions actions)
 ApplicationService::Role ApplicationService::start(const std::string& link, const QString& action) {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return Role::kAlone;
-  // The object before the name: whoever sees the name can use it.
+  // Registers the object before the name, so that whoever sees the name can use it.
   bus.registerObject(kObjectPath, this, QDBusConnection::ExportAllSlots);
   if (bus.registerService(kName)) return Role::kFirst;
   bus.unregisterObject(kObjectPath);
@@ -62,7 +62,7 @@ bool ApplicationService::askFirst(const std::string& link, const QString& action
   return reply.type() == QDBusMessage::ReplyMessage;
 }
 
-/// Refuses those that look at other plans; takes over the permission to come to the front.
+/// Rejects requests for another store; takes over the permission to come to the front.
 bool ApplicationService::accepts(const QVariantMap& platformData) {
   const auto store = platformData.constFind(kStore);
   if (store != platformData.constEnd() && store->toString().toStdString() != store_) {

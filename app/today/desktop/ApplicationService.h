@@ -9,35 +9,33 @@
 
 namespace vantrel {
 
-/// Sees to it that there is one window: the program that holds the application's name on the
-/// session bus is the one that later starts talk to (org.freedesktop.Application). Main thread.
+/// Ensures that one process shows the windows: the first owns the application's name on the session
+/// bus, and later starts send it their requests (org.freedesktop.Application). Main thread only.
 class ApplicationService : public QObject, protected QDBusContext {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
  public:
-  /// What the desktop, or a later start, can ask for. `open` and `perform` are false for a link
-  /// that leads to no plan and an action that there is not.
+  /// The requests of the desktop and of later starts. `open` returns false if the link leads to no
+  /// plan, `perform` if the action is unknown.
   struct Actions {
     std::function<void()> activate;
     std::function<bool(const std::string& link)> open;
     std::function<bool(const QString& name)> perform;
   };
 
-  /// `store` tells programs apart that look at different plans: they do not stand in for each
-  /// other.
+  /// Processes with different values of `store` ignore each other's requests.
   ApplicationService(std::string store, Actions actions);
 
   enum class Role {
-    kFirst,   ///< This program holds the name now.
-    kAlone,   ///< There is no bus, or nobody there who could stand in.
-    kServed,  ///< Another program has done what was asked.
+    kFirst,   ///< This process now owns the name.
+    kAlone,   ///< There is no bus, or no other process for this store.
+    kServed,  ///< Another process has performed the request.
   };
-  /// Takes the name, else asks the program that has it to show the window or, with a link, a plan,
-  /// or to perform an action. Hands on the desktop's permission to come to the front.
+  /// Acquires the name. If another process owns it, asks that process to show the window, to open
+  /// `link`, or to perform `action`, and passes on the desktop's permission to come to the front.
   Role start(const std::string& link, const QString& action);
-  /// Asks the program that has the name, if there is one, to perform an action. Returns false if
-  /// nobody does.
+  /// Asks the process that owns the name to perform an action. Returns false if there is none.
   bool ask(const QString& action) const;
 
  public slots:

@@ -25,8 +25,8 @@ int fail(int code, const std::string& what, const std::string& why) {
   return code;
 }
 
-/// As the value of Exec: quoted, with what would have a meaning there escaped twice, for the
-/// argument and for the text of the file.
+/// Returns a quoted value of Exec: special characters are escaped twice, for the argument and for
+/// the file.
 std::string quoted(const std::string& argument) {
   std::string result = "\"";
   for (const char c : argument) {
@@ -38,7 +38,7 @@ std::string quoted(const std::string& argument) {
   return result + "\"";
 }
 
-/// By its name where that finds it: the entry then survives a move of the program.
+/// Returns the program's name if PATH finds this program by it: the entry then survives a move.
 std::string command(const fs::path& program) {
   const QString found = QStandardPaths::findExecutable(QStringLiteral("vantrel-today"));
   std::error_code error;
@@ -64,7 +64,7 @@ int turnOn(const fs::path& entry) {
         file.error() == QFileDevice::PermissionsError ? kExitPermission : kExitCannotCreate;
     return fail(code, entry.string(), file.errorString().toStdString());
   }
-  // Nobody else may write what runs at login, whatever the umask.
+  // Other users must not write what runs at login, whatever the umask.
   file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
   file.write(QByteArray::fromStdString(text));
   if (file.commit()) return kExitDone;

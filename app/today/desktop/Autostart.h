@@ -2,10 +2,10 @@
 
 namespace vantrel {
 
-/// Has the desktop open the window with every session of this user, or no more. Gives the exit
-/// code, after one line on standard error when it is not 0.
+/// Enables or disables the start of the window with each session of the user. Returns the exit
+/// code; if it is not 0, after one line of error.
 int setAutostart(bool on);
-/// Whether the entry exists.
+/// Whether the start with the session is enabled.
 bool isAutostartOn();
 
 }  // namespace vantrel

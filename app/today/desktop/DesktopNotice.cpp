@@ -28,7 +28,7 @@ void showNotice(const std::string& text) {
   constexpr int kDesktopsOwnTime = -1;
   call << QStringLiteral("Vantrel") << 0u << id << QString::fromStdString(text) << QString()
        << QStringList() << QVariantMap{{QStringLiteral("desktop-entry"), id}} << kDesktopsOwnTime;
-  // The program ends with this: the notice has to be handed over before.
+  // Sends the message now: the program exits next.
   constexpr int kNoticePatienceMilliseconds = 2000;
   bus.call(call, QDBus::Block, kNoticePatienceMilliseconds);
 }

@@ -30,7 +30,7 @@ constexpr uint kPrefersDark = 1;
 constexpr uint kPrefersLight = 2;
 constexpr double kLargestTextScale = 4;
 
-/// `Read` wraps its answer twice, the signal once.
+/// `Read` wraps its value in two variants, the signal in one.
 QVariant unwrapped(QVariant value) {
   while (value.userType() == qMetaTypeId<QDBusVariant>()) {
     value = value.value<QDBusVariant>().variant();
@@ -67,7 +67,7 @@ bool DesktopSettings::isDark() const {
 }
 
 double DesktopSettings::textScale() const {
-  // On X11 the desktop's factor is already in the scale of the screen.
+  // On X11 the screen's scale already contains the desktop's factor.
   const bool wayland = QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
   const double scale = textScaleForPointSize(QFontInfo(QGuiApplication::font()).pointSizeF());
   return std::clamp(scale * (wayland ? textScalingFactor_ : 1), 0.5, kLargestTextScale);
@@ -81,7 +81,7 @@ void DesktopSettings::ask(const QString& group, const QString& key) {
   connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {
     watcher->deleteLater();
     const QDBusPendingReply<QDBusVariant> reply = *watcher;
-    // An error means that this portal does not know the setting: its default stays.
+    // An error means that the portal lacks the setting: its default stays.
     if (!reply.isError() && take(group, key, reply.value().variant())) emit changed();
     if (key == kColorScheme) emit answered();
   });

@@ -8,9 +8,9 @@
 
 namespace vantrel {
 
-/// What the user chose for all applications: colours, motion, text size. Asked of the
-/// desktop's settings portal and followed while the program runs; without a portal the palette and
-/// the font decide. Main thread.
+/// The user's settings for all applications: colours, motion, text size. They come from the
+/// desktop's settings portal and are kept up to date; without a portal, from palette and font. Main
+/// thread only.
 class DesktopSettings : public QObject {
   Q_OBJECT
 
@@ -20,16 +20,16 @@ class DesktopSettings : public QObject {
   bool isDark() const;
   bool wantsContrast() const { return highContrast_; }
   bool reducesMotion() const { return reducedMotion_ || !animations_; }
-  /// Factor on the card's texts, 1 for a desktop as it is delivered.
+  /// The scale of the card's texts, 1 by default.
   double textScale() const;
 
  signals:
   void changed();
-  /// The portal told the colour scheme, or there is none to ask; once.
+  /// Emitted once, when the colour scheme is known or there is no portal.
   void answered();
 
  private slots:
-  /// Takes the message whole: Qt 6.4 connects no slot with a variant before the first reply came.
+  /// Takes the whole message: Qt 6.4 connects no slot with a variant before the first reply.
   void settingChanged(const QDBusMessage& message);
 
  private:
@@ -43,7 +43,8 @@ class DesktopSettings : public QObject {
   double textScalingFactor_ = 1;
 };
 
-/// The factor for a desktop font of that size: desktops are delivered with 9 to 11 points.
+/// Returns the text scale for a desktop font of that size: the defaults of desktops are 9 to 11
+/// points.
 double textScaleForPointSize(double points);
 
 }  // namespace vantrel

@@ -12,7 +12,7 @@ LinkOpener::Result LinkOpener::open(const std::string& link) {
   const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(link), QUrl::StrictMode);
   if (!url.isValid()) return Result::kFailed;
   const bool isPlan = url.scheme() == QLatin1String("vantrel");
-  // Checked first: the desktop's opener may fail silently, long after it was started.
+  // Checked first: the desktop's opener may fail later, without an error.
   const QString handler = handlerForScheme(url.scheme());
   if (showPlan_ && isPlan && (handler.isEmpty() || handler == QLatin1String(kLinkEntry))) {
     return showPlan_(link) ? Result::kOpened : Result::kNoPlan;

@@ -17,8 +17,8 @@ class LinkOpener {
   /// Shows the plan of a link. Returns false if that is impossible.
   using PlanShower = std::function<bool(const std::string& link)>;
 
-  /// `showPlan` opens the links of plans unless another program handles them. Without it, the
-  /// desktop opens all links.
+  /// `showPlan` opens links of plans that no other program handles. Without it, the desktop opens
+  /// all links.
   explicit LinkOpener(PlanShower showPlan = {}) : showPlan_(std::move(showPlan)) {}
   virtual ~LinkOpener() = default;
   /// Opens `link` byte for byte.

@@ -17,7 +17,8 @@ QStringList applicationFolders() {
   return folders;
 }
 
-/// Most important first: the user's choice for this desktop, for all desktops, then the system's.
+/// Returns the files by priority: the user's choice for this desktop, for all desktops, then the
+/// system's.
 QStringList associationFiles() {
   QStringList names;
   const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").toLower();
@@ -38,7 +39,7 @@ bool isInstalled(const QString& desktopFile) {
   if (desktopFile.isEmpty() || desktopFile.contains(QLatin1Char('/'))) return false;
   const auto folders = applicationFolders();
   for (const auto& folder : folders) {
-    // A dash in the name may stand for a sub-folder.
+    // A dash in the name may mean a subfolder.
     QString inSubfolder = desktopFile;
     inSubfolder.replace(inSubfolder.indexOf(QLatin1Char('-')), 1, QLatin1Char('/'));
     const QDir directory(folder);
@@ -50,11 +51,11 @@ bool isInstalled(const QString& desktopFile) {
   return false;
 }
 
-/// The value of a key in a group of a key file: QSettings would take the ";" of a list for a
+/// Returns the value of a key in a group of a key file. QSettings would read the ";" of a list as a
 /// comment.
 QString valueInKeyFile(const QString& name, const QString& group, const QString& key) {
   QFile file(name);
-  // Opening a FIFO would wait for a writer.
+  // Opening a FIFO would block.
   if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) return {};
   bool inGroup = false;
   QTextStream stream(&file);
@@ -68,7 +69,7 @@ QString valueInKeyFile(const QString& name, const QString& group, const QString&
   return {};
 }
 
-/// The first installed application that the file lists for the type in that group.
+/// Returns the first installed application for the type in that group of the file.
 QString firstListed(const QString& file, const QString& group, const QString& type) {
   const auto names = valueInKeyFile(file, group, type).split(QLatin1Char(';'), Qt::SkipEmptyParts);
   for (const auto& name : names) {
@@ -88,7 +89,7 @@ QString handlerForScheme(const QString& scheme) {
       if (auto handler = firstListed(file, group, type); !handler.isEmpty()) return handler;
     }
   }
-  // Without a choice the desktop takes an application that declares the scheme.
+  // Without a choice the desktop uses an application that declares the scheme.
   const auto folders = applicationFolders();
   for (const auto& folder : folders) {
     auto handler =

@@ -4,8 +4,8 @@
 
 namespace vantrel {
 
-/// The desktop file ("org.example.App.desktop") of the application that opens links of that scheme,
-/// by the user's and the system's MIME associations; empty when none does.
+/// Returns the desktop file ("org.example.App.desktop") of the application that opens links of that
+/// scheme, from the MIME associations of user and system; empty if there is none.
 QString handlerForScheme(const QString& scheme);
 
 }  // namespace vantrel

@@ -38,7 +38,8 @@ std::vector<Reminder> ReminderLog::load() const {
 }
 
 Expected<bool> ReminderLog::claim(const Reminder& reminder, Date now) const {
-  // A file of its own: the log itself is replaced, and a lock would stay with the old one.
+  // A separate lock file: the log is replaced on writing, and a lock on it would stay with the old
+  // file.
   const auto lockPath = file_.string() + ".lock";
   const FileDescriptor lock(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   if (!lock || ::flock(lock.number(), LOCK_EX) != 0) {

@@ -17,9 +17,9 @@
 
 namespace vantrel {
 
-/// Reminds of plans by notifications (org.freedesktop.Notifications) as long as it exists. Follows
-/// the store, the wall clock, suspends and the time zone. Does nothing without lead times, and
-/// after one log line if there is no notification server. Main thread only.
+/// Shows notifications before plans (org.freedesktop.Notifications) while it exists. Follows the
+/// store, the wall clock, suspends and the time zone. Does nothing without lead times; logs one
+/// line if there is no notification server. Main thread only.
 class ReminderService : public QObject {
   Q_OBJECT
 

@@ -8,20 +8,20 @@
 
 namespace vantrel {
 
-/// Says plans in words for tooltips and screen readers: the row itself tells neither the day of the
-/// week nor whose time it is. Main thread.
+/// Describes plans in words for tooltips and screen readers. Rows show neither the weekday nor the
+/// time zone. Main thread only.
 class PlanDescription {
  public:
   PlanDescription();
 
-  /// A plan's instant, in full.
+  /// The date of a plan in full.
   struct When {
-    std::string there;  ///< On the clocks of the plan's own zone.
+    std::string there;  ///< In the plan's zone.
     std::string zone;
     std::string day;                  ///< In words: "tomorrow".
-    std::optional<std::string> here;  ///< On this device's, where that differs.
+    std::optional<std::string> here;  ///< In the device's zone, if that differs.
   };
-  /// Nothing for a plan without a date.
+  /// Returns `nullopt` for a plan without a date.
   std::optional<When> when(const Planning& plan) const;
 
   /// "Milky Way, Wednesday, July 15, 2026 at 11:40 PM (Europe/Madrid)".

@@ -8,16 +8,16 @@
 
 namespace vantrel {
 
-/// The plan that a link names, in the store as it is now. Links come from anywhere: whatever is
-/// wrong with one is told in one line that does not repeat it, with the exit code to end with.
+/// Returns the plan of a link. Links may come from any program: an error is one line that does not
+/// repeat the link, with the exit code.
 Expected<std::shared_ptr<Planning>> planOfLink(const std::string& link);
 
 enum class Direction { kPrevious, kNext };
-/// The plan before or after this one in the order of dates, then keys. Null if there is none, if
-/// the plan has no date, or if the store cannot be read.
+/// Returns the plan before or after this one in the order of dates, then keys; null if there is
+/// none, if the plan has no date, or if the store cannot be read.
 std::shared_ptr<Planning> neighbourOfPlan(const Planning& plan, Direction direction);
 
-/// What to tell the user of the window about such an error, in their language.
+/// Returns the localized message for an error of planOfLink().
 std::string messageForLinkError(const Error& error);
 
 }  // namespace vantrel

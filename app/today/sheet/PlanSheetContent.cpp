@@ -22,7 +22,7 @@ constexpr double kLargestLatitude = 90;
 constexpr double kLargestLongitude = 180;
 
 std::string beginning(const std::string& text, qsizetype most) {
-  // Bytes before characters: nobody waits for a text of megabytes to be taken apart.
+  // Cuts bytes first, so that a text of megabytes is not decoded.
   QString shown =
       QtParagraph::textToShow(std::string_view(text).substr(0, static_cast<std::size_t>(4 * most)));
   if (shown.size() <= most) return shown.trimmed().toStdString();

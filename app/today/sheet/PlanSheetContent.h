@@ -13,19 +13,18 @@ struct PlanPlace {
   std::string coordinates;  ///< "41.38510, 2.17340".
   std::string geoLink;      ///< "geo:41.3851000,2.1734000" (RFC 5870).
 };
-/// The coordinates for display: latitude before longitude in right-to-left interfaces, too.
+/// Returns the coordinates for display: latitude before longitude in right-to-left interfaces, too.
 std::string isolatedCoordinates(const PlanPlace& place);
-/// `nullopt` if the plan has no coordinates on the globe.
+/// Returns `nullopt` if the plan has no coordinates or they are out of range.
 std::optional<PlanPlace> placeOfPlan(const Planning& plan);
 
-/// What the sheet of one plan tells, taken from the plan at one moment. Texts of the plan are plain
-/// text, cut where nobody would read on, and do not change the direction of what stands around
-/// them.
+/// The texts of a plan's sheet. The plan's own texts are shown as plain text, truncated if very
+/// long, and isolated from the direction of other texts.
 struct PlanSheetContent {
   explicit PlanSheetContent(const Planning& plan);
 
-  /// Fills in all of the card but its bar and what the user is doing to it. The card's action
-  /// copies the link; its row, if it has one, shows the place.
+  /// Fills in `content` except its bar and the state of focus, pointer and touch. The card's action
+  /// copies the link; its row, if any, shows the place.
   void describe(CardContent& content) const;
 
   std::vector<CardContent::Text> texts;

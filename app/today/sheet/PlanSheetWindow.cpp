@@ -45,7 +45,7 @@ QAction* PlanSheetWindow::addMenuAction(std::string_view text, const QKeySequenc
 
 void PlanSheetWindow::showNeighbour(Direction direction) {
   const auto plan = planOfLink(link_);
-  if (!plan) return tell(messageForLinkError(plan.error()));
+  if (!plan) return showMessage(messageForLinkError(plan.error()));
   if (const auto neighbour = neighbourOfPlan(**plan, direction)) showPlan(*neighbour);
 }
 
@@ -67,7 +67,7 @@ void PlanSheetWindow::refresh() {
   if (const auto plan = planOfLink(link_)) {
     showPlan(**plan);
   } else {
-    tell(messageForLinkError(plan.error()));
+    showMessage(messageForLinkError(plan.error()));
   }
 }
 

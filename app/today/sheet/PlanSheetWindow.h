@@ -12,20 +12,19 @@
 
 namespace vantrel {
 
-/// The window of one plan's sheet. Its context menu offers what to do with the plan, each with a
-/// key. Main thread only.
+/// The window of a plan's sheet, with a context menu and a key for each action. Main thread only.
 class PlanSheetWindow : public CardWindow {
   Q_OBJECT
 
  public:
-  /// The parameters are those of TodayWindow.
+  /// For the parameters see TodayWindow.
   PlanSheetWindow(QtTextMeasurer& measurer, LinkOpener& opener, std::optional<bool> dark);
 
-  /// Replaces the plan that is shown.
+  /// Shows another plan.
   void showPlan(const Planning& plan);
-  /// The link of the plan that is shown.
+  /// Returns the link of the plan shown.
   const std::string& link() const { return link_; }
-  /// Shows the plan as it is stored now. If it was deleted, its last values stay, with a message.
+  /// Shows the plan's current values. If it was deleted, the last values stay, with a message.
   void refresh() override;
 
  private:

@@ -4,7 +4,7 @@
 
 namespace vantrel {
 
-/// A text for screen readers where a card draws the same text. Main thread.
+/// A text for screen readers, over the place where the card draws it. Main thread only.
 class SpokenText : public QLabel {
  public:
   explicit SpokenText(QWidget* parent);
@@ -13,7 +13,7 @@ class SpokenText : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// Has screen readers tell at once what is new about the widget.
+/// Makes screen readers announce the new text of the widget.
 void announce(QWidget* widget);
 
 }  // namespace vantrel
