@@ -18,7 +18,7 @@ struct StatementFinalizer {
 };
 using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 
-/// Throws StoreFailure for a result code of SQLite's that is an error; `std::bad_alloc` (or what
+/// Throws StoreFailure for an error code of SQLite; `std::bad_alloc` (or what
 /// the new handler does) if memory ran out.
 [[noreturn]] void failSqlite(sqlite3* database, int resultCode);
 

@@ -99,12 +99,6 @@ const std::vector<std::string>& Bundle::localizations() const {
   return found;
 }
 
-std::string Bundle::preferredLocalization() const {
-  const std::lock_guard lock(mutex_);
-  const auto& language = localizations().front();
-  return language == kBase ? "en" : language;
-}
-
 const StringTable& Bundle::table(std::string_view name) const {
   const std::lock_guard lock(mutex_);
   if (const auto known = tables_.find(name); known != tables_.end()) return known->second;

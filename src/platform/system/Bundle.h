@@ -31,8 +31,6 @@ class Bundle {
   /// damaged table is empty and logged once.
   std::string localizedString(std::optional<std::string_view> key, std::string_view value,
                               std::string_view table) const;
-  /// The first language with string tables, such as "de"; "en" if there are none.
-  std::string preferredLocalization() const;
 
  private:
   const StringTable& table(std::string_view name) const;
